@@ -1,0 +1,79 @@
+#include "fnkdirtree-scan.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "fnkraii.h"
+#include "fnkutil.h"
+
+namespace {
+
+bool IsSubdirectory(int directory, const struct dirent& entry)
+{
+    if (entry.d_type != DT_UNKNOWN) {
+        return entry.d_type == DT_DIR;
+    }
+    struct stat st = {};
+    return fstatat(directory, entry.d_name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
+}
+
+/// room is how many bytes a name may have.
+bool IsEligible(int directory, const struct dirent& entry, std::size_t room)
+{
+    const char* const name = entry.d_name;
+    if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0 || CheckFileName(name) == 0) {
+        return false;
+    }
+    return IsSubdirectory(directory, entry) && std::strlen(name) <= room;
+}
+
+std::size_t RoomBelow(std::size_t path_length)
+{
+    return path_length < kMaxPathBytes ? kMaxPathBytes - path_length - 1 : 0;
+}
+
+std::string FindFirstSubdirectory(int parent, const char* name, std::size_t room)
+{
+    Descriptor descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor) {
+        return {};
+    }
+    const DirectoryStream stream(fdopendir(descriptor.Get()));
+    if (stream == nullptr) {
+        return {};
+    }
+    descriptor.Release();  // The stream closes it.
+    while (const struct dirent* const entry = readdir(stream.get())) {
+        if (IsEligible(dirfd(stream.get()), *entry, room)) {
+            return entry->d_name;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirectory>& found)
+{
+    const DirectoryStream stream(opendir(directory.c_str()));
+    if (stream == nullptr) {
+        return errno == EACCES ? SCAN_DONE : SCAN_FAILED;
+    }
+    const int descriptor = dirfd(stream.get());
+    const std::size_t length = WithSlash(directory).size();
+    while (const struct dirent* const entry = readdir(stream.get())) {
+        if (IsEligible(descriptor, *entry, RoomBelow(length))) {
+            found.push_back({entry->d_name, {}});
+        }
+    }
+    for (Subdirectory& child : found) {
+        child.early_child =
+            FindFirstSubdirectory(descriptor, child.name.c_str(), RoomBelow(length + child.name.size() + 1));
+    }
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    return SCAN_DONE;
+}

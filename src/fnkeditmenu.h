@@ -1,0 +1,8 @@
+#pragma once
+// Commands of the Edit menu.
+
+#include <gtk/gtk.h>
+
+void on_Menu_SelectAll_activate(GtkWidget* item, gpointer data);
+/// Reads the whole tree anew and goes back to its top.
+void on_Menu_RescanDirectory_activate(GtkWidget* item, gpointer data);

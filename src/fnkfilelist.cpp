@@ -1,0 +1,445 @@
+#include "fnkfilelist.h"
+
+#include <algorithm>
+#include <array>
+
+#include "fnkdirtree.h"
+#include "fnkfilelist-model.h"
+#include "fnkfilelist-sort.h"
+#include "fnkfilelist-status.h"
+#include "fnkmainwindow-record.h"
+#include "fnkstring.h"
+#include "fnkutil-widget.h"
+#include "fnkutil.h"
+
+FileListEvents OnFileList;
+
+namespace {
+
+constexpr int kIconWidth = 18;
+constexpr int kScrollBorder = 2;
+constexpr int kNarrowestColumn = 16;
+/// Insets of a cell on both sides, and a little air.
+constexpr int kCellInsets = 14;
+
+struct ColumnKind {
+    bool align_right;
+    const char* typical;  ///< A text as wide as most; a column without a stored width shows it whole.
+};
+constexpr std::array<ColumnKind, kColumnKinds> kColumns = {{
+    {false, "a-rather-long-name.tar.gz"},
+    {true, "1023.9MByte"},
+    {false, "drwxrwxrwx"},
+    {false, "username"},
+    {true, "2147483647"},
+    {false, "groupname"},
+    {true, "2147483647"},
+    {true, "May 28 2028 08:08"},
+    {true, "May 28 2028 08:08"},
+    {true, "May 28 2028 08:08"},
+    {true, "2147483647"},
+}};
+
+/// The rows are drawn on white, in every theme, because the colours of the file types are chosen
+/// for it; a selected row is drawn as the theme has it.
+constexpr const char* kListStyle =
+    ".fennick-list.view { background-color: #ffffff; color: #000000; }"
+    ".fennick-list.view:selected { background-color: @theme_selected_bg_color; color: @theme_selected_fg_color; }";
+
+/// The directory that the rows were read from.
+std::string listed_directory;
+
+int batch_depth = 0;
+bool batch_changed = false;
+
+FnkListModel* ModelOf(GtkTreeView* list)
+{
+    return static_cast<FnkListModel*>(g_object_get_data(G_OBJECT(list), "fennick-model"));
+}
+
+void ReportSelection()
+{
+    if (OnFileList.SelectionChanged != nullptr) {
+        OnFileList.SelectionChanged();
+    }
+    DisplayFileStatus();
+}
+
+void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
+{
+    if (pGTable == nullptr) {
+        return;
+    }
+    if (batch_depth > 0) {
+        batch_changed = true;
+    } else {
+        ReportSelection();
+    }
+}
+
+gboolean IsRowSelectable(GtkTreeSelection*, GtkTreeModel* model, GtkTreePath* path, gboolean, gpointer)
+{
+    const auto index = static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]);
+    return !ModelRows(FNK_LIST_MODEL(model)).IsParentRow(index);
+}
+
+void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
+{
+    if (pGTable != nullptr) {
+        ActivateListRow(static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]));
+    }
+}
+
+void DrawIcon(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer)
+{
+    if (pGTable == nullptr) {
+        return;
+    }
+    const FileRow& row = ModelRows(FNK_LIST_MODEL(model)).Row(ModelRowIndex(iter));
+    g_object_set(cell, "pixbuf", row.is_directory ? pGTable->CloseDirPixmap : nullptr, nullptr);
+}
+
+GdkRGBA RowColor(const FileRow& row)
+{
+    const FileType type = row.type == FT_FIFO ? FT_NORMAL : row.type;
+    const Color& color = pGTable->Colors[type];
+    constexpr double kFull = 0xff00;  // What the settings file can say at most.
+    return {color.red / kFull, color.green / kFull, color.blue / kFull, 1.0};
+}
+
+void DrawText(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer id)
+{
+    if (pGTable == nullptr) {
+        return;
+    }
+    const FileRows& rows = ModelRows(FNK_LIST_MODEL(model));
+    const std::size_t index = ModelRowIndex(iter);
+    const FileRow& row = rows.Row(index);
+    g_object_set(cell, "text", rows.CellText(row, GPOINTER_TO_INT(id)).c_str(), nullptr);
+
+    GtkTreeView* const list = GTK_TREE_VIEW(gtk_tree_view_column_get_tree_view(column));
+    if (gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(list), iter)) {
+        g_object_set(cell, "foreground-set", FALSE, nullptr);
+        return;
+    }
+    const GdkRGBA color = RowColor(row);
+    g_object_set(cell, "foreground-rgba", &color, nullptr);
+}
+
+int TextWidth(GtkWidget* widget, const char* text)
+{
+    PangoLayout* const layout = gtk_widget_create_pango_layout(widget, text);
+    int width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width;
+}
+
+int TitleWidth(GtkTreeViewColumn* column)
+{
+    int width = 0;
+    gtk_widget_get_preferred_width(gtk_tree_view_column_get_button(column), nullptr, &width);
+    return width;
+}
+
+/// Wide enough for the title with its arrow and a typical cell.
+int NaturalWidth(GtkTreeView* list, GtkTreeViewColumn* column, int id)
+{
+    const gboolean has_arrow = gtk_tree_view_column_get_sort_indicator(column);
+    gtk_tree_view_column_set_sort_indicator(column, TRUE);
+    const int title = TitleWidth(column);
+    gtk_tree_view_column_set_sort_indicator(column, has_arrow);
+    const char* const typical = kColumns[static_cast<std::size_t>(id)].typical;
+    return std::max(title, TextWidth(GTK_WIDGET(list), typical) + kCellInsets);
+}
+
+/// Shows by which column and which way the list is sorted.
+void UpdateSortArrows(GtkTreeView* list)
+{
+    const int sorted = EffectiveSortColumn();
+    for (int i = 0; i <= pGTable->ColumnCount; ++i) {
+        GtkTreeViewColumn* const column = gtk_tree_view_get_column(list, i);
+        gtk_tree_view_column_set_sort_indicator(column, i == sorted);
+        gtk_tree_view_column_set_sort_order(column, IsSortedUpwards() ? GTK_SORT_ASCENDING : GTK_SORT_DESCENDING);
+    }
+    // The icon column is as wide as its title, and the arrow is part of that.
+    GtkTreeViewColumn* const icon = gtk_tree_view_get_column(list, 0);
+    gtk_tree_view_column_set_fixed_width(icon, std::max(kIconWidth, TitleWidth(icon)));
+}
+
+void on_FileList_column_clicked(GtkTreeViewColumn*, gpointer column)
+{
+    if (pGTable != nullptr) {
+        on_FileList_click_column(GPOINTER_TO_INT(column));
+    }
+}
+
+void on_FileList_resize_column(GtkTreeViewColumn* column, GParamSpec*, gpointer index)
+{
+    if (pGTable != nullptr) {
+        pGTable->ColumnSize[GPOINTER_TO_SIZE(index)] = gtk_tree_view_column_get_fixed_width(column);
+    }
+}
+
+GtkTreeViewColumn* AppendColumn(GtkTreeView* list, GtkCellRenderer* cell, GtkTreeCellDataFunc draw, int id)
+{
+    GtkTreeViewColumn* const column = gtk_tree_view_column_new();
+    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+    gtk_tree_view_column_pack_start(column, cell, TRUE);
+    gtk_tree_view_column_set_cell_data_func(column, cell, draw, GINT_TO_POINTER(id), nullptr);
+    gtk_tree_view_append_column(list, column);
+    return column;
+}
+
+void MakeClickable(GtkTreeViewColumn* column, int list_column)
+{
+    gtk_tree_view_column_set_clickable(column, TRUE);
+    g_signal_connect(column, "clicked", G_CALLBACK(on_FileList_column_clicked), GINT_TO_POINTER(list_column));
+}
+
+void AppendIconColumn(GtkTreeView* list)
+{
+    GtkTreeViewColumn* const column = AppendColumn(list, gtk_cell_renderer_pixbuf_new(), DrawIcon, 0);
+    GtkWidget* const title = gtk_image_new_from_pixbuf(pGTable->CloseDirPixmap);
+    gtk_widget_show(title);
+    gtk_tree_view_column_set_widget(column, title);
+    MakeClickable(column, 0);
+}
+
+void AppendDetailColumn(GtkTreeView* list, std::size_t position)
+{
+    const int id = pGTable->ColumnPosition[position];
+    GtkCellRenderer* const cell = gtk_cell_renderer_text_new();
+    g_object_set(cell, "xalign", kColumns[static_cast<std::size_t>(id)].align_right ? 1.0F : 0.0F,
+                 "single-paragraph-mode", TRUE, nullptr);
+    GtkTreeViewColumn* const column = AppendColumn(list, cell, DrawText, id);
+    gtk_tree_view_column_set_title(column, GetListColumnString(id).c_str());
+    gtk_tree_view_column_set_alignment(column, 0.0F);
+    gtk_tree_view_column_set_resizable(column, TRUE);
+    gtk_tree_view_column_set_min_width(column, kNarrowestColumn);
+    MakeClickable(column, static_cast<int>(position) + 1);
+    const int stored = pGTable->ColumnSize[position];
+    gtk_tree_view_column_set_fixed_width(
+        column, stored > 0 ? std::clamp(stored, kNarrowestColumn, G_MAXSHORT) : NaturalWidth(list, column, id));
+    g_signal_connect(column, "notify::fixed-width", G_CALLBACK(on_FileList_resize_column), GSIZE_TO_POINTER(position));
+}
+
+/// Takes the width that the others leave, or the toolkit would give it to the last of them.
+void AppendFillerColumn(GtkTreeView* list)
+{
+    GtkTreeViewColumn* const column = gtk_tree_view_column_new();
+    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+    gtk_tree_view_column_set_expand(column, TRUE);
+    gtk_tree_view_append_column(list, column);
+}
+
+void ApplyListStyle(GtkWidget* list)
+{
+    GtkStyleContext* const context = gtk_widget_get_style_context(list);
+    gtk_style_context_add_class(context, "fennick-list");
+    GtkCssProvider* const provider = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(provider, kListStyle, -1, nullptr);
+    gtk_style_context_add_provider(context, GTK_STYLE_PROVIDER(provider), GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    g_object_unref(provider);
+}
+
+GtkTreeView* NewListView()
+{
+    GtkWidget* const widget = gtk_tree_view_new();
+    GtkTreeView* const list = GTK_TREE_VIEW(widget);
+    g_object_set_data_full(G_OBJECT(widget), "fennick-model", NewListModel(), g_object_unref);
+    ApplyListStyle(widget);
+    gtk_widget_set_can_focus(widget, FALSE);
+    gtk_tree_view_set_enable_search(list, FALSE);
+    SetAccessibleName(widget, _("File list"));
+    AppendIconColumn(list);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(pGTable->ColumnCount); ++i) {
+        AppendDetailColumn(list, i);
+    }
+    AppendFillerColumn(list);
+    gtk_tree_view_set_fixed_height_mode(list, TRUE);
+
+    GtkTreeSelection* const selection = gtk_tree_view_get_selection(list);
+    gtk_tree_selection_set_mode(selection, GTK_SELECTION_MULTIPLE);
+    gtk_tree_selection_set_select_function(selection, IsRowSelectable, nullptr, nullptr);
+    g_signal_connect(selection, "changed", G_CALLBACK(on_FileList_selection_changed), nullptr);
+    g_signal_connect(list, "row-activated", G_CALLBACK(on_FileList_row_activated), nullptr);
+    gtk_widget_show(widget);
+    return list;
+}
+
+/// The first row that is at least partly visible; the row count when there is none.
+int FirstVisibleRow(GtkTreeView* list)
+{
+    GtkTreePath* start = nullptr;
+    if (!gtk_tree_view_get_visible_range(list, &start, nullptr)) {
+        return static_cast<int>(ListRows().Count());
+    }
+    const TreePath owner(start);
+    return gtk_tree_path_get_indices(start)[0];
+}
+
+void ScrollRowToTop(GtkTreeView* list, int row)
+{
+    if (row >= 0 && row < static_cast<int>(ListRows().Count())) {
+        const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+        gtk_tree_view_scroll_to_cell(list, path.get(), nullptr, TRUE, 0.0F, 0.0F);
+    }
+}
+
+}  // namespace
+
+GtkTreeView* MainList()
+{
+    return pMainW != nullptr && pMainW->FileList != nullptr ? GTK_TREE_VIEW(pMainW->FileList) : nullptr;
+}
+
+const FileRows& ListRows()
+{
+    static const FileRows kNoRows;
+    GtkTreeView* const list = MainList();
+    return list != nullptr ? ModelRows(ModelOf(list)) : kNoRows;
+}
+
+GtkTreeViewColumn* ListViewColumn(int column)
+{
+    return gtk_tree_view_get_column(MainList(), column);
+}
+
+std::vector<int> ListColumnWidths()
+{
+    std::vector<int> widths;
+    for (int i = 1; MainList() != nullptr && i <= pGTable->ColumnCount; ++i) {
+        widths.push_back(gtk_tree_view_column_get_fixed_width(ListViewColumn(i)));
+    }
+    return widths;
+}
+
+GtkWidget* CreateFileList(GtkWidget* paned)
+{
+    pMainW->ListScroll = CreateScroll();
+    gtk_container_set_border_width(GTK_CONTAINER(pMainW->ListScroll), kScrollBorder);
+    gtk_paned_pack2(GTK_PANED(paned), pMainW->ListScroll, TRUE, TRUE);
+    pGTable->NameColumn = FindNameColumn(*pGTable);
+    GtkTreeView* const list = NewListView();
+    gtk_container_add(GTK_CONTAINER(pMainW->ListScroll), GTK_WIDGET(list));
+    pMainW->FileList = GTK_WIDGET(list);
+    listed_directory.clear();
+    UpdateSortArrows(list);
+    // At start the tree opens the directory once the window is built; reading it here as well
+    // would double the time to the first picture.
+    if (gtk_widget_get_realized(pMainW->MainWindow)) {
+        DisplayFileList(pGTable->CurrentDir);
+    }
+    return pMainW->FileList;
+}
+
+int DisplayFileList(const std::string& path)
+{
+    GtkTreeView* const list = MainList();
+    if (list == nullptr) {
+        return 0;
+    }
+    const bool is_directory = IsDirectory(path) != 0;
+    if (!is_directory && path == listed_directory) {
+        return 0;
+    }
+    const int first_visible = path == pGTable->CurrentDir ? FirstVisibleRow(list) : -1;
+    FnkListModel* const model = ModelOf(list);
+    {
+        const ListSelectionBatch batch;
+        gtk_tree_view_set_model(list, nullptr);
+        ModelRows(model).Clear();
+        if (is_directory) {
+            ReadFileRows(path, ModelRows(model));
+        }
+        SortModelRows(model);
+        gtk_tree_view_set_model(list, GTK_TREE_MODEL(model));
+        listed_directory = path;
+        batch_changed = true;
+    }
+    ScrollRowToTop(list, first_visible);
+    return 0;
+}
+
+void on_FileList_click_column(int column)
+{
+    if (column == pGTable->SortColumn) {
+        pGTable->SortType = pGTable->SortType == SORT_ASCENDING ? SORT_DESCENDING : SORT_ASCENDING;
+    } else {
+        pGTable->SortColumn = column;
+        pGTable->SortType = SORT_ASCENDING;
+    }
+    const ListSelectionBatch batch;
+    SortModelRows(ModelOf(MainList()));
+    UpdateSortArrows(MainList());
+    batch_changed = true;  // The summary under way knows the rows by their old places.
+}
+
+void ActivateListRow(std::size_t index)
+{
+    const FileRows& rows = ListRows();
+    if (index >= rows.Count()) {
+        return;
+    }
+    if (rows.IsParentRow(index)) {
+        const std::string parent = GetParentDirectory(pGTable->CurrentDir);
+        if (pGTable->CurrentDir != pGTable->RootDir && !parent.empty()) {
+            OpenChildTree(MainTree(), parent, EXPAND_LAST_YES);
+        }
+    } else if (rows.Row(index).is_directory) {
+        OpenChildTree(MainTree(), pGTable->CurrentDir + rows.Name(index) + "/", EXPAND_LAST_YES);
+    }
+}
+
+std::vector<std::size_t> ListSelection()
+{
+    std::vector<std::size_t> rows;
+    if (MainList() != nullptr) {
+        gtk_tree_selection_selected_foreach(
+            gtk_tree_view_get_selection(MainList()),
+            [](GtkTreeModel*, GtkTreePath*, GtkTreeIter* iter, gpointer data) {
+                static_cast<std::vector<std::size_t>*>(data)->push_back(ModelRowIndex(iter));
+            },
+            &rows);
+    }
+    return rows;
+}
+
+std::size_t CountListSelection()
+{
+    GtkTreeView* const list = MainList();
+    return list != nullptr
+               ? static_cast<std::size_t>(gtk_tree_selection_count_selected_rows(gtk_tree_view_get_selection(list)))
+               : 0;
+}
+
+ListSelectionBatch::ListSelectionBatch()
+{
+    ++batch_depth;
+}
+
+ListSelectionBatch::~ListSelectionBatch()
+{
+    if (--batch_depth == 0 && batch_changed) {
+        batch_changed = false;
+        ReportSelection();
+    }
+}
+
+void SelectAllListRows()
+{
+    gtk_tree_selection_select_all(gtk_tree_view_get_selection(MainList()));
+}
+
+void UnselectAllListRows()
+{
+    gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(MainList()));
+}
+
+void SelectListRows(std::size_t first, std::size_t last)
+{
+    const TreePath start(gtk_tree_path_new_from_indices(static_cast<int>(first), -1));
+    const TreePath end(gtk_tree_path_new_from_indices(static_cast<int>(last), -1));
+    gtk_tree_selection_select_range(gtk_tree_view_get_selection(MainList()), start.get(), end.get());
+}

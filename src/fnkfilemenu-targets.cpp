@@ -1,0 +1,53 @@
+#include "fnkfilemenu-targets.h"
+
+#include "fnkdirtree.h"
+#include "fnkfilelist.h"
+#include "fnkstring.h"
+#include "fnktable.h"
+#include "fnkutil.h"
+
+SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::string* description)
+{
+    // Parts of a sentence that stays as it is in every language.
+    constexpr const char* kKindWords[] = {"file", "directory", "file/directory"};
+    bool files = false;
+    bool directories = false;
+    std::size_t count = 0;
+    std::string label;
+    const FileRows& rows = ListRows();
+    const std::vector<std::size_t> selection = ListSelection();
+    for (const std::size_t index : selection) {
+        if (rows.IsParentRow(index)) {
+            continue;
+        }
+        const bool is_directory = rows.Row(index).is_directory;
+        (is_directory ? directories : files) = true;
+        label = DisplayText(rows.Name(index));
+        paths.push_back(pGTable->CurrentDir + rows.Name(index) + (is_directory ? "/" : ""));
+        ++count;
+    }
+    std::string tree_path;
+    if (selection.empty() && GetTreeSelect(MainTree(), nullptr, &tree_path)) {
+        directories = true;
+        label = DisplayText(tree_path);
+        paths.push_back(std::move(tree_path));
+        ++count;
+    }
+    if (count == 0) {
+        return SELECTION_NONE;
+    }
+    const SelectionKind kind = !directories ? SELECTION_FILES : files ? SELECTION_BOTH : SELECTION_DIRECTORIES;
+    if (description != nullptr) {
+        if (count > 1) {
+            label = std::to_string(count);
+        }
+        *description = FormatText(_("%s %s"), label.c_str(), kKindWords[kind]);
+    }
+    return kind;
+}
+
+std::size_t CountFileOperationTargets()
+{
+    const std::size_t rows = CountListSelection();
+    return rows > 0 ? rows : GetTreeSelect(MainTree(), nullptr, nullptr) ? 1 : 0;
+}

@@ -1,0 +1,8 @@
+#pragma once
+// Commands of the File menu.
+
+#include <gtk/gtk.h>
+
+/// The menu opens: what its entries can do now.
+void on_Menu_File_activate(GtkWidget* item, gpointer data);
+void on_Menu_CloseWindow_activate(GtkWidget* item, gpointer data);

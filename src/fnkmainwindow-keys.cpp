@@ -1,0 +1,459 @@
+#include "fnkmainwindow-keys.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "fnkdirtree.h"
+#include "fnkfilelist.h"
+#include "fnklocationbar.h"
+#include "fnkmainwindow-record.h"
+#include "fnktable.h"
+#include "fnkutil-widget.h"
+
+namespace {
+
+/// Which way a key moves; it decides where the row comes to stand when the view must scroll.
+enum Direction { DIRECTION_UP, DIRECTION_DOWN };
+
+/// A key of the keypad is the same key as the one beside it.
+guint PlainKey(guint key)
+{
+    switch (key) {
+    case GDK_KEY_KP_Up:
+        return GDK_KEY_Up;
+    case GDK_KEY_KP_Down:
+        return GDK_KEY_Down;
+    case GDK_KEY_KP_Left:
+        return GDK_KEY_Left;
+    case GDK_KEY_KP_Right:
+        return GDK_KEY_Right;
+    case GDK_KEY_KP_Page_Up:
+        return GDK_KEY_Page_Up;
+    case GDK_KEY_KP_Page_Down:
+        return GDK_KEY_Page_Down;
+    case GDK_KEY_KP_Home:
+        return GDK_KEY_Home;
+    case GDK_KEY_KP_End:
+        return GDK_KEY_End;
+    case GDK_KEY_KP_Enter:
+        return GDK_KEY_Return;
+    case GDK_KEY_KP_Tab:
+    case GDK_KEY_ISO_Left_Tab:
+        return GDK_KEY_Tab;
+    default:
+        return key;
+    }
+}
+
+bool IsNavigationKey(guint key)
+{
+    switch (key) {
+    case GDK_KEY_Up:
+    case GDK_KEY_Down:
+    case GDK_KEY_Left:
+    case GDK_KEY_Right:
+    case GDK_KEY_Page_Up:
+    case GDK_KEY_Page_Down:
+    case GDK_KEY_Home:
+    case GDK_KEY_End:
+    case GDK_KEY_Return:
+    case GDK_KEY_Tab:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void ScrollTo(GtkTreeView* view, GtkTreePath* path, Direction direction)
+{
+    if (GetRowVisibility(view, path) != ROW_VISIBLE) {
+        gtk_tree_view_scroll_to_cell(view, path, nullptr, TRUE, direction == DIRECTION_UP ? 0.0F : 1.0F, 0.0F);
+    }
+}
+
+// The list. Rows are ints here because targets are computed past both ends and clamped.
+
+int ListRowCount()
+{
+    return static_cast<int>(ListRows().Count());
+}
+
+RowVisibility ListRowVisibility(int row)
+{
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    return GetRowVisibility(MainList(), path.get());
+}
+
+/// Lowest and highest selected row.
+struct SelectedRange {
+    int first = -1;
+    int last = -1;
+    int count = 0;
+};
+
+SelectedRange GetSelectedRange()
+{
+    const std::vector<std::size_t> rows = ListSelection();
+    if (rows.empty()) {
+        return {};
+    }
+    return {static_cast<int>(rows.front()), static_cast<int>(rows.back()), static_cast<int>(rows.size())};
+}
+
+void ListRowVisible(int row, Direction direction)
+{
+    // The ".." row comes into view together with the first entry.
+    const TreePath path(gtk_tree_path_new_from_indices(row == 1 ? 0 : row, -1));
+    ScrollTo(MainList(), path.get(), direction);
+}
+
+struct ListPage {
+    int top;     ///< First row that is at least partly visible.
+    int bottom;  ///< First row behind it that is not fully visible, or the last row.
+    int count;
+};
+
+ListPage GetListRange()
+{
+    const int last = ListRowCount() - 1;
+    GtkTreePath* start = nullptr;
+    int top = last;
+    if (gtk_tree_view_get_visible_range(MainList(), &start, nullptr)) {
+        const TreePath owner(start);
+        top = gtk_tree_path_get_indices(start)[0];
+    }
+    int bottom = top + 1;
+    while (bottom < last && ListRowVisibility(bottom) == ROW_VISIBLE) {
+        ++bottom;
+    }
+    bottom = std::min(bottom, last);
+    return {top, bottom, bottom - top + 1};
+}
+
+void SelectOnly(int row)
+{
+    UnselectAllListRows();
+    SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
+}
+
+void ListUpSelect(const GdkEventKey& event, int row, const SelectedRange& selected)
+{
+    if (selected.first == 1 && selected.count == 1) {
+        return;
+    }
+    const int target = std::clamp(row, 1, std::max(1, ListRowCount() - 1));
+    {
+        const ListSelectionBatch batch;
+        if ((event.state & GDK_SHIFT_MASK) == 0) {
+            SelectOnly(target);
+        } else if (target < selected.first) {
+            SelectListRows(static_cast<std::size_t>(target), static_cast<std::size_t>(selected.first - 1));
+        }
+    }
+    ListRowVisible(target, DIRECTION_UP);
+}
+
+void ListDownSelect(const GdkEventKey& event, int row, const SelectedRange& selected)
+{
+    const int last = ListRowCount() - 1;
+    if (selected.last == last && selected.count == 1) {
+        return;
+    }
+    const int target = std::clamp(row, 0, last);
+    {
+        const ListSelectionBatch batch;
+        if ((event.state & GDK_SHIFT_MASK) == 0) {
+            SelectOnly(target);
+        } else if (target > selected.last) {
+            SelectListRows(static_cast<std::size_t>(selected.last + 1), static_cast<std::size_t>(target));
+        }
+    }
+    ListRowVisible(target, DIRECTION_DOWN);
+}
+
+void OpenSelectedRow(const SelectedRange& selected)
+{
+    if (selected.count != 1) {
+        return;
+    }
+    const std::string before = pGTable->CurrentDir;
+    ActivateListRow(static_cast<std::size_t>(selected.first));
+    if (pGTable->CurrentDir != before && ListRowCount() > 1) {
+        SelectListRows(1, 1);
+    }
+}
+
+void ListKeyPress(const GdkEventKey& event, guint key)
+{
+    const SelectedRange selected = GetSelectedRange();
+    if (selected.count == 0) {
+        return;
+    }
+    switch (key) {
+    case GDK_KEY_Up:
+        ListUpSelect(event, selected.first - 1, selected);
+        break;
+    case GDK_KEY_Down:
+        ListDownSelect(event, selected.last + 1, selected);
+        break;
+    case GDK_KEY_Page_Up: {
+        const ListPage page = GetListRange();
+        ListUpSelect(event, selected.first > page.top ? page.top : page.top - page.count, selected);
+        break;
+    }
+    case GDK_KEY_Page_Down: {
+        const ListPage page = GetListRange();
+        ListDownSelect(event, selected.last < page.bottom - 1 ? page.bottom : page.bottom + page.count, selected);
+        break;
+    }
+    case GDK_KEY_Home:
+        ListUpSelect(event, 0, selected);
+        break;
+    case GDK_KEY_End:
+        ListDownSelect(event, ListRowCount() - 1, selected);
+        break;
+    case GDK_KEY_Return:
+        OpenSelectedRow(selected);
+        break;
+    default:
+        break;
+    }
+}
+
+// The tree.
+
+using OptionalNode = std::optional<GtkTreeIter>;
+
+/// The tree's nodes and how they are displayed.
+class TreeWalk {
+public:
+    explicit TreeWalk(GtkTreeView* tree) : tree_(tree), model_(gtk_tree_view_get_model(tree)) {}
+
+    OptionalNode Root() const
+    {
+        GtkTreeIter root;
+        return gtk_tree_model_get_iter_first(model_, &root) ? OptionalNode(root) : std::nullopt;
+    }
+    TreePath PathOf(GtkTreeIter node) const { return TreePath(gtk_tree_model_get_path(model_, &node)); }
+    bool IsSame(const GtkTreeIter& a, const GtkTreeIter& b) const { return a.user_data == b.user_data; }
+    bool HasChildren(GtkTreeIter node) const { return gtk_tree_model_iter_has_child(model_, &node); }
+    bool IsExpanded(const GtkTreeIter& node) const { return gtk_tree_view_row_expanded(tree_, PathOf(node).get()); }
+    RowVisibility Visibility(const GtkTreeIter& node) const { return GetRowVisibility(tree_, PathOf(node).get()); }
+
+    OptionalNode Parent(GtkTreeIter node) const
+    {
+        GtkTreeIter parent;
+        return gtk_tree_model_iter_parent(model_, &parent, &node) ? OptionalNode(parent) : std::nullopt;
+    }
+    OptionalNode Next(GtkTreeIter node) const
+    {
+        return gtk_tree_model_iter_next(model_, &node) ? OptionalNode(node) : std::nullopt;
+    }
+    OptionalNode Previous(GtkTreeIter node) const
+    {
+        return gtk_tree_model_iter_previous(model_, &node) ? OptionalNode(node) : std::nullopt;
+    }
+    OptionalNode FirstChild(GtkTreeIter node) const
+    {
+        GtkTreeIter child;
+        return gtk_tree_model_iter_children(model_, &child, &node) ? OptionalNode(child) : std::nullopt;
+    }
+    OptionalNode LastChild(GtkTreeIter node) const
+    {
+        GtkTreeIter child;
+        const int count = gtk_tree_model_iter_n_children(model_, &node);
+        return gtk_tree_model_iter_nth_child(model_, &child, &node, count - 1) ? OptionalNode(child) : std::nullopt;
+    }
+
+    /// The last node displayed in the subtree of node.
+    GtkTreeIter LastDisplayed(GtkTreeIter node) const
+    {
+        while (IsExpanded(node)) {
+            const OptionalNode child = LastChild(node);
+            if (!child) {
+                break;
+            }
+            node = *child;
+        }
+        return node;
+    }
+    /// The node displayed above; none above the root.
+    OptionalNode Above(const GtkTreeIter& node) const
+    {
+        const OptionalNode sibling = Previous(node);
+        return sibling ? LastDisplayed(*sibling) : Parent(node);
+    }
+    /// The node displayed below.
+    OptionalNode Below(const GtkTreeIter& node) const
+    {
+        if (IsExpanded(node)) {
+            return FirstChild(node);
+        }
+        for (OptionalNode ancestor = node; ancestor; ancestor = Parent(*ancestor)) {
+            if (const OptionalNode sibling = Next(*ancestor)) {
+                return sibling;
+            }
+        }
+        return std::nullopt;
+    }
+
+    struct Page {
+        GtkTreeIter top;     ///< First node that is at least partly visible.
+        GtkTreeIter bottom;  ///< Last one that is fully visible.
+        int steps;           ///< From one to the other.
+    };
+    /// Nothing while the root is collapsed.
+    std::optional<Page> VisiblePage() const
+    {
+        const OptionalNode root = Root();
+        GtkTreePath* start = nullptr;
+        if (!root || !IsExpanded(*root) || !gtk_tree_view_get_visible_range(tree_, &start, nullptr)) {
+            return std::nullopt;
+        }
+        const TreePath owner(start);
+        Page page = {};
+        gtk_tree_model_get_iter(model_, &page.top, start);
+        page.bottom = page.top;
+        for (OptionalNode node = Below(page.top); node && Visibility(*node) == ROW_VISIBLE; node = Below(*node)) {
+            page.bottom = *node;
+            ++page.steps;
+        }
+        return page;
+    }
+
+    void Expand(const GtkTreeIter& node) const { gtk_tree_view_expand_row(tree_, PathOf(node).get(), FALSE); }
+    void Collapse(const GtkTreeIter& node) const { gtk_tree_view_collapse_row(tree_, PathOf(node).get()); }
+    void Select(const GtkTreeIter& node, Direction direction) const
+    {
+        const TreePath path = PathOf(node);
+        const bool was_visible = GetRowVisibility(tree_, path.get()) == ROW_VISIBLE;
+        SetTreeSelectNode(tree_, node);
+        if (!was_visible) {
+            gtk_tree_view_scroll_to_cell(tree_, path.get(), nullptr, TRUE, direction == DIRECTION_UP ? 0.0F : 1.0F,
+                                         0.0F);
+        }
+    }
+
+private:
+    GtkTreeView* tree_;
+    GtkTreeModel* model_;
+};
+
+void CollapseOrLeave(const TreeWalk& walk, const GtkTreeIter& current)
+{
+    const OptionalNode parent = walk.Parent(current);
+    if (walk.HasChildren(current) && walk.IsExpanded(current)) {
+        if (parent) {
+            walk.Collapse(current);
+        }
+    } else if (parent) {
+        walk.Collapse(*parent);
+    }
+}
+
+/// Where Page Up or Page Down leads: the edge of the page, or from there one page further.
+OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direction direction)
+{
+    const std::optional<TreeWalk::Page> page = walk.VisiblePage();
+    if (!page) {
+        return std::nullopt;
+    }
+    const bool up = direction == DIRECTION_UP;
+    GtkTreeIter target = up ? page->top : page->bottom;
+    if (!walk.IsSame(current, target)) {
+        return target;
+    }
+    for (int step = 0; step < page->steps; ++step) {
+        const OptionalNode next = up ? walk.Above(target) : walk.Below(target);
+        if (!next) {
+            break;
+        }
+        target = *next;
+    }
+    return target;
+}
+
+/// The node that the key moves to, if it is one that moves.
+OptionalNode KeyTarget(const TreeWalk& walk, const GtkTreeIter& current, guint key)
+{
+    switch (key) {
+    case GDK_KEY_Up:
+        return walk.Above(current);
+    case GDK_KEY_Down:
+        return walk.Below(current);
+    case GDK_KEY_Page_Up:
+        return PageTarget(walk, current, DIRECTION_UP);
+    case GDK_KEY_Page_Down:
+        return PageTarget(walk, current, DIRECTION_DOWN);
+    case GDK_KEY_Home:
+        return walk.Root();
+    case GDK_KEY_End:
+        return walk.LastDisplayed(*walk.Root());
+    default:
+        return std::nullopt;
+    }
+}
+
+void TreeKeyPress(GtkTreeView* tree, guint key)
+{
+    GtkTreeIter current;
+    if (!GetTreeSelect(tree, &current, nullptr)) {
+        return;
+    }
+    const TreeWalk walk(tree);
+    if (key == GDK_KEY_Return || key == GDK_KEY_Right) {
+        walk.Expand(current);
+        return;
+    }
+    if (key == GDK_KEY_Left) {
+        CollapseOrLeave(walk, current);
+        return;
+    }
+    const bool up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
+    if (const OptionalNode target = KeyTarget(walk, current, key)) {
+        walk.Select(*target, up ? DIRECTION_UP : DIRECTION_DOWN);
+    }
+}
+
+/// Tab: the keys go to the other pane.
+void SwitchPane()
+{
+    if (IsLocationFocused()) {
+        ReleaseEntryFocus(pMainW->MainWindow);
+        UnselectAllListRows();
+    } else if (CountListSelection() > 0) {
+        UnselectAllListRows();
+    } else if (ListRowCount() > 1) {
+        SelectListRows(1, 1);
+    }
+}
+
+}  // namespace
+
+gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gpointer)
+{
+    if (pGTable == nullptr) {
+        return FALSE;
+    }
+    const guint key = PlainKey(event->keyval);
+    if (key == GDK_KEY_Tab) {
+        SwitchPane();
+        return TRUE;
+    }
+    if (IsLocationFocused()) {
+        // First the entry, then the accelerators: what edits text must not act on files.
+        return gtk_window_propagate_key_event(GTK_WINDOW(window), event);
+    }
+    if (!IsNavigationKey(key)) {
+        return FALSE;
+    }
+    if (CountListSelection() > 0) {
+        ListKeyPress(*event, key);
+    } else {
+        TreeKeyPress(MainTree(), key);
+    }
+    return TRUE;
+}

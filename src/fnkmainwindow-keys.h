@@ -1,0 +1,8 @@
+#pragma once
+// Keyboard navigation of the two panes, neither of which takes the focus: keys act on the list
+// while it has a selection, else on the tree.
+
+#include <gtk/gtk.h>
+
+/// Handler of the window's "key-press-event".
+gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gpointer data);

@@ -1,0 +1,166 @@
+#include "fnkmainwindow.h"
+
+#include <algorithm>
+
+#include "fnkdirtree.h"
+#include "fnkfilelist-status.h"
+#include "fnkfilelist.h"
+#include "fnkfiles-settings.h"
+#include "fnklocationbar.h"
+#include "fnkmainwindow-keys.h"
+#include "fnkmainwindow-record.h"
+#include "fnkmenubar.h"
+#include "fnkstring.h"
+#include "fnktable-life.h"
+#include "fnktoolbar.h"
+#include "fnkutil-widget.h"
+#include "fnkutil.h"
+
+namespace {
+
+constexpr int kStatusSpacing = 2;
+constexpr int kFilterStatusWidth = 202;
+/// So much of the window's corner stays on the screen, whatever the settings file says.
+constexpr int kShownCorner = 64;
+
+constexpr const char* kPanedStyle = "paned > separator { min-width: 10px; }";
+
+void on_MainWindow_destroy(GtkWidget*, gpointer)
+{
+    gtk_main_quit();
+}
+
+gboolean on_MainWindow_delete_event(GtkWidget*, GdkEvent*, gpointer)
+{
+    TerminateGlobalTable();
+    return FALSE;
+}
+
+/// A directory was chosen in the tree: everything else follows it.
+void EnterDirectory(const std::string& path)
+{
+    pGTable->CurrentDir = path;
+    SetEntryBytes(ComboEntry(pMainW->LocationCombo), path);
+    DisplayFileList(path);
+    if (pGTable->HistoryWalk == 0) {
+        AddHistoryListC(pMainW->LocationCombo, pGTable->LocationDirHistory);
+        SetComboStrings(pMainW->LocationCombo, pGTable->LocationDirHistory);
+        if (pGTable->HistoryIndex != 0) {
+            --pGTable->HistoryIndex;
+        }
+        const bool is_newest = pGTable->HistoryIndex == 0;
+        gtk_widget_set_sensitive(pMainW->ToolButton[is_newest ? TOOL_FORWARD : TOOL_BACK], !is_newest);
+    }
+    pGTable->HistoryWalk = 0;
+    gtk_widget_set_sensitive(pMainW->ToolButton[TOOL_UP], path != pGTable->RootDir);
+    DisplayFileStatus();
+    SensitivePropertyButton();
+    ReleaseEntryFocus(pMainW->MainWindow);
+}
+
+void RefreshDirectory()
+{
+    DisplayFileList(pGTable->CurrentDir);
+}
+
+LiveLayout ReadLayout()
+{
+    LiveLayout layout;
+    if (pMainW == nullptr || pMainW->MainWindow == nullptr) {
+        return layout;
+    }
+    if (GdkWindow* const window = gtk_widget_get_window(pMainW->MainWindow)) {
+        layout.HasWindow = true;
+        gdk_window_get_root_origin(window, &layout.WindowX, &layout.WindowY);
+        gtk_window_get_size(GTK_WINDOW(pMainW->MainWindow), &layout.WindowWidth, &layout.WindowHeight);
+    }
+    layout.PandPosition = pMainW->Paned != nullptr ? gtk_paned_get_position(GTK_PANED(pMainW->Paned)) : 0;
+    layout.ColumnSize = ListColumnWidths();
+    return layout;
+}
+
+GdkRectangle ScreenSize()
+{
+    GdkRectangle size = {};
+    gdk_window_get_geometry(gdk_get_default_root_window(), nullptr, nullptr, &size.width, &size.height);
+    return size;
+}
+
+void PlaceWindow(GtkWindow* window)
+{
+    const GdkRectangle screen = ScreenSize();
+    if (pGTable->WindowWidth >= screen.width && pGTable->WindowHeight >= screen.height) {
+        gtk_window_set_position(window, GTK_WIN_POS_CENTER);
+    } else {
+        pGTable->WindowX = std::clamp(pGTable->WindowX, 0, std::max(0, screen.width - kShownCorner));
+        pGTable->WindowY = std::clamp(pGTable->WindowY, 0, std::max(0, screen.height - kShownCorner));
+        gtk_window_move(window, pGTable->WindowX, pGTable->WindowY);
+    }
+    if (pGTable->WindowWidth > 0 && pGTable->WindowHeight > 0) {
+        gtk_window_set_default_size(window, std::min(pGTable->WindowWidth, screen.width),
+                                    std::min(pGTable->WindowHeight, screen.height));
+    }
+}
+
+GtkWidget* CreatePaned(GtkWidget* box)
+{
+    GtkWidget* const paned = gtk_paned_new(GTK_ORIENTATION_HORIZONTAL);
+    gtk_paned_set_wide_handle(GTK_PANED(paned), TRUE);
+    GtkCssProvider* const provider = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(provider, kPanedStyle, -1, nullptr);
+    gtk_style_context_add_provider(gtk_widget_get_style_context(paned), GTK_STYLE_PROVIDER(provider),
+                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    g_object_unref(provider);
+    gtk_box_pack_start(GTK_BOX(box), paned, TRUE, TRUE, 0);
+    const int stored = pGTable->PandPosition;
+    gtk_paned_set_position(GTK_PANED(paned), stored > 0 ? std::min(stored, ScreenSize().width) : kDefaultDivider);
+    gtk_widget_show(paned);
+    return paned;
+}
+
+GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
+{
+    GtkWidget* const bar = gtk_statusbar_new();
+    gtk_widget_set_margin_top(bar, 0);
+    gtk_widget_set_margin_bottom(bar, 0);
+    gtk_box_pack_start(GTK_BOX(box), bar, expand, expand, 0);
+    SetAccessibleName(bar, name);
+    gtk_widget_show(bar);
+    return bar;
+}
+
+}  // namespace
+
+GtkWidget* CreateMainWindow()
+{
+    OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
+    OnFileList = {.SelectionChanged = SensitivePropertyButton};
+    ReadLiveLayout = ReadLayout;
+
+    GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    pMainW->MainWindow = window;
+    gtk_window_set_title(GTK_WINDOW(window), _("Fennick"));
+    PlaceWindow(GTK_WINDOW(window));
+
+    GtkWidget* const vbox = CreateVBox(window, 0, 0);
+    CreateMenuBar(vbox);
+    CreateToolBar(vbox);
+    pMainW->LocationCombo = CreateLocationBar(vbox);
+    pMainW->Paned = CreatePaned(vbox);
+    if (CreateDirTree(pMainW->Paned) == nullptr) {
+        return nullptr;
+    }
+    CreateFileList(pMainW->Paned);
+
+    GtkWidget* const status_box = CreateHBox(vbox, false, kStatusSpacing, 0);
+    pMainW->StatusBar = CreateStatusBar(status_box, _("Status"), true);
+    pMainW->FilterStatusBar = CreateStatusBar(status_box, _("Filter status"), false);
+    gtk_widget_set_size_request(pMainW->FilterStatusBar, kFilterStatusWidth, -1);
+    DisplayFilterStatus();
+
+    g_signal_connect(window, "destroy", G_CALLBACK(on_MainWindow_destroy), nullptr);
+    g_signal_connect(window, "delete-event", G_CALLBACK(on_MainWindow_delete_event), nullptr);
+    g_signal_connect(window, "key-press-event", G_CALLBACK(on_MainWindow_key_press_event), nullptr);
+    g_signal_connect(window, "set-focus", G_CALLBACK(on_MainWindow_set_focus), nullptr);
+    return window;
+}

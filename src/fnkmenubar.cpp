@@ -1,0 +1,169 @@
+#include "fnkmenubar.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <array>
+
+#include "fnkeditmenu.h"
+#include "fnkfilelist-status.h"
+#include "fnkfilemenu.h"
+#include "fnkmainwindow-record.h"
+#include "fnkstring.h"
+#include "fnkutil-widget.h"
+
+namespace {
+
+constexpr int kBarBorder = 2;
+
+using MenuHandler = void (*)(GtkWidget*, gpointer);
+
+enum MenuKind { MENU_ITEM, MENU_SEPARATOR, MENU_WITH_SUBMENU };
+
+/// Labels carry their mnemonic in brackets, so that it survives a translation into a script that
+/// has no such letter. An item without a handler is a command that is still to be built: it is
+/// shown, but insensitive.
+struct MenuTableEntry {
+    MenuKind kind;
+    const char* label = "";
+    MenuHandler handler = nullptr;
+    guint key = 0;
+    GdkModifierType modifiers = {};
+};
+
+constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
+    {MENU_ITEM, N_("Create new window(_W)")},
+    {MENU_WITH_SUBMENU, N_("New(_N)")},
+    {MENU_ITEM, N_("Open(_O)"), nullptr, GDK_KEY_F3},
+    {MENU_ITEM, N_("Copy(_C)...")},
+    {MENU_ITEM, N_("Move(_M)...")},
+    {MENU_ITEM, N_("Delete(_D)...")},
+    {MENU_SEPARATOR},
+    {MENU_ITEM, N_("Property(_P)...")},
+    {MENU_SEPARATOR},
+    {MENU_ITEM, N_("Close window(_X)"), on_Menu_CloseWindow_activate, GDK_KEY_W, GDK_CONTROL_MASK},
+    {MENU_ITEM, N_("Select all(_A)"), on_Menu_SelectAll_activate, GDK_KEY_A, GDK_CONTROL_MASK},
+    {MENU_ITEM, N_("Select files(_S)...")},
+    {MENU_ITEM, N_("Invert selection(_I)")},
+    {MENU_SEPARATOR},
+    {MENU_ITEM, N_("Find file(_F)...")},
+    {MENU_SEPARATOR},
+    {MENU_ITEM, N_("Symbolic link(_L)...")},
+    {MENU_SEPARATOR},
+    {MENU_ITEM, N_("Rescan directory(_R)"), on_Menu_RescanDirectory_activate},
+    {MENU_ITEM, N_("Option(_O)...")},
+    {MENU_ITEM, N_("Sort column(_S)...")},
+    {MENU_ITEM, N_("Filter view(_F)...")},
+    {MENU_ITEM, N_("Manual(_M)...")},
+    {MENU_SEPARATOR},
+    {MENU_ITEM, N_("Abort(_A)...")},
+    {MENU_ITEM, N_("Directory(_D)...")},
+    {MENU_ITEM, N_("File(_F)...")},
+}};
+constexpr std::size_t kSubmenuBegin = MENU_STORED_COUNT;
+
+struct MenuTitle {
+    const char* label;
+    std::size_t entries;  ///< The next so many of the table are in this menu.
+    MenuHandler handler;
+};
+
+constexpr std::array<MenuTitle, 5> kTitles = {{
+    {N_("File(_F)"), 10, on_Menu_File_activate},
+    {N_("Edit(_E)"), 9, nullptr},
+    {N_("Setting(_S)"), 1, nullptr},
+    {N_("Layout(_L)"), 2, nullptr},
+    {N_("Help(_H)"), 3, nullptr},
+}};
+
+void on_Menu_select(GtkWidget*, gpointer index)
+{
+    if (pMainW != nullptr && pMainW->StatusBar != nullptr) {
+        SetStatusBarText(pMainW->StatusBar, " " + GetMenuTipsString(GPOINTER_TO_INT(index)));
+    }
+}
+
+void on_Menu_deselect(GtkWidget*, gpointer)
+{
+    RestoreStatusText();
+}
+
+GtkWidget* CreateSubMenu(GtkWidget* item, GtkAccelGroup* accelerators)
+{
+    GtkWidget* const menu = gtk_menu_new();
+    gtk_menu_set_accel_group(GTK_MENU(menu), accelerators);
+    gtk_menu_item_set_submenu(GTK_MENU_ITEM(item), menu);
+    return menu;
+}
+
+GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::size_t index)
+{
+    const MenuTableEntry& entry = kEntries[index];
+    const auto data = GSIZE_TO_POINTER(index);
+    GtkWidget* item = nullptr;
+    if (entry.kind == MENU_SEPARATOR) {
+        item = gtk_separator_menu_item_new();
+        gtk_widget_set_sensitive(item, FALSE);
+    } else {
+        item = gtk_menu_item_new_with_mnemonic(gettext(entry.label));
+        gtk_widget_set_tooltip_text(item, GetMenuTipsString(static_cast<int>(index)).c_str());
+        gtk_widget_set_sensitive(item, entry.handler != nullptr || entry.kind == MENU_WITH_SUBMENU);
+        g_signal_connect(item, "select", G_CALLBACK(on_Menu_select), data);
+        g_signal_connect(item, "deselect", G_CALLBACK(on_Menu_deselect), data);
+    }
+    if (entry.handler != nullptr) {
+        g_signal_connect(item, "activate", G_CALLBACK(entry.handler), nullptr);
+    }
+    if (entry.key != 0) {
+        gtk_widget_add_accelerator(item, "activate", accelerators, gdk_keyval_to_lower(entry.key), entry.modifiers,
+                                   GTK_ACCEL_VISIBLE);
+    }
+    gtk_menu_shell_append(GTK_MENU_SHELL(menu), item);
+    gtk_widget_show(item);
+    return item;
+}
+
+GtkWidget* CreateMenu(GtkWidget* bar, GtkAccelGroup* accelerators, const MenuTitle& title)
+{
+    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(gettext(title.label));
+    if (title.handler != nullptr) {
+        g_signal_connect(item, "activate", G_CALLBACK(title.handler), nullptr);
+    }
+    if (&title == &kTitles.back()) {
+        G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+        gtk_menu_item_set_right_justified(GTK_MENU_ITEM(item), TRUE);
+        G_GNUC_END_IGNORE_DEPRECATIONS
+    }
+    gtk_menu_shell_append(GTK_MENU_SHELL(bar), item);
+    gtk_widget_show(item);
+    return CreateSubMenu(item, accelerators);
+}
+
+}  // namespace
+
+GtkWidget* CreateMenuBar(GtkWidget* box)
+{
+    GtkWidget* const handle_box = CreateHandleBox(box);
+    if (handle_box == nullptr) {
+        return nullptr;
+    }
+    GtkAccelGroup* const accelerators = gtk_accel_group_new();
+    GtkWidget* const bar = gtk_menu_bar_new();
+    gtk_container_set_border_width(GTK_CONTAINER(bar), kBarBorder);
+    gtk_container_add(GTK_CONTAINER(handle_box), bar);
+    gtk_widget_show(bar);
+
+    std::size_t index = 0;
+    for (const MenuTitle& title : kTitles) {
+        GtkWidget* const menu = CreateMenu(bar, accelerators, title);
+        for (const std::size_t end = index + title.entries; index < end; ++index) {
+            pMainW->MenuItem[index] = CreateMenuItem(menu, accelerators, index);
+        }
+    }
+    GtkWidget* const submenu = CreateSubMenu(pMainW->MenuItem[MENU_NEW], accelerators);
+    for (index = kSubmenuBegin; index < kEntries.size(); ++index) {
+        CreateMenuItem(submenu, accelerators, index);
+    }
+    gtk_window_add_accel_group(GTK_WINDOW(pMainW->MainWindow), accelerators);
+    g_object_unref(accelerators);
+    return handle_box;
+}

@@ -1,0 +1,101 @@
+#include "fnkstring.h"
+
+#include <array>
+
+#include "fnktable.h"
+
+namespace {
+
+/// A status or tip line is not longer than this many bytes.
+constexpr std::size_t kMaxTipBytes = 1023;
+
+constexpr std::array<const char*, kMenuEntryCount> kMenuTips = {
+    N_("Create a new window."),
+    "",
+    N_("Open a file."),
+    N_("Copy files."),
+    N_("Rename or move files."),
+    N_("Delete files."),
+    "",
+    N_("Show property."),
+    "",
+    N_("Close this window."),
+    N_("Select all files in the current Directory."),
+    N_("Select a group files."),
+    N_("Reverses the list of tagged files."),
+    "",
+    N_("Locate files on disk."),
+    "",
+    N_("Create symbolic link."),
+    "",
+    N_("Rescan the directory contents."),
+    N_("Configure the application."),
+    N_("Sort confirmation settings."),
+    N_("Filter confirmation settings."),
+    N_("Show Manual."),
+    "",
+    N_("Abort this application."),
+    N_("Create a new directory."),
+    N_("Create a new file."),
+};
+
+constexpr std::array<const char*, kToolSlotCount> kToolTips = {
+    N_("Go to the previously visited directory."),
+    N_("Go up level in the directory heirarchy."),
+    N_("Go to this directory."),
+    "",
+    N_("Rescan the current directory."),
+    "",
+    N_("Go to your home directory."),
+    "",
+    N_("Show property."),
+};
+
+constexpr std::array<const char*, kColumnKinds> kColumnTitles = {
+    N_("Name"),     N_("Size"),        N_("Permission"),        N_("User"),        N_("User ID"),       N_("Group"),
+    N_("Group ID"), N_("Access time"), N_("Modification time"), N_("Change time"), N_("i Node number"),
+};
+
+template <std::size_t kCount>
+std::string Translate(const std::array<const char*, kCount>& table, int index)
+{
+    // The catalogue answers an empty message id with its own header.
+    if (index < 0 || index >= static_cast<int>(kCount) || *table[static_cast<std::size_t>(index)] == '\0') {
+        return {};
+    }
+    return gettext(table[static_cast<std::size_t>(index)]);
+}
+
+std::string UnlessTooLong(std::string tip)
+{
+    return tip.size() <= kMaxTipBytes ? tip : std::string();
+}
+
+}  // namespace
+
+std::string GetMenuTipsString(int index)
+{
+    return UnlessTooLong(Translate(kMenuTips, index));
+}
+
+std::string GetToolTipsString(int slot)
+{
+    return UnlessTooLong(Translate(kToolTips, slot));
+}
+
+std::string GetListColumnString(int id)
+{
+    return Translate(kColumnTitles, id);
+}
+
+int GetListStringColumn(const char* title)
+{
+    if (title == nullptr) {
+        return 0;
+    }
+    int id = 0;
+    while (id < kColumnKinds && GetListColumnString(id) != title) {
+        ++id;
+    }
+    return id;
+}

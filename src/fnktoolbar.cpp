@@ -1,0 +1,179 @@
+#include "fnktoolbar.h"
+
+#include <array>
+
+#include "fnkdirtree.h"
+#include "fnkfilelist-status.h"
+#include "fnkfilemenu-targets.h"
+#include "fnkmainwindow-record.h"
+#include "fnkstring.h"
+#include "fnkutil-widget.h"
+#include "fnkutil.h"
+
+#include "Back.xpm"
+#include "Foward.xpm"
+#include "Home.xpm"
+#include "Property.xpm"
+#include "Rescan.xpm"
+#include "Up.xpm"
+
+namespace {
+
+constexpr int kBarBorder = 2;
+constexpr int kButtonHeight = 48;
+
+using ToolHandler = void (*)(GtkWidget*, gpointer);
+
+struct ToolEntry {
+    const char* label;  ///< Null for a space.
+    const char* const* image;
+    ToolHandler handler;
+};
+
+constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
+    {N_("Back"), Back_xpm, on_Tool_Back_clicked},
+    {N_("Up"), Up_xpm, on_Tool_Up_clicked},
+    {N_("Forward"), Foward_xpm, on_Tool_Forward_clicked},
+    {nullptr, nullptr, nullptr},
+    {N_("Rescan"), Rescan_xpm, on_Tool_Rescan_clicked},
+    {nullptr, nullptr, nullptr},
+    {N_("Home"), Home_xpm, on_Tool_Home_clicked},
+    {nullptr, nullptr, nullptr},
+    {N_("Property"), Property_xpm, on_Tool_Property_clicked},
+}};
+
+gboolean on_Tool_enter(GtkWidget*, GdkEvent*, gpointer slot)
+{
+    if (pMainW != nullptr && pMainW->StatusBar != nullptr) {
+        SetStatusBarText(pMainW->StatusBar, GetToolTipsString(GPOINTER_TO_INT(slot)));
+    }
+    return FALSE;
+}
+
+gboolean on_Tool_leave(GtkWidget*, GdkEvent*, gpointer)
+{
+    RestoreStatusText();
+    return FALSE;
+}
+
+GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
+{
+    const ToolEntry& tool = kTools[static_cast<std::size_t>(slot)];
+    if (tool.label == nullptr) {
+        GtkToolItem* const space = gtk_separator_tool_item_new();
+        gtk_toolbar_insert(GTK_TOOLBAR(toolbar), space, -1);
+        gtk_widget_show(GTK_WIDGET(space));
+        return toolbar;
+    }
+    GtkWidget* const image = CreatePixmap(tool.image);
+    gtk_widget_show(image);
+    GtkToolItem* const item = gtk_tool_button_new(image, gettext(tool.label));
+    gtk_tool_item_set_tooltip_text(item, GetToolTipsString(slot).c_str());
+    gtk_toolbar_insert(GTK_TOOLBAR(toolbar), item, -1);
+    gtk_widget_show(GTK_WIDGET(item));
+    g_signal_connect(item, "clicked", G_CALLBACK(tool.handler), nullptr);
+
+    GtkWidget* const button = gtk_bin_get_child(GTK_BIN(item));
+    gtk_widget_set_can_focus(button, FALSE);  // Keys belong to the panes.
+    gtk_widget_add_events(button, GDK_ENTER_NOTIFY_MASK | GDK_LEAVE_NOTIFY_MASK);
+    g_signal_connect(button, "enter-notify-event", G_CALLBACK(on_Tool_enter), GINT_TO_POINTER(slot));
+    g_signal_connect(button, "leave-notify-event", G_CALLBACK(on_Tool_leave), GINT_TO_POINTER(slot));
+    return GTK_WIDGET(item);
+}
+
+void SetToolSensitive(ToolSlot slot, bool sensitive)
+{
+    gtk_widget_set_sensitive(pMainW->ToolButton[slot], sensitive);
+}
+
+/// Opens the history entry at HistoryIndex; false when there is none.
+bool OpenHistoryEntry()
+{
+    const History& history = pGTable->LocationDirHistory;
+    const int index = pGTable->HistoryIndex;
+    if (index < 0 || index >= static_cast<int>(history.size())) {
+        return false;
+    }
+    OpenChildTree(MainTree(), history[static_cast<std::size_t>(index)], EXPAND_LAST_YES);
+    return true;
+}
+
+}  // namespace
+
+GtkWidget* CreateToolBar(GtkWidget* box)
+{
+    GtkWidget* const handle_box = CreateHandleBox(box);
+    if (handle_box == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const toolbar = gtk_toolbar_new();
+    gtk_toolbar_set_style(GTK_TOOLBAR(toolbar), GTK_TOOLBAR_BOTH);
+    gtk_container_set_border_width(GTK_CONTAINER(toolbar), kBarBorder);
+    gtk_container_add(GTK_CONTAINER(handle_box), toolbar);
+    gtk_widget_show(toolbar);
+    for (int slot = 0; slot < TOOL_SLOT_COUNT; ++slot) {
+        pMainW->ToolButton[static_cast<std::size_t>(slot)] = CreateToolButton(toolbar, slot);
+    }
+    gtk_widget_set_size_request(pMainW->ToolButton[TOOL_BACK], -1, kButtonHeight);
+    SetToolSensitive(TOOL_UP, false);
+    SetToolSensitive(TOOL_FORWARD, false);
+    return handle_box;
+}
+
+void SensitivePropertyButton()
+{
+    // The dialog itself is not there yet, so nothing may lead to it.
+    constexpr bool kHasPropertyDialog = false;
+    const bool one_target = kHasPropertyDialog && CountFileOperationTargets() == 1;
+    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_PROPERTY], one_target);
+    SetToolSensitive(TOOL_PROPERTY, one_target);
+}
+
+void on_Tool_Back_clicked(GtkWidget*, gpointer)
+{
+    pGTable->HistoryWalk = 1;
+    ++pGTable->HistoryIndex;
+    if (!OpenHistoryEntry()) {
+        return;
+    }
+    SetToolSensitive(TOOL_FORWARD, true);
+    if (pGTable->HistoryIndex == static_cast<int>(pGTable->LocationDirHistory.size()) - 1) {
+        SetToolSensitive(TOOL_BACK, false);
+    }
+}
+
+void on_Tool_Forward_clicked(GtkWidget*, gpointer)
+{
+    pGTable->HistoryWalk = 1;
+    --pGTable->HistoryIndex;
+    if (!OpenHistoryEntry()) {
+        return;
+    }
+    SetToolSensitive(TOOL_BACK, true);
+    if (pGTable->HistoryIndex == 0) {
+        SetToolSensitive(TOOL_FORWARD, false);
+    }
+}
+
+void on_Tool_Up_clicked(GtkWidget*, gpointer)
+{
+    OpenChildTree(MainTree(), GetParentDirectory(pGTable->CurrentDir), EXPAND_LAST_YES);
+}
+
+void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
+{
+    RescanTree(MainTree(), pGTable->CurrentDir);
+    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES);
+}
+
+void on_Tool_Home_clicked(GtkWidget*, gpointer)
+{
+    const std::string home = GetHomeDirectory();
+    const bool inside = !home.empty() && CheckChildDirectory(home) == 0;
+    OpenChildTree(MainTree(), inside ? home : pGTable->RootDir, EXPAND_LAST_YES);
+}
+
+void on_Tool_Property_clicked(GtkWidget*, gpointer)
+{
+    gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_PROPERTY]));
+}

@@ -1,0 +1,417 @@
+#include "fnkutil-widget.h"
+
+#include "fnkraii.h"
+#include "fnkstring.h"
+#include "fnkutil.h"
+
+namespace {
+
+constexpr int kDialogSpacing = 5;
+constexpr int kButtonSpacing = 10;
+constexpr int kIconSpacing = 10;
+constexpr const char* kItemsKey = "fennick-items";
+constexpr const char* kBytesKey = "fennick-bytes";
+
+/// Attaches a value to an object, which owns it from then on.
+template <typename T>
+void AttachData(gpointer object, const char* key, T value)
+{
+    g_object_set_data_full(G_OBJECT(object), key, new T(std::move(value)),
+                           [](gpointer data) { delete static_cast<T*>(data); });
+}
+
+template <typename T>
+const T* AttachedData(gpointer object, const char* key)
+{
+    return static_cast<const T*>(g_object_get_data(G_OBJECT(object), key));
+}
+
+GtkWidget* AddDialogButton(GtkWidget* box, const char* label)
+{
+    GtkWidget* const button = gtk_button_new_with_label(label);
+    gtk_container_add(GTK_CONTAINER(box), button);
+    gtk_widget_set_can_default(button, TRUE);
+    gtk_widget_show(button);
+    return button;
+}
+
+GtkWidget* DialogActionArea(GtkWidget* dialog)
+{
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    return gtk_dialog_get_action_area(GTK_DIALOG(dialog));
+    G_GNUC_END_IGNORE_DEPRECATIONS
+}
+
+void on_Combo_changed(GtkWidget* combo, gpointer)
+{
+    const int active = gtk_combo_box_get_active(GTK_COMBO_BOX(combo));
+    const auto* const items = AttachedData<History>(combo, kItemsKey);
+    if (active >= 0 && items != nullptr && static_cast<std::size_t>(active) < items->size()) {
+        SetEntryBytes(ComboEntry(combo), (*items)[static_cast<std::size_t>(active)]);
+    }
+}
+
+}  // namespace
+
+GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height)
+{
+    if (content == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const dialog = gtk_dialog_new();
+    if (width >= 1 && height >= 1) {
+        gtk_widget_set_size_request(dialog, width, height);
+    }
+    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
+    gtk_window_set_resizable(GTK_WINDOW(dialog), FALSE);
+    *content = gtk_dialog_get_content_area(GTK_DIALOG(dialog));
+    gtk_box_set_spacing(GTK_BOX(*content), kDialogSpacing);
+    gtk_container_set_border_width(GTK_CONTAINER(*content), kDialogSpacing);
+    gtk_widget_show(*content);
+    return dialog;
+}
+
+GtkWidget* CreateNormalDialogBox(GtkWidget** vbox, int width, int height, int spacing)
+{
+    GtkWidget* content = nullptr;
+    if (vbox == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const dialog = CreateDialogBox(&content, width, height);
+    *vbox = gtk_box_new(GTK_ORIENTATION_VERTICAL, spacing);
+    gtk_box_pack_start(GTK_BOX(content), *vbox, TRUE, TRUE, 0);
+    gtk_widget_show(*vbox);
+    return dialog;
+}
+
+GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const char* const* xpm, int width, int height, int spacing)
+{
+    GtkWidget* content = nullptr;
+    if (vbox == nullptr || xpm == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const dialog = CreateDialogBox(&content, width, height);
+    GtkWidget* const hbox = CreateHBox(content, false, kIconSpacing, 0);
+    GtkWidget* const icon = CreatePixmap(xpm);
+    gtk_box_pack_start(GTK_BOX(hbox), icon, FALSE, FALSE, 0);
+    gtk_widget_show(icon);
+    *vbox = gtk_box_new(GTK_ORIENTATION_VERTICAL, spacing);
+    gtk_box_pack_start(GTK_BOX(hbox), *vbox, FALSE, FALSE, 0);
+    gtk_widget_show(*vbox);
+    return dialog;
+}
+
+GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height)
+{
+    GtkWidget* content = nullptr;
+    if (notebook == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const dialog = CreateDialogBox(&content, width, height);
+    *notebook = gtk_notebook_new();
+    gtk_box_pack_start(GTK_BOX(content), *notebook, TRUE, TRUE, 0);
+    gtk_widget_show(*notebook);
+    return dialog;
+}
+
+int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing)
+{
+    if (dialog == nullptr) {
+        return kWidgetError;
+    }
+    GtkWidget* const area = DialogActionArea(dialog);
+    gtk_container_set_border_width(GTK_CONTAINER(area), 0);
+    gtk_widget_show(area);
+    GtkWidget* const box = gtk_button_box_new(GTK_ORIENTATION_HORIZONTAL);
+    gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_END);
+    gtk_box_set_spacing(GTK_BOX(box), kButtonSpacing);
+    gtk_box_pack_start(GTK_BOX(area), box, TRUE, TRUE, 0);
+    gtk_widget_show(box);
+
+    GtkWidget* last = nullptr;
+    if (ok != nullptr) {
+        last = *ok = AddDialogButton(box, _("OK"));
+    }
+    if (cancel != nullptr) {
+        last = *cancel = AddDialogButton(box, _("Cancel"));
+    }
+    if (last == nullptr) {
+        return 0;
+    }
+    gtk_widget_grab_focus(last);
+    gtk_widget_grab_default(last);
+    if (closing == CLOSING_WIRED) {
+        g_signal_connect(dialog, "delete-event", G_CALLBACK(on_delete_event), last);
+        g_signal_connect(last, "clicked", G_CALLBACK(on_CancelButton_clicked), nullptr);
+    }
+    return 0;
+}
+
+GtkWidget* CreateHandleBox(GtkWidget* box)
+{
+    if (box == nullptr) {
+        return nullptr;
+    }
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    GtkWidget* const handle_box = gtk_handle_box_new();
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    gtk_box_pack_start(GTK_BOX(box), handle_box, FALSE, FALSE, 0);
+    gtk_widget_show(handle_box);
+    return handle_box;
+}
+
+GtkWidget* CreateVBox(GtkWidget* container, int spacing, int border)
+{
+    if (container == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const box = gtk_box_new(GTK_ORIENTATION_VERTICAL, spacing);
+    gtk_container_add(GTK_CONTAINER(container), box);
+    if (border != 0) {
+        gtk_container_set_border_width(GTK_CONTAINER(box), static_cast<guint>(border));
+    }
+    gtk_widget_show(box);
+    return box;
+}
+
+GtkWidget* CreateHBox(GtkWidget* container, bool homogeneous, int spacing, int border)
+{
+    if (container == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, spacing);
+    gtk_box_set_homogeneous(GTK_BOX(box), homogeneous);
+    if (GTK_IS_BOX(container)) {
+        gtk_box_pack_start(GTK_BOX(container), box, FALSE, FALSE, 0);
+    } else {
+        gtk_container_add(GTK_CONTAINER(container), box);
+    }
+    if (border != 0) {
+        gtk_container_set_border_width(GTK_CONTAINER(box), static_cast<guint>(border));
+    }
+    gtk_widget_show(box);
+    return box;
+}
+
+GtkWidget* CreateTable(int row_spacing, int column_spacing, int border)
+{
+    GtkWidget* const grid = gtk_grid_new();
+    gtk_grid_set_row_spacing(GTK_GRID(grid), static_cast<guint>(row_spacing));
+    gtk_grid_set_column_spacing(GTK_GRID(grid), static_cast<guint>(column_spacing));
+    gtk_container_set_border_width(GTK_CONTAINER(grid), static_cast<guint>(border));
+    gtk_widget_show(grid);
+    return grid;
+}
+
+GtkWidget* CreateScroll()
+{
+    GtkWidget* const scroll = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_AUTOMATIC, GTK_POLICY_AUTOMATIC);
+    gtk_widget_show(scroll);
+    return scroll;
+}
+
+GtkWidget* CreateComboBox(GtkWidget** entry, bool editable, int max_length)
+{
+    GtkWidget* const combo = gtk_combo_box_text_new_with_entry();
+    gtk_widget_set_can_default(combo, TRUE);
+    gtk_widget_set_focus_on_click(combo, FALSE);
+    GtkWidget* const text = ComboEntry(combo);
+    gtk_editable_set_editable(GTK_EDITABLE(text), editable);
+    gtk_entry_set_max_length(GTK_ENTRY(text), max_length);
+    g_signal_connect(combo, "changed", G_CALLBACK(on_Combo_changed), nullptr);
+    if (entry != nullptr) {
+        *entry = text;
+    }
+    gtk_widget_show(combo);
+    return combo;
+}
+
+GtkWidget* CreatePixmap(const char* const* xpm)
+{
+    if (xpm == nullptr) {
+        return nullptr;
+    }
+    // The toolkit never writes to the data; its declaration is older than const there.
+    GdkPixbuf* pixbuf = gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
+    GtkWidget* const image = gtk_image_new_from_pixbuf(pixbuf);
+    g_clear_object(&pixbuf);
+    return image;
+}
+
+GtkWidget* CreateLabel(GtkWidget* box, const char* text)
+{
+    if (box == nullptr || text == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const label = gtk_label_new(text);
+    gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
+    gtk_label_set_yalign(GTK_LABEL(label), 0.5F);
+    gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_LEFT);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+    gtk_widget_show(label);
+    return label;
+}
+
+GtkWidget* CreateTabLabel(GtkWidget* notebook, int page, const char* text)
+{
+    GtkWidget* const child = notebook == nullptr ? nullptr : gtk_notebook_get_nth_page(GTK_NOTEBOOK(notebook), page);
+    if (child == nullptr || text == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const label = gtk_label_new(text);
+    gtk_notebook_set_tab_label(GTK_NOTEBOOK(notebook), child, label);
+    gtk_widget_show(label);
+    return label;
+}
+
+GtkWidget* CreateSeparator(GtkWidget* box)
+{
+    if (box == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const separator = gtk_separator_new(GTK_ORIENTATION_HORIZONTAL);
+    gtk_box_pack_start(GTK_BOX(box), separator, FALSE, FALSE, 0);
+    gtk_widget_show(separator);
+    return separator;
+}
+
+void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
+{
+    if (window == nullptr) {
+        return;
+    }
+    g_signal_connect(window, "button-press-event", G_CALLBACK(on_Window_button_press_event), nullptr);
+    if (parent != nullptr) {
+        if (GTK_IS_WINDOW(parent)) {
+            gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(parent));
+        }
+        gtk_widget_set_sensitive(parent, FALSE);
+    }
+    gtk_widget_show(window);
+    gtk_grab_add(window);
+    gtk_main();
+    gtk_grab_remove(window);
+    gtk_widget_hide(window);
+    gtk_widget_destroy(window);
+    if (parent != nullptr) {
+        gtk_widget_set_sensitive(parent, TRUE);
+    }
+}
+
+gboolean on_delete_event(GtkWidget*, GdkEvent*, gpointer button)
+{
+    gtk_button_clicked(GTK_BUTTON(button));
+    return TRUE;
+}
+
+void on_CancelButton_clicked(GtkWidget*, gpointer)
+{
+    gtk_main_quit();
+}
+
+gboolean on_Window_button_press_event(GtkWidget* widget, GdkEvent*, gpointer)
+{
+    gdk_window_raise(gtk_widget_get_window(widget));
+    return TRUE;
+}
+
+gboolean on_Window_visibility_notify(GtkWidget* widget, GdkEvent*, gpointer)
+{
+    gdk_window_raise(gtk_widget_get_window(widget));
+    return FALSE;
+}
+
+void on_ComboEntry_activate(GtkWidget*, gpointer button)
+{
+    gtk_button_clicked(GTK_BUTTON(button));
+}
+
+GtkWidget* ComboEntry(GtkWidget* combo)
+{
+    return gtk_bin_get_child(GTK_BIN(combo));
+}
+
+void SetComboStrings(GtkWidget* combo, const History& list)
+{
+    // Before the items change, so that their "changed" does not write into the entry.
+    AttachData(combo, kItemsKey, History());
+    gtk_combo_box_text_remove_all(GTK_COMBO_BOX_TEXT(combo));
+    for (const std::string& item : list) {
+        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), DisplayText(item).c_str());
+    }
+    AttachData(combo, kItemsKey, list);
+}
+
+bool IsComboString(GtkWidget* combo)
+{
+    const std::string text = gtk_entry_get_text(GTK_ENTRY(ComboEntry(combo)));
+    const auto* const items = AttachedData<History>(combo, kItemsKey);
+    if (items == nullptr) {
+        return false;
+    }
+    for (const std::string& item : *items) {
+        if (DisplayText(item) == text) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void SetEntryBytes(GtkWidget* entry, const std::string& bytes)
+{
+    gtk_entry_set_text(GTK_ENTRY(entry), DisplayText(bytes).c_str());
+    gtk_editable_set_position(GTK_EDITABLE(entry), -1);
+    AttachData(entry, kBytesKey, bytes);
+}
+
+std::string GetEntryBytes(GtkWidget* entry)
+{
+    const std::string text = gtk_entry_get_text(GTK_ENTRY(entry));
+    const auto* const bytes = AttachedData<std::string>(entry, kBytesKey);
+    return bytes != nullptr && DisplayText(*bytes) == text ? *bytes : text;
+}
+
+void AddHistoryListC(GtkWidget* combo, History& list)
+{
+    if (combo != nullptr) {
+        AddHistoryListS(list, GetEntryBytes(ComboEntry(combo)));
+    }
+}
+
+RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path)
+{
+    GdkRectangle row;
+    GdkRectangle visible;
+    gtk_tree_view_get_background_area(view, path, nullptr, &row);
+    gtk_tree_view_get_visible_rect(view, &visible);
+    int top = 0;
+    gtk_tree_view_convert_bin_window_to_tree_coords(view, 0, row.y, nullptr, &top);
+    const int bottom = top + row.height;
+    const int visible_bottom = visible.y + visible.height;
+    if (row.height <= 0 || bottom <= visible.y || top >= visible_bottom) {
+        return ROW_HIDDEN;
+    }
+    return top >= visible.y && bottom <= visible_bottom ? ROW_VISIBLE : ROW_PARTLY_VISIBLE;
+}
+
+void ReleaseEntryFocus(GtkWidget* window)
+{
+    gtk_window_set_focus(GTK_WINDOW(window), nullptr);
+}
+
+void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
+{
+    GtkWidget* const area = gtk_statusbar_get_message_area(GTK_STATUSBAR(status_bar));
+    const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(area)),
+                                                                  &g_list_free);
+    if (children != nullptr) {
+        gtk_label_set_text(GTK_LABEL(children->data), DisplayText(text).c_str());
+    }
+}
+
+void SetAccessibleName(GtkWidget* widget, const char* name)
+{
+    atk_object_set_name(gtk_widget_get_accessible(widget), name);
+}

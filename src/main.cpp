@@ -1,0 +1,154 @@
+#include <fcntl.h>
+#include <glib-unix.h>
+#include <gtk/gtk.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "fnkdirtree.h"
+#include "fnkmainwindow-record.h"
+#include "fnkmainwindow.h"
+#include "fnkstring.h"
+#include "fnktable-life.h"
+#include "fnktable.h"
+#include "fnkutil-widget.h"
+#include "fnkutil.h"
+
+namespace {
+
+constexpr const char* kVersion = "1.01";
+constexpr const char* kVersionDate = "2001/07/27";
+constexpr const char* kRights = "Copyright (C) 2026 The Fennick developers";
+
+struct CommandLine {
+    bool version = false;
+    std::string root;
+    std::string start;
+};
+
+std::string ArgumentAt(int argc, char** argv, int index)
+{
+    return index < argc ? argv[index] : "";
+}
+
+/// Only the first argument can be an option, and only as a whole. A path that leaves no room for
+/// the "/" at its end counts as none.
+CommandLine ParseCommandLine(int argc, char** argv)
+{
+    CommandLine result;
+    const std::string option = ArgumentAt(argc, argv, 1);
+    if (option == "--version") {
+        result.version = true;
+    } else if (option == "--root") {
+        result.root = "/";
+        result.start = ArgumentAt(argc, argv, 2);
+    } else if (option == "--home") {
+        const std::string root = ArgumentAt(argc, argv, 2);
+        if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
+            result.root = root;
+        }
+        result.start = ArgumentAt(argc, argv, 3);
+    }
+    if (result.root.empty()) {
+        result.root = GetHomeDirectory();
+    }
+    result.root = WithSlash(result.root);
+    return result;
+}
+
+void TakeDirectories(const CommandLine& command_line)
+{
+    pGTable->RootDir = command_line.root;
+    const std::string& start = command_line.start;
+    if (!start.empty() && WithSlash(start).size() <= kMaxPathBytes && IsDirectory(start) &&
+        CheckChildDirectory(start) == 0) {
+        pGTable->StartDir = WithSlash(start);
+    }
+}
+
+void SeedHistories()
+{
+    AddHistoryListS(pGTable->LocationDirHistory, pGTable->RootDir);
+    if (pGTable->DirHistory.empty()) {
+        pGTable->DirHistory = {pGTable->RootDir};
+    }
+    if (pGTable->FilterHistory.empty()) {
+        pGTable->FilterHistory = {"*"};
+    }
+}
+
+int signal_pipe[2] = {-1, -1};
+
+/// Only notes the signal; the main loop does the rest.
+void SignalHandler(int)
+{
+    const int saved = errno;
+    const char note = 0;
+    [[maybe_unused]] const ssize_t written = write(signal_pipe[1], &note, 1);
+    errno = saved;
+}
+
+/// Runs in whatever main loop is innermost. That loop's dialog must not go on with records that
+/// are gone, so the process ends here.
+gboolean on_Signal(int, GIOCondition, gpointer)
+{
+    TerminateGlobalTable();
+    std::exit(0);
+}
+
+void InstallSignalHandler()
+{
+    if (pipe2(signal_pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+        return;
+    }
+    g_unix_fd_add(signal_pipe[0], G_IO_IN, on_Signal, nullptr);
+    struct sigaction action = {};
+    action.sa_handler = SignalHandler;
+    action.sa_flags = SA_RESTART;
+    for (const int signum : {SIGINT, SIGQUIT, SIGTERM}) {
+        sigaction(signum, &action, nullptr);
+    }
+}
+
+void StartToolkit(int* argc, char*** argv)
+{
+    bindtextdomain("fennick", FENNICK_LOCALE_DIR);
+    bind_textdomain_codeset("fennick", "UTF-8");
+    textdomain("fennick");
+    gdk_set_allowed_backends("x11,*");
+    gtk_init(argc, argv);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    const CommandLine command_line = ParseCommandLine(argc, argv);
+    if (command_line.version) {
+        g_print("Fennick  Version %s %s\n%s\n", kVersion, kVersionDate, kRights);
+        return 0;
+    }
+    StartToolkit(&argc, &argv);
+    if (InitGlobalTable() != 0) {
+        TerminateGlobalTable();
+        return 0;
+    }
+    pGTable->ArgV = argv;
+    TakeDirectories(command_line);
+    SeedHistories();
+    InstallSignalHandler();
+    GtkWidget* const window = CreateMainWindow();
+    if (window == nullptr) {
+        std::fprintf(stderr, "fennick: cannot read the directory %s\n", pGTable->RootDir.c_str());
+        return 0;
+    }
+    gtk_widget_show(window);
+    ReleaseEntryFocus(window);
+    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
+    gtk_main();
+    return 0;
+}
