@@ -16,7 +16,6 @@ namespace {
 enum TreeColumn { TREE_SHOWN, TREE_NAME, TREE_COLUMN_COUNT };
 
 constexpr int kIconSpacing = 5;
-constexpr int kIndentation = 10;
 
 /// What the window shows now. CurrentDir may run ahead of it: commands set it before they open it.
 std::string shown_directory;
@@ -212,7 +211,6 @@ GtkTreeView* NewTreeView()
     gtk_tree_view_set_headers_visible(tree, FALSE);
     gtk_tree_view_set_enable_tree_lines(tree, TRUE);
     gtk_tree_view_set_enable_search(tree, FALSE);
-    gtk_tree_view_set_level_indentation(tree, kIndentation);
     gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree), GTK_SELECTION_BROWSE);
     gtk_widget_set_can_focus(widget, FALSE);
     SetAccessibleName(widget, _("Directory tree"));

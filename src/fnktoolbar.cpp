@@ -69,6 +69,8 @@ GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
     gtk_widget_show(image);
     GtkToolItem* const item = gtk_tool_button_new(image, gettext(tool.label));
     gtk_tool_item_set_tooltip_text(item, GetToolTipsString(slot).c_str());
+    // Each as wide as its own label, so that all of them fit into a window of the default width.
+    gtk_tool_item_set_homogeneous(item, FALSE);
     gtk_toolbar_insert(GTK_TOOLBAR(toolbar), item, -1);
     gtk_widget_show(GTK_WIDGET(item));
     g_signal_connect(item, "clicked", G_CALLBACK(tool.handler), nullptr);

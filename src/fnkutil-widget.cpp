@@ -153,9 +153,8 @@ GtkWidget* CreateHandleBox(GtkWidget* box)
     if (box == nullptr) {
         return nullptr;
     }
-    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    GtkWidget* const handle_box = gtk_handle_box_new();
-    G_GNUC_END_IGNORE_DEPRECATIONS
+    GtkWidget* const handle_box = gtk_frame_new(nullptr);
+    gtk_frame_set_shadow_type(GTK_FRAME(handle_box), GTK_SHADOW_NONE);
     gtk_box_pack_start(GTK_BOX(box), handle_box, FALSE, FALSE, 0);
     gtk_widget_show(handle_box);
     return handle_box;

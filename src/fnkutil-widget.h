@@ -32,6 +32,8 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height);
 /// 0 or kWidgetError.
 int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing);
 
+/// The bin around a bar. It does not tear off: the toolkit's handle boxes are past repair, they
+/// draw nothing of their content and shrink to a sliver once detached.
 GtkWidget* CreateHandleBox(GtkWidget* box);
 GtkWidget* CreateVBox(GtkWidget* container, int spacing, int border);
 GtkWidget* CreateHBox(GtkWidget* container, bool homogeneous, int spacing, int border);

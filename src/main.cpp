@@ -4,82 +4,25 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <string>
+#include <initializer_list>
 
 #include "fnkdirtree.h"
 #include "fnkmainwindow-record.h"
 #include "fnkmainwindow.h"
 #include "fnkstring.h"
 #include "fnktable-life.h"
+#include "fnktable-start.h"
 #include "fnktable.h"
 #include "fnkutil-widget.h"
-#include "fnkutil.h"
 
 namespace {
 
 constexpr const char* kVersion = "1.01";
 constexpr const char* kVersionDate = "2001/07/27";
 constexpr const char* kRights = "Copyright (C) 2026 The Fennick developers";
-
-struct CommandLine {
-    bool version = false;
-    std::string root;
-    std::string start;
-};
-
-std::string ArgumentAt(int argc, char** argv, int index)
-{
-    return index < argc ? argv[index] : "";
-}
-
-/// Only the first argument can be an option, and only as a whole. A path that leaves no room for
-/// the "/" at its end counts as none.
-CommandLine ParseCommandLine(int argc, char** argv)
-{
-    CommandLine result;
-    const std::string option = ArgumentAt(argc, argv, 1);
-    if (option == "--version") {
-        result.version = true;
-    } else if (option == "--root") {
-        result.root = "/";
-        result.start = ArgumentAt(argc, argv, 2);
-    } else if (option == "--home") {
-        const std::string root = ArgumentAt(argc, argv, 2);
-        if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
-            result.root = root;
-        }
-        result.start = ArgumentAt(argc, argv, 3);
-    }
-    if (result.root.empty()) {
-        result.root = GetHomeDirectory();
-    }
-    result.root = WithSlash(result.root);
-    return result;
-}
-
-void TakeDirectories(const CommandLine& command_line)
-{
-    pGTable->RootDir = command_line.root;
-    const std::string& start = command_line.start;
-    if (!start.empty() && WithSlash(start).size() <= kMaxPathBytes && IsDirectory(start) &&
-        CheckChildDirectory(start) == 0) {
-        pGTable->StartDir = WithSlash(start);
-    }
-}
-
-void SeedHistories()
-{
-    AddHistoryListS(pGTable->LocationDirHistory, pGTable->RootDir);
-    if (pGTable->DirHistory.empty()) {
-        pGTable->DirHistory = {pGTable->RootDir};
-    }
-    if (pGTable->FilterHistory.empty()) {
-        pGTable->FilterHistory = {"*"};
-    }
-}
 
 int signal_pipe[2] = {-1, -1};
 

@@ -1,0 +1,57 @@
+#include "fnktable-start.h"
+
+#include "fnktable.h"
+#include "fnkutil.h"
+
+namespace {
+
+std::string ArgumentAt(int argc, char** argv, int index)
+{
+    return index < argc ? argv[index] : "";
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(int argc, char** argv)
+{
+    CommandLine result;
+    const std::string option = ArgumentAt(argc, argv, 1);
+    if (option == "--version") {
+        result.version = true;
+    } else if (option == "--root") {
+        result.root = "/";
+        result.start = ArgumentAt(argc, argv, 2);
+    } else if (option == "--home") {
+        const std::string root = ArgumentAt(argc, argv, 2);
+        if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
+            result.root = root;
+        }
+        result.start = ArgumentAt(argc, argv, 3);
+    }
+    if (result.root.empty()) {
+        result.root = GetHomeDirectory();
+    }
+    result.root = WithSlash(result.root);
+    return result;
+}
+
+void TakeDirectories(const CommandLine& command_line)
+{
+    pGTable->RootDir = command_line.root;
+    const std::string& start = command_line.start;
+    if (!start.empty() && WithSlash(start).size() <= kMaxPathBytes && IsDirectory(start) &&
+        CheckChildDirectory(start) == 0) {
+        pGTable->StartDir = WithSlash(start);
+    }
+}
+
+void SeedHistories()
+{
+    AddHistoryListS(pGTable->LocationDirHistory, pGTable->RootDir);
+    if (pGTable->DirHistory.empty()) {
+        pGTable->DirHistory = {pGTable->RootDir};
+    }
+    if (pGTable->FilterHistory.empty()) {
+        pGTable->FilterHistory = {"*"};
+    }
+}
