@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fnkdirtree-walk.h"
 #include "fnkmainwindow-record.h"
 #include "fnkraii.h"
 #include "fnkstring.h"
@@ -12,10 +13,14 @@ DirTreeEvents OnDirTree;
 
 namespace {
 
-/// Columns of the store. The root's name is the whole RootDir, every other a single component.
-enum TreeColumn { TREE_SHOWN, TREE_NAME, TREE_COLUMN_COUNT };
+/// The store's only column: bytes. The root's name is the whole RootDir, every other a single
+/// component.
+constexpr int kNameColumn = 0;
 
 constexpr int kIconSpacing = 5;
+/// Insets of the cells, and a little air behind the name.
+constexpr int kCellInsets = 10;
+constexpr const char* kFitKey = "fennick-fit";
 
 /// What the window shows now. CurrentDir may run ahead of it: commands set it before they open it.
 std::string shown_directory;
@@ -29,7 +34,7 @@ std::string NodeName(GtkTreeModel* model, const GtkTreeIter& node)
 {
     GtkTreeIter iter = node;
     char* name = nullptr;
-    gtk_tree_model_get(model, &iter, TREE_NAME, &name, -1);
+    gtk_tree_model_get(model, &iter, kNameColumn, &name, -1);
     const GlibPointer<char> owner(name);
     return name != nullptr ? name : "";
 }
@@ -46,12 +51,12 @@ bool HasChildren(GtkTreeView* tree, const GtkTreeIter& node)
     return gtk_tree_model_iter_has_child(gtk_tree_view_get_model(tree), &iter);
 }
 
-/// Inserts a node before the sibling, or last when there is none.
-void InsertNode(GtkTreeStore* store, GtkTreeIter* parent, GtkTreeIter* sibling, const std::string& name,
-                GtkTreeIter* node)
+/// Inserts a node behind the first so many children of parent. The store counts its way there.
+GtkTreeIter InsertNode(GtkTreeStore* store, GtkTreeIter* parent, std::size_t position, const std::string& name)
 {
-    gtk_tree_store_insert_before(store, node, parent, sibling);
-    gtk_tree_store_set(store, node, TREE_SHOWN, DisplayText(name).c_str(), TREE_NAME, name.c_str(), -1);
+    GtkTreeIter node;
+    gtk_tree_store_insert_with_values(store, &node, parent, static_cast<int>(position), kNameColumn, name.c_str(), -1);
+    return node;
 }
 
 struct ExistingChild {
@@ -75,30 +80,22 @@ void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& 
     if (name.empty()) {
         return;
     }
-    GtkTreeModel* const model = GTK_TREE_MODEL(store);
-    const std::vector<ExistingChild> children = ListChildren(model, parent);
+    const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(store), parent);
     const auto place =
         std::lower_bound(children.begin(), children.end(), name,
                          [](const ExistingChild& child, const std::string& text) { return child.name < text; });
-    if (place != children.end() && place->name == name) {
-        return;
+    if (place == children.end() || place->name != name) {
+        InsertNode(store, parent, static_cast<std::size_t>(place - children.begin()), name);
     }
-    GtkTreeIter sibling = place != children.end() ? place->node : GtkTreeIter();
-    GtkTreeIter node;
-    InsertNode(store, parent, place != children.end() ? &sibling : nullptr, name, &node);
 }
 
-/// Merges found, which is sorted, into the children of parent. It goes backwards because the
-/// store counts the siblings before a new node: then those are old nodes only, none of the new.
+/// Merges found, which is sorted, into the children of parent. It goes backwards, so that a new
+/// node has only old ones before it, usually none, to be counted.
 void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<Subdirectory>& found)
 {
     std::vector<ExistingChild> existing = ListChildren(GTK_TREE_MODEL(store), parent);
-    GtkTreeIter next = {};
-    bool has_next = false;
     for (auto child = found.rbegin(); child != found.rend(); ++child) {
         while (!existing.empty() && existing.back().name > child->name) {
-            next = existing.back().node;
-            has_next = true;
             existing.pop_back();
         }
         GtkTreeIter node;
@@ -106,11 +103,9 @@ void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<S
             node = existing.back().node;
             existing.pop_back();
         } else {
-            InsertNode(store, parent, has_next ? &next : nullptr, child->name, &node);
+            node = InsertNode(store, parent, existing.size(), child->name);
         }
         AddEarlyChild(store, &node, child->early_child);
-        next = node;
-        has_next = true;
     }
 }
 
@@ -186,6 +181,72 @@ gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*,
     return FALSE;
 }
 
+int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
+{
+    GdkRectangle cell;
+    gtk_tree_view_get_cell_area(tree, walk.PathOf(node).get(), gtk_tree_view_get_column(tree, 0), &cell);
+    const std::string shown = DisplayText(NodeName(gtk_tree_view_get_model(tree), node));
+    const int icon_width = gdk_pixbuf_get_width(pGTable->CloseDirPixmap);
+    return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
+}
+
+/// Makes the column as wide as the widest row on the screen needs. All rows are of one height and
+/// the column of a fixed width, or the toolkit would measure every row that is added, whether it
+/// is ever seen or not: a second for ten thousand of them.
+gboolean FitTreeColumn(gpointer data)
+{
+    GtkTreeView* const tree = GTK_TREE_VIEW(data);
+    g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
+    if (pGTable == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
+    const TreeWalk walk(tree);
+    const std::optional<TreeWalk::Page> page = walk.VisiblePage();
+    if (!page) {
+        return G_SOURCE_REMOVE;
+    }
+    int width = 1;
+    OptionalNode node = page->top;
+    // One more than the page has: the last may be visible in part.
+    for (int step = -1; step <= page->steps && node; ++step, node = walk.Below(*node)) {
+        width = std::max(width, NodeWidth(tree, walk, *node));
+    }
+    gtk_tree_view_column_set_fixed_width(gtk_tree_view_get_column(tree, 0), width);
+    return G_SOURCE_REMOVE;
+}
+
+void StopFitting(GtkWidget* tree, gpointer)
+{
+    if (const guint source = GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(tree), kFitKey)); source != 0) {
+        g_source_remove(source);
+        g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
+    }
+}
+
+/// Connected to all that changes what is on the screen; fits once before the next picture.
+void QueueFit(GtkWidget* tree)
+{
+    StopFitting(tree, nullptr);
+    const guint source = g_idle_add_full(GTK_PRIORITY_RESIZE + 1, FitTreeColumn, tree, nullptr);
+    g_object_set_data(G_OBJECT(tree), kFitKey, GUINT_TO_POINTER(source));
+}
+
+void FitToContent(GtkWidget* scroll, GtkTreeView* tree)
+{
+    GtkAdjustment* const vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
+    // Its bounds change with every row that comes or goes, its value with the scrolling.
+    g_signal_connect_object(vertical, "changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
+    g_signal_connect_object(vertical, "value-changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
+    g_signal_connect(tree, "row-expanded", G_CALLBACK(QueueFit), nullptr);
+    g_signal_connect(tree, "row-collapsed", G_CALLBACK(QueueFit), nullptr);
+    g_signal_connect(tree, "destroy", G_CALLBACK(StopFitting), nullptr);
+}
+
+void DrawName(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* node, gpointer)
+{
+    g_object_set(cell, "text", DisplayText(NodeName(model, *node)).c_str(), nullptr);
+}
+
 void AddTreeColumn(GtkTreeView* tree)
 {
     GtkTreeViewColumn* const column = gtk_tree_view_column_new();
@@ -196,26 +257,26 @@ void AddTreeColumn(GtkTreeView* tree)
     GtkCellRenderer* const text = gtk_cell_renderer_text_new();
     g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
     gtk_tree_view_column_pack_start(column, text, TRUE);
-    gtk_tree_view_column_add_attribute(column, text, "text", TREE_SHOWN);
+    gtk_tree_view_column_set_cell_data_func(column, text, DrawName, nullptr, nullptr);
     gtk_tree_view_column_set_spacing(column, kIconSpacing);
-    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_AUTOSIZE);
+    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
     gtk_tree_view_append_column(tree, column);
 }
 
 GtkTreeView* NewTreeView()
 {
-    GtkTreeStore* const store = gtk_tree_store_new(TREE_COLUMN_COUNT, G_TYPE_STRING, G_TYPE_STRING);
-    GtkWidget* const widget = gtk_tree_view_new_with_model(GTK_TREE_MODEL(store));
-    g_object_unref(store);
+    GtkTreeStore* const store = gtk_tree_store_new(1, G_TYPE_STRING);
+    GtkWidget* const widget = CreateTreeView(_("Directory tree"));
     GtkTreeView* const tree = GTK_TREE_VIEW(widget);
+    gtk_tree_view_set_model(tree, GTK_TREE_MODEL(store));
+    g_object_unref(store);
     gtk_tree_view_set_headers_visible(tree, FALSE);
     gtk_tree_view_set_enable_tree_lines(tree, TRUE);
     gtk_tree_view_set_enable_search(tree, FALSE);
     gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree), GTK_SELECTION_BROWSE);
     gtk_widget_set_can_focus(widget, FALSE);
-    SetAccessibleName(widget, _("Directory tree"));
     AddTreeColumn(tree);
-    gtk_widget_show(widget);
+    gtk_tree_view_set_fixed_height_mode(tree, TRUE);
     return tree;
 }
 
@@ -256,8 +317,8 @@ GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo)
     GtkTreeView* const tree = NewTreeView();
     *scroll = CreateScroll();
     gtk_container_add(GTK_CONTAINER(*scroll), GTK_WIDGET(tree));
-    GtkTreeIter root;
-    InsertNode(StoreOf(tree), nullptr, nullptr, pGTable->RootDir, &root);
+    FitToContent(*scroll, tree);
+    GtkTreeIter root = InsertNode(StoreOf(tree), nullptr, 0, pGTable->RootDir);
     if (CreateChildtree(tree, &root) != SCAN_DONE) {
         g_object_ref_sink(*scroll);
         gtk_widget_destroy(*scroll);
@@ -310,8 +371,7 @@ bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* nod
     const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(StoreOf(tree)), &parent_node);
     const auto next = std::find_if(children.begin(), children.end(),
                                    [&name](const ExistingChild& child) { return child.name > name; });
-    GtkTreeIter sibling = next != children.end() ? next->node : GtkTreeIter();
-    InsertNode(StoreOf(tree), &parent_node, next != children.end() ? &sibling : nullptr, name, node);
+    *node = InsertNode(StoreOf(tree), &parent_node, static_cast<std::size_t>(next - children.begin()), name);
     return true;
 }
 

@@ -132,6 +132,7 @@ bool IsListed(const char* name, const struct stat& st)
 
 void ReadEntries(int directory, DIR* stream, FileRows& rows)
 {
+    const UserIds user = GetUserIds();
     while (const struct dirent* const entry = readdir(stream)) {
         if (IsDotOrDotDot(entry->d_name) || CheckFileName(entry->d_name) == 0) {
             continue;
@@ -140,7 +141,7 @@ void ReadEntries(int directory, DIR* stream, FileRows& rows)
         if (fstatat(directory, entry->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0 || !IsListed(entry->d_name, st)) {
             continue;
         }
-        rows.Add(entry->d_name, st, GetFileTypeAt(directory, entry->d_name, st));
+        rows.Add(entry->d_name, st, GetFileTypeAt(directory, entry->d_name, st, user));
     }
 }
 

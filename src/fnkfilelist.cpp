@@ -67,20 +67,21 @@ void ReportSelection()
 
 void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
 {
-    if (pGTable == nullptr) {
-        return;
-    }
-    if (batch_depth > 0) {
+    if (pGTable != nullptr) {
+        const ListSelectionBatch batch;
         batch_changed = true;
-    } else {
-        ReportSelection();
     }
 }
 
-gboolean IsRowSelectable(GtkTreeSelection*, GtkTreeModel* model, GtkTreePath* path, gboolean, gpointer)
+/// Takes the ".." row out of the selection again, before anyone sees it there. The toolkit's own
+/// way to make a row unselectable asks about every row each time, a hundred thousand of them.
+void UnselectParentRow()
 {
-    const auto index = static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]);
-    return !ModelRows(FNK_LIST_MODEL(model)).IsParentRow(index);
+    const FileRows& rows = ListRows();
+    if (!rows.IsEmpty() && rows.IsParentRow(0)) {
+        const TreePath path(gtk_tree_path_new_first());
+        gtk_tree_selection_unselect_path(gtk_tree_view_get_selection(MainList()), path.get());
+    }
 }
 
 void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
@@ -126,15 +127,6 @@ void DrawText(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* mo
     g_object_set(cell, "foreground-rgba", &color, nullptr);
 }
 
-int TextWidth(GtkWidget* widget, const char* text)
-{
-    PangoLayout* const layout = gtk_widget_create_pango_layout(widget, text);
-    int width = 0;
-    pango_layout_get_pixel_size(layout, &width, nullptr);
-    g_object_unref(layout);
-    return width;
-}
-
 int TitleWidth(GtkTreeViewColumn* column)
 {
     int width = 0;
@@ -150,7 +142,7 @@ int NaturalWidth(GtkTreeView* list, GtkTreeViewColumn* column, int id)
     const int title = TitleWidth(column);
     gtk_tree_view_column_set_sort_indicator(column, has_arrow);
     const char* const typical = kColumns[static_cast<std::size_t>(id)].typical;
-    return std::max(title, TextWidth(GTK_WIDGET(list), typical) + kCellInsets);
+    return std::max(title, GetTextWidth(GTK_WIDGET(list), typical) + kCellInsets);
 }
 
 /// Shows by which column and which way the list is sorted.
@@ -245,13 +237,12 @@ void ApplyListStyle(GtkWidget* list)
 
 GtkTreeView* NewListView()
 {
-    GtkWidget* const widget = gtk_tree_view_new();
+    GtkWidget* const widget = CreateTreeView(_("File list"));
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
     g_object_set_data_full(G_OBJECT(widget), "fennick-model", NewListModel(), g_object_unref);
     ApplyListStyle(widget);
     gtk_widget_set_can_focus(widget, FALSE);
     gtk_tree_view_set_enable_search(list, FALSE);
-    SetAccessibleName(widget, _("File list"));
     AppendIconColumn(list);
     for (std::size_t i = 0; i < static_cast<std::size_t>(pGTable->ColumnCount); ++i) {
         AppendDetailColumn(list, i);
@@ -261,10 +252,8 @@ GtkTreeView* NewListView()
 
     GtkTreeSelection* const selection = gtk_tree_view_get_selection(list);
     gtk_tree_selection_set_mode(selection, GTK_SELECTION_MULTIPLE);
-    gtk_tree_selection_set_select_function(selection, IsRowSelectable, nullptr, nullptr);
     g_signal_connect(selection, "changed", G_CALLBACK(on_FileList_selection_changed), nullptr);
     g_signal_connect(list, "row-activated", G_CALLBACK(on_FileList_row_activated), nullptr);
-    gtk_widget_show(widget);
     return list;
 }
 
@@ -421,6 +410,9 @@ ListSelectionBatch::ListSelectionBatch()
 
 ListSelectionBatch::~ListSelectionBatch()
 {
+    if (batch_depth == 1 && batch_changed) {
+        UnselectParentRow();
+    }
     if (--batch_depth == 0 && batch_changed) {
         batch_changed = false;
         ReportSelection();

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "fnkdirtree-walk.h"
 #include "fnkdirtree.h"
 #include "fnkfilelist.h"
 #include "fnklocationbar.h"
@@ -225,145 +226,37 @@ void ListKeyPress(const GdkEventKey& event, guint key)
 
 // The tree.
 
-using OptionalNode = std::optional<GtkTreeIter>;
+void SelectNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node, Direction direction)
+{
+    const TreePath path = walk.PathOf(node);
+    const bool was_visible = GetRowVisibility(tree, path.get()) == ROW_VISIBLE;
+    SetTreeSelectNode(tree, node);
+    if (!was_visible) {
+        gtk_tree_view_scroll_to_cell(tree, path.get(), nullptr, TRUE, direction == DIRECTION_UP ? 0.0F : 1.0F, 0.0F);
+    }
+}
 
-/// The tree's nodes and how they are displayed.
-class TreeWalk {
-public:
-    explicit TreeWalk(GtkTreeView* tree) : tree_(tree), model_(gtk_tree_view_get_model(tree)) {}
-
-    OptionalNode Root() const
-    {
-        GtkTreeIter root;
-        return gtk_tree_model_get_iter_first(model_, &root) ? OptionalNode(root) : std::nullopt;
-    }
-    TreePath PathOf(GtkTreeIter node) const { return TreePath(gtk_tree_model_get_path(model_, &node)); }
-    bool IsSame(const GtkTreeIter& a, const GtkTreeIter& b) const { return a.user_data == b.user_data; }
-    bool HasChildren(GtkTreeIter node) const { return gtk_tree_model_iter_has_child(model_, &node); }
-    bool IsExpanded(const GtkTreeIter& node) const { return gtk_tree_view_row_expanded(tree_, PathOf(node).get()); }
-    RowVisibility Visibility(const GtkTreeIter& node) const { return GetRowVisibility(tree_, PathOf(node).get()); }
-
-    OptionalNode Parent(GtkTreeIter node) const
-    {
-        GtkTreeIter parent;
-        return gtk_tree_model_iter_parent(model_, &parent, &node) ? OptionalNode(parent) : std::nullopt;
-    }
-    OptionalNode Next(GtkTreeIter node) const
-    {
-        return gtk_tree_model_iter_next(model_, &node) ? OptionalNode(node) : std::nullopt;
-    }
-    OptionalNode Previous(GtkTreeIter node) const
-    {
-        return gtk_tree_model_iter_previous(model_, &node) ? OptionalNode(node) : std::nullopt;
-    }
-    OptionalNode FirstChild(GtkTreeIter node) const
-    {
-        GtkTreeIter child;
-        return gtk_tree_model_iter_children(model_, &child, &node) ? OptionalNode(child) : std::nullopt;
-    }
-    OptionalNode LastChild(GtkTreeIter node) const
-    {
-        GtkTreeIter child;
-        const int count = gtk_tree_model_iter_n_children(model_, &node);
-        return gtk_tree_model_iter_nth_child(model_, &child, &node, count - 1) ? OptionalNode(child) : std::nullopt;
-    }
-
-    /// The last node displayed in the subtree of node.
-    GtkTreeIter LastDisplayed(GtkTreeIter node) const
-    {
-        while (IsExpanded(node)) {
-            const OptionalNode child = LastChild(node);
-            if (!child) {
-                break;
-            }
-            node = *child;
-        }
-        return node;
-    }
-    /// The node displayed above; none above the root.
-    OptionalNode Above(const GtkTreeIter& node) const
-    {
-        const OptionalNode sibling = Previous(node);
-        return sibling ? LastDisplayed(*sibling) : Parent(node);
-    }
-    /// The node displayed below.
-    OptionalNode Below(const GtkTreeIter& node) const
-    {
-        if (IsExpanded(node)) {
-            return FirstChild(node);
-        }
-        for (OptionalNode ancestor = node; ancestor; ancestor = Parent(*ancestor)) {
-            if (const OptionalNode sibling = Next(*ancestor)) {
-                return sibling;
-            }
-        }
-        return std::nullopt;
-    }
-
-    struct Page {
-        GtkTreeIter top;     ///< First node that is at least partly visible.
-        GtkTreeIter bottom;  ///< Last one that is fully visible.
-        int steps;           ///< From one to the other.
-    };
-    /// Nothing while the root is collapsed.
-    std::optional<Page> VisiblePage() const
-    {
-        const OptionalNode root = Root();
-        GtkTreePath* start = nullptr;
-        if (!root || !IsExpanded(*root) || !gtk_tree_view_get_visible_range(tree_, &start, nullptr)) {
-            return std::nullopt;
-        }
-        const TreePath owner(start);
-        Page page = {};
-        gtk_tree_model_get_iter(model_, &page.top, start);
-        page.bottom = page.top;
-        for (OptionalNode node = Below(page.top); node && Visibility(*node) == ROW_VISIBLE; node = Below(*node)) {
-            page.bottom = *node;
-            ++page.steps;
-        }
-        return page;
-    }
-
-    void Expand(const GtkTreeIter& node) const { gtk_tree_view_expand_row(tree_, PathOf(node).get(), FALSE); }
-    void Collapse(const GtkTreeIter& node) const { gtk_tree_view_collapse_row(tree_, PathOf(node).get()); }
-    void Select(const GtkTreeIter& node, Direction direction) const
-    {
-        const TreePath path = PathOf(node);
-        const bool was_visible = GetRowVisibility(tree_, path.get()) == ROW_VISIBLE;
-        SetTreeSelectNode(tree_, node);
-        if (!was_visible) {
-            gtk_tree_view_scroll_to_cell(tree_, path.get(), nullptr, TRUE, direction == DIRECTION_UP ? 0.0F : 1.0F,
-                                         0.0F);
-        }
-    }
-
-private:
-    GtkTreeView* tree_;
-    GtkTreeModel* model_;
-};
-
-void CollapseOrLeave(const TreeWalk& walk, const GtkTreeIter& current)
+/// Left: an expanded node collapses, any other has its parent collapse. The root stays open while
+/// it is the node itself.
+void CollapseNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& current)
 {
     const OptionalNode parent = walk.Parent(current);
-    if (walk.HasChildren(current) && walk.IsExpanded(current)) {
-        if (parent) {
-            walk.Collapse(current);
-        }
-    } else if (parent) {
-        walk.Collapse(*parent);
+    if (parent) {
+        gtk_tree_view_collapse_row(tree, walk.PathOf(walk.IsExpanded(current) ? current : *parent).get());
     }
 }
 
 /// Where Page Up or Page Down leads: the edge of the page, or from there one page further.
 OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direction direction)
 {
+    const OptionalNode root = walk.Root();
     const std::optional<TreeWalk::Page> page = walk.VisiblePage();
-    if (!page) {
+    if (!page || !root || !walk.IsExpanded(*root)) {
         return std::nullopt;
     }
     const bool up = direction == DIRECTION_UP;
     GtkTreeIter target = up ? page->top : page->bottom;
-    if (!walk.IsSame(current, target)) {
+    if (current.user_data != target.user_data) {
         return target;
     }
     for (int step = 0; step < page->steps; ++step) {
@@ -405,16 +298,16 @@ void TreeKeyPress(GtkTreeView* tree, guint key)
     }
     const TreeWalk walk(tree);
     if (key == GDK_KEY_Return || key == GDK_KEY_Right) {
-        walk.Expand(current);
+        gtk_tree_view_expand_row(tree, walk.PathOf(current).get(), FALSE);
         return;
     }
     if (key == GDK_KEY_Left) {
-        CollapseOrLeave(walk, current);
+        CollapseNode(tree, walk, current);
         return;
     }
     const bool up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
     if (const OptionalNode target = KeyTarget(walk, current, key)) {
-        walk.Select(*target, up ? DIRECTION_UP : DIRECTION_DOWN);
+        SelectNode(tree, walk, *target, up ? DIRECTION_UP : DIRECTION_DOWN);
     }
 }
 

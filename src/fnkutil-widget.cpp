@@ -11,6 +11,7 @@ constexpr int kButtonSpacing = 10;
 constexpr int kIconSpacing = 10;
 constexpr const char* kItemsKey = "fennick-items";
 constexpr const char* kBytesKey = "fennick-bytes";
+constexpr const char* kNameKey = "fennick-name";
 
 /// Attaches a value to an object, which owns it from then on.
 template <typename T>
@@ -52,6 +53,39 @@ void on_Combo_changed(GtkWidget* combo, gpointer)
 }
 
 }  // namespace
+
+// A tree view whose only difference is that it names its accessible.
+struct FnkTreeView {
+    GtkTreeView parent_instance;
+};
+struct FnkTreeViewClass {
+    GtkTreeViewClass parent_class;
+};
+G_DEFINE_TYPE(FnkTreeView, fnk_tree_view, GTK_TYPE_TREE_VIEW)
+
+static AtkObject* fnk_tree_view_get_accessible(GtkWidget* widget)
+{
+    AtkObject* const accessible = GTK_WIDGET_CLASS(fnk_tree_view_parent_class)->get_accessible(widget);
+    if (accessible != nullptr && atk_object_get_name(accessible) == nullptr) {
+        atk_object_set_name(accessible, AttachedData<std::string>(widget, kNameKey)->c_str());
+    }
+    return accessible;
+}
+
+static void fnk_tree_view_class_init(FnkTreeViewClass* klass)
+{
+    GTK_WIDGET_CLASS(klass)->get_accessible = fnk_tree_view_get_accessible;
+}
+
+static void fnk_tree_view_init(FnkTreeView*) {}
+
+GtkWidget* CreateTreeView(const char* accessible_name)
+{
+    auto* const view = static_cast<GtkWidget*>(g_object_new(fnk_tree_view_get_type(), nullptr));
+    AttachData(view, kNameKey, std::string(accessible_name));
+    gtk_widget_show(view);
+    return view;
+}
 
 GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height)
 {
@@ -393,6 +427,15 @@ RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path)
         return ROW_HIDDEN;
     }
     return top >= visible.y && bottom <= visible_bottom ? ROW_VISIBLE : ROW_PARTLY_VISIBLE;
+}
+
+int GetTextWidth(GtkWidget* widget, const char* text)
+{
+    PangoLayout* const layout = gtk_widget_create_pango_layout(widget, text);
+    int width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width;
 }
 
 void ReleaseEntryFocus(GtkWidget* window)

@@ -82,10 +82,17 @@ enum RowVisibility { ROW_HIDDEN, ROW_PARTLY_VISIBLE, ROW_VISIBLE };
 /// How much of the row's height the scrolled view shows.
 RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 
+/// Width of the text as the widget would draw it; pixels.
+int GetTextWidth(GtkWidget* widget, const char* text);
+
 /// Takes the focus out of every entry of the window, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
 /// The label of a status bar, set without its stack of messages.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
+/// A tree view of that name for screen readers. The name is given only when one asks for it:
+/// as soon as its accessible exists, the toolkit tells it of every row that comes, goes or is
+/// selected, which doubles the time a large directory takes.
+GtkWidget* CreateTreeView(const char* accessible_name);
 /// What screen readers call the widget.
 void SetAccessibleName(GtkWidget* widget, const char* name);

@@ -332,12 +332,12 @@ PathStatus CheckFileExist(std::string* path)
 
 namespace {
 
-bool MayExecute(const struct stat& st)
+bool MayExecute(const struct stat& st, const UserIds& user)
 {
-    if (st.st_uid == getuid()) {
+    if (st.st_uid == user.uid) {
         return (st.st_mode & S_IXUSR) != 0;
     }
-    if (st.st_gid == getgid()) {
+    if (st.st_gid == user.gid) {
         return (st.st_mode & S_IXGRP) != 0;
     }
     return (st.st_mode & S_IXOTH) != 0;
@@ -362,7 +362,12 @@ FileType GetLinkType(int directory, const char* name, std::size_t base_length)
 
 }  // namespace
 
-FileType GetFileTypeAt(int directory, const char* name, const struct stat& st)
+UserIds GetUserIds()
+{
+    return {getuid(), getgid()};
+}
+
+FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user)
 {
     if (strcasecmp(name, "core") == 0) {
         return FT_CORE;
@@ -380,7 +385,7 @@ FileType GetFileTypeAt(int directory, const char* name, const struct stat& st)
     case S_IFBLK:
         return FT_DEVICE;
     default:
-        return MayExecute(st) ? FT_EXECUTE : FT_NORMAL;
+        return MayExecute(st, user) ? FT_EXECUTE : FT_NORMAL;
     }
 }
 
@@ -391,7 +396,7 @@ FileType GetFileType(const std::string& path, const struct stat& st)
         return FT_CORE;
     }
     if (!S_ISLNK(st.st_mode)) {
-        return GetFileTypeAt(AT_FDCWD, path.c_str(), st);
+        return GetFileTypeAt(AT_FDCWD, path.c_str(), st, GetUserIds());
     }
     std::string target;
     if (!ReadLink(path, target) || target.empty()) {

@@ -92,8 +92,16 @@ PathStatus CheckFileExist(std::string* path);
 
 /// Class of an entry of CurrentDir, st being its lstat record.
 FileType GetFileType(const std::string& path, const struct stat& st);
-/// The same for an entry called name of the open directory; no path is built.
-FileType GetFileTypeAt(int directory, const char* name, const struct stat& st);
+
+/// Who runs the program: what a file lets one execute depends on it.
+struct UserIds {
+    uid_t uid;
+    gid_t gid;
+};
+UserIds GetUserIds();
+/// The same for an entry called name of the open directory CurrentDir: no path is built, and a
+/// listing asks for the ids once.
+FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user);
 
 /// Records text at the front: an entry that is there already moves, a list of ten or more loses
 /// its tenth. An empty text or one longer than kMaxPathBytes is not recorded.

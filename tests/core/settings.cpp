@@ -129,7 +129,8 @@ TEST_F(Settings, EachFlagHasItsOwnKey)
             ASSERT_EQ(SetGTable(LiveLayout()), FILE_DONE);
             std::string expected = DefaultText();
             const std::string line = std::string("\n") + setting.key + "=";
-            expected.replace(expected.find(line), line.size() + (other != 0 ? 2 : 3), line + (other != 0 ? "yes" : "no"));
+            expected.replace(expected.find(line), line.size() + (other != 0 ? 2 : 3),
+                             line + (other != 0 ? "yes" : "no"));
             EXPECT_EQ(home.Contents(".fennick"), expected) << setting.key;
         }
     }
@@ -227,8 +228,9 @@ TEST_F(Settings, ValuesAreTakenAsFarAsTheyGo)
 TEST_F(Settings, WhatIsMissingKeepsItsDefault)
 {
     const std::string longest(kMaxPathBytes - 1, 'd');
-    Load("[Setting]\nSortCase=yes\nConfilmDel=no\nColor2Green=9\n\n[X]\nShowHidden=yes\nColor2Red=9\n[Init]\nCurrentDir=" +
-         longest + "\n[Detailed View]\nFilterName=" + std::string(kMaxFilterBytes + 1, 'f') + "\n");
+    Load(
+        "[Setting]\nSortCase=yes\nConfilmDel=no\nColor2Green=9\n\n[X]\nShowHidden=yes\nColor2Red=9\n[Init]\nCurrentDir=" +
+        longest + "\n[Detailed View]\nFilterName=" + std::string(kMaxFilterBytes + 1, 'f') + "\n");
     EXPECT_EQ(table.ShowHidden, 0);
     EXPECT_EQ(table.SortCase, 1);
     EXPECT_EQ(table.ConfilmDel, 0);
@@ -240,7 +242,8 @@ TEST_F(Settings, WhatIsMissingKeepsItsDefault)
     EXPECT_EQ(table.PandPosition, kDefaultDivider);
     EXPECT_EQ(table.CurrentDir, longest);
     EXPECT_EQ(table.FilterName, "*");
-    Load("[Init]\nCurrentDir=d" + longest + "\n[Detailed View]\nFilterName=" + std::string(kMaxFilterBytes, 'f') + "\n");
+    Load("[Init]\nCurrentDir=d" + longest + "\n[Detailed View]\nFilterName=" + std::string(kMaxFilterBytes, 'f') +
+         "\n");
     EXPECT_EQ(table.CurrentDir, "");
     EXPECT_EQ(table.FilterName.size(), kMaxFilterBytes);
     Load("");
@@ -420,8 +423,20 @@ TEST_F(Settings, DamagedFilesLeaveAUsableRecord)
 {
     const std::string sound = DefaultText() + "\n[DirHistory]\nHistoryCount=3\nHistory0=/a\nHistory1=/b\nHistory2=/c\n";
     const std::string pieces[] = {
-        std::string(1, '\0'), "\n", "[", "=", "-1", "99999999999999999999", "\xE6\x97\xA5", "\xFF", "History", "2147483647",
-        "\n[DirHistory]\nHistoryCount=1999999999\n", "\nColumnCount=11\n", "\n[Detailed View]\n", std::string(5000, '7'),
+        std::string(1, '\0'),
+        "\n",
+        "[",
+        "=",
+        "-1",
+        "99999999999999999999",
+        "\xE6\x97\xA5",
+        "\xFF",
+        "History",
+        "2147483647",
+        "\n[DirHistory]\nHistoryCount=1999999999\n",
+        "\nColumnCount=11\n",
+        "\n[Detailed View]\n",
+        std::string(5000, '7'),
     };
     SeededRandom random;
     SCOPED_TRACE(random.Trace());
@@ -462,10 +477,14 @@ TEST_F(Settings, GiantFilesAreReadInOnePass)
         numbers += "History" + std::to_string(numbers.size()) + "=x\n";
     }
     const std::string texts[] = {
-        std::string(kMega, '\xFF'), "[DirHistory]\nHistoryCount=2000000000\nx=" + umlauts + "\xFF\n" + umlauts,
-        "[Detailed View]\nColumnCount=11\nColumnPosition0=" + umlauts, "[DirHistory]\nHistoryCount=2000000000\n" + empty_lines,
+        std::string(kMega, '\xFF'),
+        "[DirHistory]\nHistoryCount=2000000000\nx=" + umlauts + "\xFF\n" + umlauts,
+        "[Detailed View]\nColumnCount=11\nColumnPosition0=" + umlauts,
+        "[DirHistory]\nHistoryCount=2000000000\n" + empty_lines,
         "[DirHistory]\nHistoryCount=2000000000\nHistory" + std::string(kMega, '1'),
-        "[DirHistory]\nHistoryCount=2000000000\n" + numbers, std::string(kMega, '['), std::string(kMega, '\0'),
+        "[DirHistory]\nHistoryCount=2000000000\n" + numbers,
+        std::string(kMega, '['),
+        std::string(kMega, '\0'),
     };
     for (const std::string& text : texts) {
         SCOPED_TRACE(text.substr(0, 60));

@@ -1,5 +1,5 @@
 #pragma once
-// Expectations that need a process of their own: another user, a limit, a mount, a violent end.
+// Expectations that need a process of their own: another user, a limit, a mount.
 
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -10,21 +10,19 @@
 
 #include <cstdio>
 #include <functional>
-#include <string>
 
 #include "scratch.h"
 
-enum ChildResult { CHILD_PASSED, CHILD_FAILED, CHILD_DIED, CHILD_SKIPPED };
+enum ChildResult { CHILD_PASSED, CHILD_FAILED, CHILD_SKIPPED, CHILD_DIED };
 
 /// Runs body in a forked child, which prints what it expected in vain, and waits for it. A child
 /// that hangs dies of the alarm.
 inline ChildResult RunInChild(const std::function<void()>& body)
 {
-    constexpr unsigned kDeadline = 60;
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        alarm(kDeadline);
+        alarm(60);
         try {
             body();
         } catch (const std::exception& failure) {
@@ -38,29 +36,24 @@ inline ChildResult RunInChild(const std::function<void()>& body)
     return WIFEXITED(status) ? static_cast<ChildResult>(WEXITSTATUS(status)) : CHILD_DIED;
 }
 
-/// In a child: goes on as a user whom permissions stop, and who owns the directories.
-inline void BecomeOrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
+/// In a child: goes on as a user whom permissions stop and who owns directory.
+inline void BecomeOrdinaryUser(const ScratchDirectory& directory)
 {
     constexpr uid_t kNobody = 65534;
-    if (geteuid() != 0) {
-        return;
+    if (geteuid() == 0) {
+        Require(chown(directory.Path().c_str(), kNobody, kNobody) == 0 && setgroups(0, nullptr) == 0 &&
+                    setresgid(kNobody, kNobody, kNobody) == 0 && setresuid(kNobody, kNobody, kNobody) == 0,
+                "setresuid");
     }
-    for (const ScratchDirectory* const directory : owned) {
-        Require(chown(directory->Path().c_str(), kNobody, kNobody) == 0, "chown");
-    }
-    Require(setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, kNobody) == 0 &&
-                setresuid(kNobody, kNobody, kNobody) == 0,
-            "setresuid");
 }
 
-/// In a child: puts a file system of so many bytes at path, seen by the child alone. Ends the
-/// child as skipped where that is not allowed.
-inline void MountSmallDisk(const std::string& path, const char* size)
+/// In a child: puts a file system of that size at path, seen by the child alone. The child ends as
+/// skipped where that is not allowed.
+inline void MountSmallDisk(const std::string& path, const char* size_option)
 {
-    const int own_user = geteuid() == 0 ? 0 : CLONE_NEWUSER;
-    const std::string options = std::string("mode=0777,size=") + size;
-    if (unshare(CLONE_NEWNS | own_user) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("none", path.c_str(), "tmpfs", 0, options.c_str()) != 0) {
+    if (unshare(CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER)) != 0 ||
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("none", path.c_str(), "tmpfs", 0, size_option) != 0) {
         _exit(CHILD_SKIPPED);
     }
 }

@@ -1,10 +1,8 @@
 #pragma once
 // A directory of a test's own below TMPDIR, removed with everything in it when the test ends.
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -53,8 +51,7 @@ public:
     }
     std::string File(const std::string& name, const std::string& contents = "", mode_t mode = 0644) const
     {
-        MakeParents(name);
-        std::ofstream stream(At(name), std::ios::binary);
+        std::ofstream stream(Place(name), std::ios::binary);
         stream << contents;
         stream.close();
         Require(stream.good() && chmod(At(name).c_str(), mode) == 0, name);
@@ -62,22 +59,22 @@ public:
     }
     std::string Link(const std::string& name, const std::string& target) const
     {
-        MakeParents(name);
-        Require(symlink(target.c_str(), At(name).c_str()) == 0, name);
+        Require(symlink(target.c_str(), Place(name).c_str()) == 0, name);
         return At(name);
     }
     /// kind is S_IFIFO or S_IFSOCK.
     std::string Node(const std::string& name, mode_t kind) const
     {
-        MakeParents(name);
-        Require(mknod(At(name).c_str(), kind | 0644, 0) == 0, name);
+        Require(mknod(Place(name).c_str(), kind | 0644, 0) == 0, name);
         return At(name);
     }
+    void SetMode(const std::string& name, mode_t mode) const { Require(chmod(At(name).c_str(), mode) == 0, name); }
     void SetTimes(const std::string& name, std::time_t access, std::time_t modification) const
     {
         const struct timespec times[] = {{access, 0}, {modification, 0}};
         Require(utimensat(AT_FDCWD, At(name).c_str(), times, AT_SYMLINK_NOFOLLOW) == 0, name);
     }
+    void Remove(const std::string& name) const { Require(std::filesystem::remove(At(name)), name); }
 
     std::string Contents(const std::string& name) const
     {
@@ -91,18 +88,13 @@ public:
         Require(lstat(At(name).c_str(), &st) == 0, name);
         return st;
     }
-    /// The entries of the directory in reading order, without "." and "..".
+    /// Entries of the directory as readdir gives them.
     std::vector<std::string> ReadingOrder(const std::string& name = "") const
     {
-        DIR* const stream = opendir(At(name).c_str());
-        Require(stream != nullptr, name);
         std::vector<std::string> names;
-        while (const struct dirent* const entry = readdir(stream)) {
-            if (const std::string found = entry->d_name; found != "." && found != "..") {
-                names.push_back(found);
-            }
+        for (const auto& entry : std::filesystem::directory_iterator(At(name))) {
+            names.push_back(entry.path().filename());
         }
-        closedir(stream);
         return names;
     }
     std::vector<std::string> Names(const std::string& name = "") const
@@ -113,9 +105,10 @@ public:
     }
 
 private:
-    void MakeParents(const std::string& name) const
+    std::string Place(const std::string& name) const
     {
         std::filesystem::create_directories(std::filesystem::path(At(name)).parent_path());
+        return At(name);
     }
 
     std::string path_;

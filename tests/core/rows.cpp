@@ -1,0 +1,192 @@
+// The rows of the list: what is in a directory, what of it is shown, and the text of each cell.
+
+#include "fnkfilelist-rows.h"
+
+#include <glib.h>
+
+#include <set>
+
+#include "child.h"
+#include "tabletest.h"
+
+namespace {
+
+class Rows : public TableTest {
+protected:
+    using Names = std::set<std::string>;
+
+    /// What is listed behind "..".
+    Names Listed()
+    {
+        FileRows rows;
+        EXPECT_TRUE(ReadFileRows(files.Path(), rows));
+        Names names;
+        for (std::size_t i = 0; i < rows.Count(); ++i) {
+            EXPECT_EQ(rows.IsParentRow(i), i == 0);
+            EXPECT_TRUE(i == 0 || names.insert(rows.Name(i)).second) << rows.Name(i);
+        }
+        return names;
+    }
+
+    ScopedVariable time_zone{"TZ", "TST-9"};
+};
+
+TEST_F(Rows, FlagsAndFilterChooseWhatIsListed)
+{
+    for (const char* const name : {"a.c", "a.h", ".x.c", "a.c~", "old.BAK"}) {
+        files.File(name);
+    }
+    for (const char* const name : {"src", ".git", "kept~"}) {
+        files.Directory(name);
+    }
+    files.Link("link-to-src", "src");
+    EXPECT_EQ(Listed(), (Names{"a.c", "a.h", "src", "link-to-src"}));
+    table.ShowBackup = 1;
+    EXPECT_EQ(Listed(), (Names{"a.c", "a.h", "src", "link-to-src", "a.c~", "old.BAK", "kept~"}));
+    table.ShowBackup = 0;
+    table.ShowHidden = 1;
+    EXPECT_EQ(Listed(), (Names{"a.c", "a.h", "src", "link-to-src", ".x.c", ".git"}));
+    table.FilterName = "*.c";
+    EXPECT_EQ(Listed().size(), 6U);
+    table.Filter = 1;
+    EXPECT_EQ(Listed(), (Names{"a.c", ".x.c", "src", ".git"}));
+    table.FilterName = "";
+    EXPECT_EQ(Listed(), (Names{"src", ".git"}));
+}
+
+TEST_F(Rows, FilterIsOnePattern)
+{
+    const std::tuple<const char*, const char*, int> cases[] = {
+        {"*.c", "a.C", 0}, {"*.c", ".c", 1},      {"?.c", "ab.c", 0}, {"[a-b]", "b", 1}, {"\\*", "*", 1},
+        {"\\*", "a", 0},   {"*.c *.h", "a.c", 0}, {"a*", "a/b", 1},   {"*.c", "..", 1},  {"a?", "a\n", 1}};
+    table.Filter = 1;
+    for (const auto& [pattern, name, passes] : cases) {
+        table.FilterName = pattern;
+        EXPECT_EQ(CheckFilter(name), passes) << pattern << " on " << name;
+    }
+}
+
+TEST_F(Rows, OddNamesKeepTheirBytes)
+{
+    const Names odd = {" ", "line\nfeed", "mad\xFE\xFF", "\xE6\x97\xA5", "\xB0\x41", std::string(255, 'x'), "*", "\\"};
+    for (const std::string& name : odd) {
+        files.File(name);
+    }
+    EXPECT_EQ(Listed(), odd);
+    FileRows rows;
+    ASSERT_TRUE(ReadFileRows(files.Path(), rows));
+    for (std::size_t i = 0; i < rows.Count(); ++i) {
+        const std::string shown = rows.CellText(rows.Row(i), COLUMN_NAME);
+        EXPECT_TRUE(g_utf8_validate(shown.c_str(), -1, nullptr));
+        EXPECT_EQ(shown == rows.Name(i), g_utf8_validate(rows.Name(i), -1, nullptr) != 0);
+    }
+}
+
+TEST_F(Rows, LastReadComesFirstBehindTheDirectoryItself)
+{
+    for (int i = 0; i < 30; ++i) {
+        files.File("dir/f" + std::to_string(i), std::string(1536, 'x'));
+    }
+    files.SetMode("dir", 0705);
+    files.SetTimes("dir", 1000000000, 983923500);
+    std::vector<std::string> expected = files.ReadingOrder("dir");
+    expected.push_back("..");
+    std::reverse(expected.begin(), expected.end());
+    FileRows rows;
+    ASSERT_TRUE(ReadFileRows(files.At("dir/"), rows));
+    ASSERT_EQ(rows.Count(), expected.size());
+    for (std::size_t i = 0; i < rows.Count(); ++i) {
+        EXPECT_EQ(rows.Name(i), expected[i]);
+        EXPECT_EQ(rows.Row(i).is_directory, i == 0);
+        EXPECT_EQ(rows.Row(i).type, i == 0 ? FT_DIRECTORY : FT_NORMAL);
+    }
+    EXPECT_EQ(rows.CellText(rows.Row(0), COLUMN_PERMISSION), "drwx---r-x");
+    EXPECT_EQ(rows.CellText(rows.Row(0), COLUMN_MODIFICATION_TIME), "Mar 07 2001 09:05");
+    EXPECT_EQ(rows.CellText(rows.Row(1), COLUMN_SIZE), "1.5KByte");
+    // What is no directory leaves the rows as they are.
+    files.Link("link", "dir");
+    for (const char* const name : {"missing/", "dir/f0", "link"}) {
+        EXPECT_FALSE(ReadFileRows(files.At(name), rows)) << name;
+        EXPECT_EQ(rows.Count(), expected.size());
+    }
+}
+
+TEST_F(Rows, ClosedDirectoryShowsItselfAlone)
+{
+    files.File("closed/file");
+    files.SetMode("closed", 0000);
+    const auto read_rows = [this] {
+        BecomeOrdinaryUser(files);
+        FileRows rows;
+        EXPECT_TRUE(ReadFileRows(files.At("closed/"), rows));
+        EXPECT_EQ(rows.Count(), 1U);
+    };
+    EXPECT_EQ(RunInChild(read_rows), CHILD_PASSED);
+    files.SetMode("closed", 0700);
+}
+
+TEST_F(Rows, PermissionText)
+{
+    const std::pair<mode_t, const char*> cases[] = {
+        {041777, "drwxrwxrwt"},  {0104644, "-rwSr--r--"}, {0104755, "-rwsr-xr-x"}, {0102755, "-rwxr-sr-x"},
+        {0102745, "-rwxr-Sr-x"}, {0101776, "-rwxrwxrwT"}, {0107000, "---S--S--T"}, {0120777, "lrwxrwxrwx"},
+        {0140421, "sr---w---x"}, {010124, "p--x-w-r--"},  {020620, "crw--w----"},  {060660, "brw-rw----"}};
+    for (const auto& [mode, text] : cases) {
+        EXPECT_EQ(SetPermission(mode), text) << std::oct << mode;
+    }
+}
+
+TEST_F(Rows, TimeText)
+{
+    const std::tuple<std::int64_t, const char*, const char*, const char*> cases[] = {
+        {983923508, "Mar 07 2001 09:05", "2001/03/07 09:05", ":08"},
+        {978267599, "Dec 31 2000 21:59", "2000/12/31 21:59", ":59"},
+        {-1, "Jan 01 1970 08:59", "1970/01/01 08:59", ":59"},
+        {253402300800, "Jan 01 10000 09:00", "10000/01/01 09:00", ":00"},
+        // The last year that the C library can tell.
+        {67768036191644399, "Dec 31 2147485547 23:59", "2147485547/12/31 23:59", ":59"}};
+    for (const auto& [time, plain, japanese, seconds] : cases) {
+        for (const int locale : {0, 1}) {
+            table.JapaneseLocale = locale;
+            const std::string expected = locale == 0 ? plain : japanese;
+            EXPECT_EQ(GetFormatTime(time, false), expected);
+            EXPECT_EQ(GetFormatTime(time, true), expected + seconds);
+        }
+    }
+    EXPECT_EQ(GetFormatTime(INT64_MAX, false), std::nullopt);
+}
+
+TEST_F(Rows, CellTexts)
+{
+    struct stat st = {};
+    st.st_mode = S_IFREG | 0640;
+    st.st_size = 5368709120;
+    st.st_ino = 0x180000001;
+    st.st_mtim.tv_sec = 983923500;
+    st.st_ctim.tv_sec = INT64_MAX;
+    FileRows rows;
+    rows.Add("mad\xFF", st, FT_NORMAL);
+    st.st_uid = 4294967294;
+    st.st_gid = 4294967293;
+    rows.Add("b", st, FT_NORMAL);
+    const std::tuple<int, const char*, const char*> cases[] = {
+        {COLUMN_NAME, "mad\xEF\xBF\xBD", "b"},
+        {COLUMN_SIZE, "5120MByte", "5120MByte"},
+        {COLUMN_PERMISSION, "-rw-r-----", "-rw-r-----"},
+        {COLUMN_USER, "root", ""},
+        {COLUMN_USER_ID, "0", "-2"},
+        {COLUMN_GROUP, "root", ""},
+        {COLUMN_GROUP_ID, "0", "-3"},
+        {COLUMN_ACCESS_TIME, "Jan 01 1970 09:00", "Jan 01 1970 09:00"},
+        {COLUMN_MODIFICATION_TIME, "Mar 07 2001 09:05", "Mar 07 2001 09:05"},
+        {COLUMN_CHANGE_TIME, "", ""},
+        {COLUMN_INODE, "-2147483647", "-2147483647"},
+        {kColumnKinds, "", ""},
+        {-1, "", ""}};
+    for (const auto& [column, first, second] : cases) {
+        EXPECT_EQ(rows.CellText(rows.Row(0), column), first) << column;
+        EXPECT_EQ(rows.CellText(rows.Row(1), column), second) << column;
+    }
+}
+
+}  // namespace
