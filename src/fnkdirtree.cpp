@@ -256,6 +256,7 @@ void AddTreeColumn(GtkTreeView* tree)
     gtk_tree_view_column_pack_start(column, icon, FALSE);
     GtkCellRenderer* const text = gtk_cell_renderer_text_new();
     g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
+    KeepRowHeight(GTK_WIDGET(tree), text);
     gtk_tree_view_column_pack_start(column, text, TRUE);
     gtk_tree_view_column_set_cell_data_func(column, text, DrawName, nullptr, nullptr);
     gtk_tree_view_column_set_spacing(column, kIconSpacing);

@@ -204,6 +204,7 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position)
     GtkCellRenderer* const cell = gtk_cell_renderer_text_new();
     g_object_set(cell, "xalign", kColumns[static_cast<std::size_t>(id)].align_right ? 1.0F : 0.0F,
                  "single-paragraph-mode", TRUE, nullptr);
+    KeepRowHeight(GTK_WIDGET(list), cell);
     GtkTreeViewColumn* const column = AppendColumn(list, cell, DrawText, id);
     gtk_tree_view_column_set_title(column, GetListColumnString(id).c_str());
     gtk_tree_view_column_set_alignment(column, 0.0F);

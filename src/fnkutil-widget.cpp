@@ -438,6 +438,28 @@ int GetTextWidth(GtkWidget* widget, const char* text)
     return width;
 }
 
+namespace {
+
+void on_View_style_updated(GtkWidget* view, gpointer cell)
+{
+    // Fonts that stand in for missing letters are often taller than the one that is asked for.
+    PangoLayout* const layout = gtk_widget_create_pango_layout(view, "\u00c1g\u65e5\u21b5\ufffd");
+    int text_height = 0;
+    int padding = 0;
+    pango_layout_get_pixel_size(layout, nullptr, &text_height);
+    g_object_unref(layout);
+    gtk_cell_renderer_get_padding(GTK_CELL_RENDERER(cell), nullptr, &padding);
+    gtk_cell_renderer_set_fixed_size(GTK_CELL_RENDERER(cell), -1, text_height + 2 * padding);
+}
+
+}  // namespace
+
+void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell)
+{
+    on_View_style_updated(view, cell);
+    g_signal_connect_object(view, "style-updated", G_CALLBACK(on_View_style_updated), cell, GConnectFlags());
+}
+
 void ReleaseEntryFocus(GtkWidget* window)
 {
     gtk_window_set_focus(GTK_WINDOW(window), nullptr);

@@ -85,6 +85,10 @@ RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 /// Width of the text as the widget would draw it; pixels.
 int GetTextWidth(GtkWidget* widget, const char* text);
 
+/// Gives the cell the same height in every row, whatever script its text is in: views with rows
+/// of one height count on it, but measure rows singly as they come into view.
+void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell);
+
 /// Takes the focus out of every entry of the window, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
