@@ -315,7 +315,6 @@ GtkWidget* CreateFileList(GtkWidget* paned)
     gtk_container_add(GTK_CONTAINER(pMainW->ListScroll), GTK_WIDGET(list));
     pMainW->FileList = GTK_WIDGET(list);
     listed_directory.clear();
-    UpdateSortArrows(list);
     // At start the tree opens the directory once the window is built; reading it here as well
     // would double the time to the first picture.
     if (gtk_widget_get_realized(pMainW->MainWindow)) {
@@ -345,6 +344,7 @@ int DisplayFileList(const std::string& path)
         }
         SortModelRows(model);
         gtk_tree_view_set_model(list, GTK_TREE_MODEL(model));
+        UpdateSortArrows(list);  // Taking the model away took them along.
         listed_directory = path;
         batch_changed = true;
     }

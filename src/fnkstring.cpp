@@ -66,7 +66,7 @@ std::string Translate(const std::array<const char*, kCount>& table, int index)
     return gettext(table[static_cast<std::size_t>(index)]);
 }
 
-std::string UnlessTooLong(std::string tip)
+std::string UnlessTooLong(const std::string& tip)
 {
     return tip.size() <= kMaxTipBytes ? tip : std::string();
 }
