@@ -223,10 +223,10 @@ std::optional<std::string> GetFormatTime(std::int64_t time, bool seconds)
     if (localtime_r(&stamp, &local) == nullptr) {
         return std::nullopt;
     }
-    const int year = local.tm_year + 1900;
-    std::string text = pGTable->JapaneseLocale ? FormatText("%d/%02d/%02d %02d:%02d", year, local.tm_mon + 1,
+    const long year = local.tm_year + 1900L;
+    std::string text = pGTable->JapaneseLocale ? FormatText("%ld/%02d/%02d %02d:%02d", year, local.tm_mon + 1,
                                                             local.tm_mday, local.tm_hour, local.tm_min)
-                                               : FormatText("%s %02d %d %02d:%02d", kMonths[local.tm_mon],
+                                               : FormatText("%s %02d %ld %02d:%02d", kMonths[local.tm_mon],
                                                             local.tm_mday, year, local.tm_hour, local.tm_min);
     if (seconds) {
         text += FormatText(":%02d", local.tm_sec);

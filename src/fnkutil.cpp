@@ -243,13 +243,17 @@ Resolution ResolvePath(const std::string& absolute)
         if (component.empty()) {
             return result;
         }
-        if (component == ".") {
-            continue;
-        }
-        if (component == "..") {
-            result.path = GetParentDirectory(result.path);
-            if (result.path.size() > 1) {
-                result.path.pop_back();
+        if (component == "." || component == "..") {
+            if (!IsDirectory(result.path)) {
+                result.path += "/" + component;
+                result.error = ENOTDIR;
+                return result;
+            }
+            if (component == "..") {
+                result.path = GetParentDirectory(result.path);
+                if (result.path.size() > 1) {
+                    result.path.pop_back();
+                }
             }
             continue;
         }
