@@ -275,7 +275,6 @@ GtkTreeView* NewTreeView()
     gtk_tree_view_set_enable_tree_lines(tree, TRUE);
     gtk_tree_view_set_enable_search(tree, FALSE);
     gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree), GTK_SELECTION_BROWSE);
-    gtk_widget_set_can_focus(widget, FALSE);
     AddTreeColumn(tree);
     gtk_tree_view_set_fixed_height_mode(tree, TRUE);
     return tree;
@@ -497,8 +496,12 @@ GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast e
             break;
         }
         reached = node;
-        if ((done == path.size() && expand_last == EXPAND_LAST_NO) || !HasChildren(tree, node)) {
+        if (done == path.size() && expand_last == EXPAND_LAST_NO) {
             break;
+        }
+        // A node without children cannot be expanded, but may have got some since.
+        if (!HasChildren(tree, node)) {
+            CreateChildtree(tree, &node);
         }
         ExpandNode(tree, node);
     }

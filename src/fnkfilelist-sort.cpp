@@ -262,22 +262,23 @@ std::uint64_t MinuteKey(const struct tm& local)
 /// elsewhere and only the texts themselves can be compared.
 bool MakeTimeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
 {
-    std::int64_t known_minute = 0;
-    std::uint64_t known_key = 0;
+    // Files of one minute tend to come together, and converting to local time is slow.
+    std::int64_t minute_begin = 0;
+    std::int64_t minute_end = 0;
+    std::uint64_t minute_key = 0;
     for (SortKey& key : keys) {
         const std::int64_t time = RowTime(rows.Row(key.index), kind);
-        // Files of one minute tend to come together; converting to local time is slow.
-        const std::int64_t minute = time >= 0 ? time / 60 : -1;
-        if (minute < 0 || minute != known_minute || known_key == 0) {
+        if (time < minute_begin || time >= minute_end) {
             const std::time_t stamp = time;
             struct tm local = {};
             if (localtime_r(&stamp, &local) == nullptr || local.tm_year < 1000 - 1900 || local.tm_year > 9999 - 1900) {
                 return false;
             }
-            known_minute = minute;
-            known_key = MinuteKey(local);
+            minute_begin = time - local.tm_sec;
+            minute_end = minute_begin + 60;
+            minute_key = MinuteKey(local);
         }
-        key.value = known_key;
+        key.value = minute_key;
     }
     return true;
 }

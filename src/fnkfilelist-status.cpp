@@ -16,8 +16,8 @@
 namespace {
 
 constexpr std::size_t kMaxStatusBytes = 1024;
-/// So many files are looked at before the main loop gets its turn: about 10 ms.
-constexpr std::size_t kSumPiece = 5000;
+/// So many files are looked at before the main loop gets its turn: a few milliseconds.
+constexpr std::size_t kSumPiece = 2000;
 
 /// The summary under way. It reads rows by their number, so nothing that changes the rows may
 /// leave it running.
@@ -48,7 +48,7 @@ void ShowSummary()
                                     : FormatText(_(" %d files  %s"), static_cast<int>(summary.counted), size.c_str()));
 }
 
-/// Sums up the next piece; true when nothing is left.
+/// Sums up the next piece; true when nothing is left and the sum is shown.
 bool SumPiece()
 {
     const FileRows& rows = ListRows();
@@ -62,18 +62,30 @@ bool SumPiece()
             ++summary.counted;
         }
     }
-    return summary.next == summary.rows.size();
+    if (summary.next < summary.rows.size()) {
+        return false;
+    }
+    ShowSummary();
+    summary = Summary();
+    return true;
+}
+
+void StartSummary()
+{
+    summary.rows = ListSelection();
+    summary.directory = Descriptor(open(pGTable->CurrentDir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
 gboolean on_Summary_idle(gpointer)
 {
     if (pMainW != nullptr) {
+        if (summary.rows.empty()) {
+            StartSummary();
+        }
         if (!SumPiece()) {
             return G_SOURCE_CONTINUE;
         }
-        ShowSummary();
     }
-    summary = Summary();
     summary_source = 0;
     return G_SOURCE_REMOVE;
 }
@@ -95,19 +107,16 @@ void DisplayFileStatus()
     if (pMainW == nullptr || MainList() == nullptr || pMainW->StatusBar == nullptr) {
         return;
     }
-    summary.rows = ListSelection();
-    if (summary.rows.empty()) {
+    const std::size_t count = CountListSelection();
+    if (count == 0) {
         std::string path;
         GetTreeSelect(MainTree(), nullptr, &path);
         ShowStatus(" " + DisplayText(path));
-        return;
-    }
-    summary.directory = Descriptor(open(pGTable->CurrentDir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (SumPiece()) {
-        ShowSummary();
-        summary = Summary();
-    } else {
+    } else if (count > kSumPiece) {
         summary_source = g_idle_add(on_Summary_idle, nullptr);
+    } else {
+        StartSummary();
+        SumPiece();
     }
 }
 

@@ -203,7 +203,7 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position)
     const int id = pGTable->ColumnPosition[position];
     GtkCellRenderer* const cell = gtk_cell_renderer_text_new();
     g_object_set(cell, "xalign", kColumns[static_cast<std::size_t>(id)].align_right ? 1.0F : 0.0F,
-                 "single-paragraph-mode", TRUE, nullptr);
+                 "single-paragraph-mode", TRUE, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
     KeepRowHeight(GTK_WIDGET(list), cell);
     GtkTreeViewColumn* const column = AppendColumn(list, cell, DrawText, id);
     gtk_tree_view_column_set_title(column, GetListColumnString(id).c_str());
@@ -242,7 +242,6 @@ GtkTreeView* NewListView()
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
     g_object_set_data_full(G_OBJECT(widget), "fennick-model", NewListModel(), g_object_unref);
     ApplyListStyle(widget);
-    gtk_widget_set_can_focus(widget, FALSE);
     gtk_tree_view_set_enable_search(list, FALSE);
     AppendIconColumn(list);
     for (std::size_t i = 0; i < static_cast<std::size_t>(pGTable->ColumnCount); ++i) {
@@ -420,18 +419,52 @@ ListSelectionBatch::~ListSelectionBatch()
     }
 }
 
+namespace {
+
+/// While it lives, the rows are not drawn. The toolkit has each row of a large change drawn
+/// singly, which takes it as long again as the change itself; its window asks for one drawing of
+/// everything when it comes back.
+class DrawingPause {
+public:
+    DrawingPause()
+    {
+        constexpr std::size_t kLargeChange = 1000;
+        GdkWindow* const window = gtk_tree_view_get_bin_window(MainList());
+        if (ListRows().Count() > kLargeChange && window != nullptr && gdk_window_is_visible(window)) {
+            window_ = window;
+            gdk_window_hide(window_);
+        }
+    }
+    DrawingPause(const DrawingPause&) = delete;
+    DrawingPause& operator=(const DrawingPause&) = delete;
+    ~DrawingPause()
+    {
+        if (window_ != nullptr) {
+            gdk_window_show(window_);
+        }
+    }
+
+private:
+    GdkWindow* window_ = nullptr;
+};
+
+}  // namespace
+
 void SelectAllListRows()
 {
+    const DrawingPause pause;
     gtk_tree_selection_select_all(gtk_tree_view_get_selection(MainList()));
 }
 
 void UnselectAllListRows()
 {
+    const DrawingPause pause;
     gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(MainList()));
 }
 
 void SelectListRows(std::size_t first, std::size_t last)
 {
+    const DrawingPause pause;
     const TreePath start(gtk_tree_path_new_from_indices(static_cast<int>(first), -1));
     const TreePath end(gtk_tree_path_new_from_indices(static_cast<int>(last), -1));
     gtk_tree_selection_select_range(gtk_tree_view_get_selection(MainList()), start.get(), end.get());

@@ -79,10 +79,21 @@ static void fnk_tree_view_class_init(FnkTreeViewClass* klass)
 
 static void fnk_tree_view_init(FnkTreeView*) {}
 
+static gboolean on_TreeView_button_press(GtkWidget* view, GdkEvent*, gpointer)
+{
+    GtkWidget* const window = gtk_widget_get_toplevel(view);
+    if (GTK_IS_WINDOW(window)) {
+        ReleaseEntryFocus(window);
+    }
+    return FALSE;
+}
+
 GtkWidget* CreateTreeView(const char* accessible_name)
 {
     auto* const view = static_cast<GtkWidget*>(g_object_new(fnk_tree_view_get_type(), nullptr));
     AttachData(view, kNameKey, std::string(accessible_name));
+    gtk_widget_set_can_focus(view, FALSE);
+    g_signal_connect(view, "button-press-event", G_CALLBACK(on_TreeView_button_press), nullptr);
     gtk_widget_show(view);
     return view;
 }

@@ -94,9 +94,10 @@ void ReleaseEntryFocus(GtkWidget* window);
 
 /// The label of a status bar, set without its stack of messages.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
-/// A tree view of that name for screen readers. The name is given only when one asks for it:
-/// as soon as its accessible exists, the toolkit tells it of every row that comes, goes or is
-/// selected, which doubles the time a large directory takes.
+/// A tree view of that name for screen readers. It never has the focus, but a click on it takes
+/// the focus out of an entry: whoever clicks a row wants the keys to act there. The name is given only when one asks
+/// for it: as soon as its accessible exists, the toolkit tells it of every row that comes, goes or is selected, which
+/// doubles the time a large directory takes.
 GtkWidget* CreateTreeView(const char* accessible_name);
 /// What screen readers call the widget.
 void SetAccessibleName(GtkWidget* widget, const char* name);
