@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
+#include "fnkdirtree-view.h"
 #include "fnkdirtree-walk.h"
 #include "fnkmainwindow-record.h"
-#include "fnkraii.h"
-#include "fnkstring.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 
@@ -13,105 +12,12 @@ DirTreeEvents OnDirTree;
 
 namespace {
 
-/// The store's only column: bytes. The root's name is the whole RootDir, every other a single
-/// component.
-constexpr int kNameColumn = 0;
-
-constexpr int kIconSpacing = 5;
-/// Insets of the cells, and a little air behind the name.
-constexpr int kCellInsets = 10;
-constexpr const char* kFitKey = "fennick-fit";
-
 /// What the window shows now. CurrentDir may run ahead of it: commands set it before they open it.
 std::string shown_directory;
 
-GtkTreeStore* StoreOf(GtkTreeView* tree)
-{
-    return GTK_TREE_STORE(gtk_tree_view_get_model(tree));
-}
-
-std::string NodeName(GtkTreeModel* model, const GtkTreeIter& node)
-{
-    GtkTreeIter iter = node;
-    char* name = nullptr;
-    gtk_tree_model_get(model, &iter, kNameColumn, &name, -1);
-    const GlibPointer<char> owner(name);
-    return name != nullptr ? name : "";
-}
-
-TreePath PathOf(GtkTreeView* tree, const GtkTreeIter& node)
-{
-    GtkTreeIter iter = node;
-    return TreePath(gtk_tree_model_get_path(gtk_tree_view_get_model(tree), &iter));
-}
-
-bool HasChildren(GtkTreeView* tree, const GtkTreeIter& node)
-{
-    GtkTreeIter iter = node;
-    return gtk_tree_model_iter_has_child(gtk_tree_view_get_model(tree), &iter);
-}
-
-/// Inserts a node behind the first so many children of parent. The store counts its way there.
-GtkTreeIter InsertNode(GtkTreeStore* store, GtkTreeIter* parent, std::size_t position, const std::string& name)
-{
-    GtkTreeIter node;
-    gtk_tree_store_insert_with_values(store, &node, parent, static_cast<int>(position), kNameColumn, name.c_str(), -1);
-    return node;
-}
-
-struct ExistingChild {
-    std::string name;
-    GtkTreeIter node;
-};
-
-std::vector<ExistingChild> ListChildren(GtkTreeModel* model, GtkTreeIter* parent)
-{
-    std::vector<ExistingChild> children;
-    GtkTreeIter child;
-    for (gboolean more = gtk_tree_model_iter_children(model, &child, parent); more;
-         more = gtk_tree_model_iter_next(model, &child)) {
-        children.push_back({NodeName(model, child), child});
-    }
-    return children;
-}
-
-void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& name)
-{
-    if (name.empty()) {
-        return;
-    }
-    const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(store), parent);
-    const auto place =
-        std::lower_bound(children.begin(), children.end(), name,
-                         [](const ExistingChild& child, const std::string& text) { return child.name < text; });
-    if (place == children.end() || place->name != name) {
-        InsertNode(store, parent, static_cast<std::size_t>(place - children.begin()), name);
-    }
-}
-
-/// Merges found, which is sorted, into the children of parent. It goes backwards, so that a new
-/// node has only old ones before it, usually none, to be counted.
-void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<Subdirectory>& found)
-{
-    std::vector<ExistingChild> existing = ListChildren(GTK_TREE_MODEL(store), parent);
-    for (auto child = found.rbegin(); child != found.rend(); ++child) {
-        while (!existing.empty() && existing.back().name > child->name) {
-            existing.pop_back();
-        }
-        GtkTreeIter node;
-        if (!existing.empty() && existing.back().name == child->name) {
-            node = existing.back().node;
-            existing.pop_back();
-        } else {
-            node = InsertNode(store, parent, existing.size(), child->name);
-        }
-        AddEarlyChild(store, &node, child->early_child);
-    }
-}
-
 void ExpandNode(GtkTreeView* tree, const GtkTreeIter& node)
 {
-    gtk_tree_view_expand_row(tree, PathOf(tree, node).get(), FALSE);
+    gtk_tree_view_expand_row(tree, TreeWalk(tree).PathOf(node).get(), FALSE);
 }
 
 void EnterSelected(GtkTreeView* tree)
@@ -181,105 +87,6 @@ gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*,
     return FALSE;
 }
 
-int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
-{
-    GdkRectangle cell;
-    gtk_tree_view_get_cell_area(tree, walk.PathOf(node).get(), gtk_tree_view_get_column(tree, 0), &cell);
-    const std::string shown = DisplayText(NodeName(gtk_tree_view_get_model(tree), node));
-    const int icon_width = gdk_pixbuf_get_width(pGTable->CloseDirPixmap);
-    return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
-}
-
-/// Makes the column as wide as the widest row on the screen needs. All rows are of one height and
-/// the column of a fixed width, or the toolkit would measure every row that is added, whether it
-/// is ever seen or not: a second for ten thousand of them.
-gboolean FitTreeColumn(gpointer data)
-{
-    GtkTreeView* const tree = GTK_TREE_VIEW(data);
-    g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
-    if (pGTable == nullptr) {
-        return G_SOURCE_REMOVE;
-    }
-    const TreeWalk walk(tree);
-    const std::optional<TreeWalk::Page> page = walk.VisiblePage();
-    if (!page) {
-        return G_SOURCE_REMOVE;
-    }
-    int width = 1;
-    OptionalNode node = page->top;
-    // One more than the page has: the last may be visible in part.
-    for (int step = -1; step <= page->steps && node; ++step, node = walk.Below(*node)) {
-        width = std::max(width, NodeWidth(tree, walk, *node));
-    }
-    gtk_tree_view_column_set_fixed_width(gtk_tree_view_get_column(tree, 0), width);
-    return G_SOURCE_REMOVE;
-}
-
-void StopFitting(GtkWidget* tree, gpointer)
-{
-    if (const guint source = GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(tree), kFitKey)); source != 0) {
-        g_source_remove(source);
-        g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
-    }
-}
-
-/// Connected to all that changes what is on the screen; fits once before the next picture.
-void QueueFit(GtkWidget* tree)
-{
-    StopFitting(tree, nullptr);
-    const guint source = g_idle_add_full(GTK_PRIORITY_RESIZE + 1, FitTreeColumn, tree, nullptr);
-    g_object_set_data(G_OBJECT(tree), kFitKey, GUINT_TO_POINTER(source));
-}
-
-void FitToContent(GtkWidget* scroll, GtkTreeView* tree)
-{
-    GtkAdjustment* const vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
-    // Its bounds change with every row that comes or goes, its value with the scrolling.
-    g_signal_connect_object(vertical, "changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
-    g_signal_connect_object(vertical, "value-changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
-    g_signal_connect(tree, "row-expanded", G_CALLBACK(QueueFit), nullptr);
-    g_signal_connect(tree, "row-collapsed", G_CALLBACK(QueueFit), nullptr);
-    g_signal_connect(tree, "destroy", G_CALLBACK(StopFitting), nullptr);
-}
-
-void DrawName(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* node, gpointer)
-{
-    g_object_set(cell, "text", DisplayText(NodeName(model, *node)).c_str(), nullptr);
-}
-
-void AddTreeColumn(GtkTreeView* tree)
-{
-    GtkTreeViewColumn* const column = gtk_tree_view_column_new();
-    GtkCellRenderer* const icon = gtk_cell_renderer_pixbuf_new();
-    g_object_set(icon, "pixbuf", pGTable->CloseDirPixmap, "pixbuf-expander-closed", pGTable->CloseDirPixmap,
-                 "pixbuf-expander-open", pGTable->OpenDirPixmap, nullptr);
-    gtk_tree_view_column_pack_start(column, icon, FALSE);
-    GtkCellRenderer* const text = gtk_cell_renderer_text_new();
-    g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
-    KeepRowHeight(GTK_WIDGET(tree), text);
-    gtk_tree_view_column_pack_start(column, text, TRUE);
-    gtk_tree_view_column_set_cell_data_func(column, text, DrawName, nullptr, nullptr);
-    gtk_tree_view_column_set_spacing(column, kIconSpacing);
-    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
-    gtk_tree_view_append_column(tree, column);
-}
-
-GtkTreeView* NewTreeView()
-{
-    GtkTreeStore* const store = gtk_tree_store_new(1, G_TYPE_STRING);
-    GtkWidget* const widget = CreateTreeView(_("Directory tree"));
-    GtkTreeView* const tree = GTK_TREE_VIEW(widget);
-    gtk_tree_view_set_model(tree, GTK_TREE_MODEL(store));
-    g_object_unref(store);
-    gtk_tree_view_set_headers_visible(tree, FALSE);
-    gtk_tree_view_set_enable_tree_lines(tree, TRUE);
-    gtk_tree_view_set_enable_search(tree, FALSE);
-    gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree), GTK_SELECTION_BROWSE);
-    AddTreeColumn(tree);
-    gtk_tree_view_set_fixed_height_mode(tree, TRUE);
-    return tree;
-}
-
 /// While it lives, selecting in the main tree has no effect; other trees are not concerned.
 class SelectionPause {
 public:
@@ -314,11 +121,9 @@ GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo)
     if (scroll == nullptr) {
         return nullptr;
     }
-    GtkTreeView* const tree = NewTreeView();
     *scroll = CreateScroll();
-    gtk_container_add(GTK_CONTAINER(*scroll), GTK_WIDGET(tree));
-    FitToContent(*scroll, tree);
-    GtkTreeIter root = InsertNode(StoreOf(tree), nullptr, 0, pGTable->RootDir);
+    GtkTreeView* const tree = CreateNodeView(*scroll);
+    GtkTreeIter root = *TreeWalk(tree).Root();
     if (CreateChildtree(tree, &root) != SCAN_DONE) {
         g_object_ref_sink(*scroll);
         gtk_widget_destroy(*scroll);
@@ -350,83 +155,6 @@ GtkWidget* CreateDirTree(GtkWidget* paned)
     return pMainW->DirTree;
 }
 
-ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node)
-{
-    std::vector<Subdirectory> found;
-    const ScanResult result = ScanSubdirectories(GetNodePath(tree, *node), found);
-    if (result == SCAN_DONE) {
-        MergeChildren(StoreOf(tree), node, found);
-    }
-    return result;
-}
-
-bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node)
-{
-    std::string parent = GetParentDirectory(path);
-    const std::string name = GetLastPath(path);
-    GtkTreeIter parent_node;
-    if (name.empty() || CheckChildDirectory(path) != 0 || !GetPathNode(tree, parent, &parent_node)) {
-        return false;
-    }
-    const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(StoreOf(tree)), &parent_node);
-    const auto next = std::find_if(children.begin(), children.end(),
-                                   [&name](const ExistingChild& child) { return child.name > name; });
-    *node = InsertNode(StoreOf(tree), &parent_node, static_cast<std::size_t>(next - children.begin()), name);
-    return true;
-}
-
-std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node)
-{
-    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
-    std::string path = WithSlash(NodeName(model, node));
-    GtkTreeIter child = node;
-    GtkTreeIter parent;
-    while (gtk_tree_model_iter_parent(model, &parent, &child)) {
-        path.insert(0, WithSlash(NodeName(model, parent)));
-        child = parent;
-    }
-    return path;
-}
-
-namespace {
-
-bool FindChild(GtkTreeModel* model, GtkTreeIter* node, const std::string& name)
-{
-    GtkTreeIter child;
-    for (gboolean more = gtk_tree_model_iter_children(model, &child, node); more;
-         more = gtk_tree_model_iter_next(model, &child)) {
-        if (NodeName(model, child) == name) {
-            *node = child;
-            return true;
-        }
-    }
-    return false;
-}
-
-}  // namespace
-
-bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node)
-{
-    if (!IsDirectory(path) || CheckChildDirectory(path) != 0) {
-        return false;
-    }
-    path = WithSlash(path);
-    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
-    GtkTreeIter reached;
-    if (!gtk_tree_model_get_iter_first(model, &reached)) {
-        return false;
-    }
-    const char* component = path.c_str() + pGTable->RootDir.size();
-    for (const char* slash = CharNext(component, '/'); slash != nullptr; slash = CharNext(component, '/')) {
-        if (!FindChild(model, &reached, std::string(component, slash))) {
-            return false;
-        }
-        component = slash + 1;
-    }
-    *node = reached;
-    return true;
-}
-
 bool GetTreeSelect(GtkTreeView* tree, GtkTreeIter* node, std::string* path)
 {
     GtkTreeIter selected;
@@ -444,7 +172,7 @@ bool GetTreeSelect(GtkTreeView* tree, GtkTreeIter* node, std::string* path)
 
 void SetTreeSelectNode(GtkTreeView* tree, const GtkTreeIter& node)
 {
-    const TreePath path = PathOf(tree, node);
+    const TreePath path = TreeWalk(tree).PathOf(node);
     const bool acts = tree == MainTree() && pGTable->TreeSelectSignal != 0;
     const bool was_visible = GetRowVisibility(tree, path.get()) == ROW_VISIBLE;
     {
@@ -500,7 +228,7 @@ GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast e
             break;
         }
         // A node without children cannot be expanded, but may have got some since.
-        if (!HasChildren(tree, node)) {
+        if (!TreeWalk(tree).HasChildren(node)) {
             CreateChildtree(tree, &node);
         }
         ExpandNode(tree, node);
@@ -532,14 +260,6 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
 
 namespace {
 
-void RemoveChildren(GtkTreeStore* store, GtkTreeIter* node)
-{
-    GtkTreeIter child;
-    while (gtk_tree_model_iter_children(GTK_TREE_MODEL(store), &child, node)) {
-        gtk_tree_store_remove(store, &child);
-    }
-}
-
 /// Selects the deepest node on the way to path that is displayed, without acting on it.
 void RestoreSelection(GtkTreeView* tree, const std::string& path)
 {
@@ -548,18 +268,18 @@ void RestoreSelection(GtkTreeView* tree, const std::string& path)
         return;
     }
     std::size_t done = pGTable->RootDir.size();
-    while (done < path.size() && gtk_tree_view_row_expanded(tree, PathOf(tree, node).get())) {
+    while (done < path.size() && gtk_tree_view_row_expanded(tree, TreeWalk(tree).PathOf(node).get())) {
         const char* const slash = CharNext(path.c_str() + done, '/');
         if (slash == nullptr) {
             break;
         }
         const std::string name(path.c_str() + done, slash);
-        if (!FindChild(gtk_tree_view_get_model(tree), &node, name)) {
+        if (!FindChildNode(gtk_tree_view_get_model(tree), &node, name)) {
             break;
         }
         done = static_cast<std::size_t>(slash - path.c_str()) + 1;
     }
-    gtk_tree_view_set_cursor(tree, PathOf(tree, node).get(), nullptr, FALSE);
+    gtk_tree_view_set_cursor(tree, TreeWalk(tree).PathOf(node).get(), nullptr, FALSE);
 }
 
 }  // namespace
@@ -574,8 +294,8 @@ void RescanTree(GtkTreeView* tree, const std::string& path)
     const SelectionPause pause(tree);
     std::string selected;
     const bool had_selection = GetTreeSelect(tree, nullptr, &selected);
-    const bool was_expanded = gtk_tree_view_row_expanded(tree, PathOf(tree, node).get());
-    RemoveChildren(StoreOf(tree), &node);
+    const bool was_expanded = gtk_tree_view_row_expanded(tree, TreeWalk(tree).PathOf(node).get());
+    RemoveChildren(tree, &node);
     CreateChildtree(tree, &node);
     if (was_expanded) {
         ExpandNode(tree, node);

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "fnkdirtree-scan.h"
+#include "fnkdirtree-nodes.h"
 
 /// What the window above does when the main tree has something to tell; set once at start.
 struct DirTreeEvents {
@@ -24,14 +24,6 @@ GtkWidget* CreateDirTree(GtkWidget* paned);
 /// main window's, its entry follows the selection.
 GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo);
 
-/// Adds the subdirectories that node lacks, with one early child each; nothing is removed.
-ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node);
-/// Adds one node for a path whose parent is in the tree.
-bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node);
-/// Bytes, ending in "/".
-std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node);
-/// Finds the node of an existing directory below RootDir; adds the "/" that path may lack.
-bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node);
 /// The selected node, and its path where one is asked for.
 bool GetTreeSelect(GtkTreeView* tree, GtkTreeIter* node, std::string* path);
 /// Selects and shows the node, and acts on that even when it was selected before.
