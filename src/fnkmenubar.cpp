@@ -9,6 +9,7 @@
 #include "fnkfilemenu.h"
 #include "fnkmainwindow-record.h"
 #include "fnkstring.h"
+#include "fnktable.h"
 #include "fnkutil-widget.h"
 
 namespace {
@@ -75,6 +76,21 @@ constexpr std::array<MenuTitle, 5> kTitles = {{
     {N_("Help(_H)"), 3, nullptr},
 }};
 
+/// All commands come through here: one that comes after the end finds no records to work on.
+void on_Menu_activate(GtkWidget* item, gpointer index)
+{
+    if (pGTable != nullptr) {
+        kEntries[GPOINTER_TO_SIZE(index)].handler(item, nullptr);
+    }
+}
+
+void on_MenuTitle_activate(GtkWidget* item, gpointer index)
+{
+    if (pGTable != nullptr) {
+        kTitles[GPOINTER_TO_SIZE(index)].handler(item, nullptr);
+    }
+}
+
 void on_Menu_select(GtkWidget*, gpointer index)
 {
     if (pMainW != nullptr && pMainW->StatusBar != nullptr) {
@@ -111,7 +127,7 @@ GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::siz
         g_signal_connect(item, "deselect", G_CALLBACK(on_Menu_deselect), data);
     }
     if (entry.handler != nullptr) {
-        g_signal_connect(item, "activate", G_CALLBACK(entry.handler), nullptr);
+        g_signal_connect(item, "activate", G_CALLBACK(on_Menu_activate), data);
     }
     if (entry.key != 0) {
         gtk_widget_add_accelerator(item, "activate", accelerators, gdk_keyval_to_lower(entry.key), entry.modifiers,
@@ -126,7 +142,8 @@ GtkWidget* CreateMenu(GtkWidget* bar, GtkAccelGroup* accelerators, const MenuTit
 {
     GtkWidget* const item = gtk_menu_item_new_with_mnemonic(gettext(title.label));
     if (title.handler != nullptr) {
-        g_signal_connect(item, "activate", G_CALLBACK(title.handler), nullptr);
+        g_signal_connect(item, "activate", G_CALLBACK(on_MenuTitle_activate),
+                         GSIZE_TO_POINTER(&title - kTitles.data()));
     }
     if (&title == &kTitles.back()) {
         G_GNUC_BEGIN_IGNORE_DEPRECATIONS

@@ -42,6 +42,14 @@ constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
     {N_("Property"), Property_xpm, on_Tool_Property_clicked},
 }};
 
+/// All clicks come through here: one that comes after the end finds no records to work on.
+void on_Tool_clicked(GtkWidget* item, gpointer slot)
+{
+    if (pGTable != nullptr) {
+        kTools[GPOINTER_TO_SIZE(slot)].handler(item, nullptr);
+    }
+}
+
 gboolean on_Tool_enter(GtkWidget*, GdkEvent*, gpointer slot)
 {
     if (pMainW != nullptr && pMainW->StatusBar != nullptr) {
@@ -73,7 +81,7 @@ GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
     gtk_tool_item_set_homogeneous(item, FALSE);
     gtk_toolbar_insert(GTK_TOOLBAR(toolbar), item, -1);
     gtk_widget_show(GTK_WIDGET(item));
-    g_signal_connect(item, "clicked", G_CALLBACK(tool.handler), nullptr);
+    g_signal_connect(item, "clicked", G_CALLBACK(on_Tool_clicked), GINT_TO_POINTER(slot));
 
     GtkWidget* const button = gtk_bin_get_child(GTK_BIN(item));
     gtk_widget_set_can_focus(button, FALSE);  // Keys belong to the panes.
