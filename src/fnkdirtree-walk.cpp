@@ -64,13 +64,12 @@ OptionalNode TreeWalk::Below(const GtkTreeIter& node) const
 
 std::optional<TreeWalk::Page> TreeWalk::VisiblePage() const
 {
-    GtkTreePath* start = nullptr;
-    if (!gtk_tree_view_get_visible_range(tree_, &start, nullptr)) {
+    const TreePath first = GetFirstVisiblePath(tree_);
+    if (first == nullptr) {
         return std::nullopt;
     }
-    const TreePath owner(start);
     Page page = {};
-    gtk_tree_model_get_iter(model_, &page.top, start);
+    gtk_tree_model_get_iter(model_, &page.top, first.get());
     page.bottom = page.top;
     for (OptionalNode node = Below(page.top); node; node = Below(*node)) {
         if (GetRowVisibility(tree_, PathOf(*node).get()) != ROW_VISIBLE) {

@@ -1,6 +1,6 @@
 #include "fnkfilelist-sort.h"
 
-#include <strings.h>
+#include <glib.h>
 
 #include <algorithm>
 #include <bit>
@@ -54,7 +54,7 @@ bool IsSortedUpwards()
 
 int CompareString(const char* a, const char* b)
 {
-    return pGTable->SortCase ? strcasecmp(a, b) : std::strcmp(a, b);
+    return pGTable->SortCase ? g_ascii_strcasecmp(a, b) : std::strcmp(a, b);
 }
 
 int CompareSize(const char* a, const char* b)

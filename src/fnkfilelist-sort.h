@@ -6,7 +6,7 @@
 
 #include "fnkfilelist-rows.h"
 
-/// strcmp, or strcasecmp when SortCase is on.
+/// Byte order; with SortCase on, ASCII letters count as small ones.
 int CompareString(const char* a, const char* b);
 /// 1 when a, a text of ConvertSize, is larger than b, else 0.
 int CompareSize(const char* a, const char* b);

@@ -49,6 +49,9 @@ constexpr const char* kListStyle =
 /// The directory that the rows were read from.
 std::string listed_directory;
 
+/// Where a range of rows starts that a click with Shift ends; -1 while there is none.
+int anchor_row = -1;
+
 int batch_depth = 0;
 bool batch_changed = false;
 
@@ -89,6 +92,59 @@ void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColum
     if (pGTable != nullptr) {
         ActivateListRow(static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]));
     }
+}
+
+int AnchorFor(int row)
+{
+    if (anchor_row < 0) {
+        const std::vector<std::size_t> selected = ListSelection();
+        anchor_row = selected.empty() ? row : static_cast<int>(selected.front());
+    }
+    return anchor_row;
+}
+
+void ToggleRow(int row)
+{
+    GtkTreeSelection* const selection = gtk_tree_view_get_selection(MainList());
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    if (gtk_tree_selection_path_is_selected(selection, path.get())) {
+        gtk_tree_selection_unselect_path(selection, path.get());
+    } else {
+        gtk_tree_selection_select_path(selection, path.get());
+    }
+}
+
+/// Clicks with Control and Shift: the toolkit serves them only in a view that has the focus, and
+/// this one never has. Plain clicks are left to it.
+gboolean on_FileList_button_press(GtkWidget* widget, GdkEventButton* event, gpointer)
+{
+    GtkTreeView* const list = GTK_TREE_VIEW(widget);
+    GtkTreePath* clicked = nullptr;
+    if (pGTable == nullptr || event->button != GDK_BUTTON_PRIMARY || event->type != GDK_BUTTON_PRESS ||
+        event->window != gtk_tree_view_get_bin_window(list) ||
+        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &clicked, nullptr,
+                                       nullptr, nullptr)) {
+        return FALSE;
+    }
+    const TreePath path(clicked);
+    const int row = gtk_tree_path_get_indices(clicked)[0];
+    const bool toggles = (event->state & GDK_CONTROL_MASK) != 0;
+    if ((event->state & GDK_SHIFT_MASK) != 0) {
+        const ListSelectionBatch batch;
+        const int anchor = AnchorFor(row);
+        if (!toggles) {
+            UnselectAllListRows();
+        }
+        SelectListRows(static_cast<std::size_t>(std::min(anchor, row)),
+                       static_cast<std::size_t>(std::max(anchor, row)));
+        anchor_row = anchor;
+        return TRUE;
+    }
+    anchor_row = row;
+    if (toggles) {
+        ToggleRow(row);
+    }
+    return toggles;
 }
 
 void DrawIcon(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer)
@@ -253,6 +309,7 @@ GtkTreeView* NewListView()
     GtkTreeSelection* const selection = gtk_tree_view_get_selection(list);
     gtk_tree_selection_set_mode(selection, GTK_SELECTION_MULTIPLE);
     g_signal_connect(selection, "changed", G_CALLBACK(on_FileList_selection_changed), nullptr);
+    g_signal_connect(list, "button-press-event", G_CALLBACK(on_FileList_button_press), nullptr);
     g_signal_connect(list, "row-activated", G_CALLBACK(on_FileList_row_activated), nullptr);
     return list;
 }
@@ -260,20 +317,25 @@ GtkTreeView* NewListView()
 /// The first row that is at least partly visible; the row count when there is none.
 int FirstVisibleRow(GtkTreeView* list)
 {
-    GtkTreePath* start = nullptr;
-    if (!gtk_tree_view_get_visible_range(list, &start, nullptr)) {
-        return static_cast<int>(ListRows().Count());
-    }
-    const TreePath owner(start);
-    return gtk_tree_path_get_indices(start)[0];
+    const TreePath first = GetFirstVisiblePath(list);
+    return first != nullptr ? gtk_tree_path_get_indices(first.get())[0] : static_cast<int>(ListRows().Count());
 }
 
+/// After the model was replaced; -1 stays at the top.
 void ScrollRowToTop(GtkTreeView* list, int row)
 {
-    if (row >= 0 && row < static_cast<int>(ListRows().Count())) {
-        const TreePath path(gtk_tree_path_new_from_indices(row, -1));
-        gtk_tree_view_scroll_to_cell(list, path.get(), nullptr, TRUE, 0.0F, 0.0F);
+    // A new model starts at the top, but the scroll bar is not told; without this it would see
+    // nothing to do when it is to go where it stands already.
+    gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(list)), 0);
+    if (row < 0 || row >= static_cast<int>(ListRows().Count())) {
+        return;
     }
+    // Rows that were never measured have no place to scroll to; asking for the size of the view
+    // makes it give them all the height of the first.
+    int width = 0;
+    gtk_widget_get_preferred_width(GTK_WIDGET(list), &width, nullptr);
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    gtk_tree_view_scroll_to_cell(list, path.get(), nullptr, TRUE, 0.0F, 0.0F);
 }
 
 }  // namespace
@@ -345,6 +407,7 @@ int DisplayFileList(const std::string& path)
         gtk_tree_view_set_model(list, GTK_TREE_MODEL(model));
         UpdateSortArrows(list);  // Taking the model away took them along.
         listed_directory = path;
+        anchor_row = -1;
         batch_changed = true;
     }
     ScrollRowToTop(list, first_visible);
@@ -362,6 +425,7 @@ void on_FileList_click_column(int column)
     const ListSelectionBatch batch;
     SortModelRows(ModelOf(MainList()));
     UpdateSortArrows(MainList());
+    anchor_row = -1;
     batch_changed = true;  // The summary under way knows the rows by their old places.
 }
 
@@ -458,6 +522,7 @@ void SelectAllListRows()
 
 void UnselectAllListRows()
 {
+    anchor_row = -1;
     const DrawingPause pause;
     gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(MainList()));
 }

@@ -120,12 +120,8 @@ struct ListPage {
 ListPage GetListRange()
 {
     const int last = ListRowCount() - 1;
-    GtkTreePath* start = nullptr;
-    int top = last;
-    if (gtk_tree_view_get_visible_range(MainList(), &start, nullptr)) {
-        const TreePath owner(start);
-        top = gtk_tree_path_get_indices(start)[0];
-    }
+    const TreePath first = GetFirstVisiblePath(MainList());
+    const int top = first != nullptr ? gtk_tree_path_get_indices(first.get())[0] : last;
     int bottom = top + 1;
     while (bottom < last && ListRowVisibility(bottom) == ROW_VISIBLE) {
         ++bottom;

@@ -440,6 +440,22 @@ RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path)
     return top >= visible.y && bottom <= visible_bottom ? ROW_VISIBLE : ROW_PARTLY_VISIBLE;
 }
 
+TreePath GetFirstVisiblePath(GtkTreeView* view)
+{
+    GtkTreePath* start = nullptr;
+    if (!gtk_tree_view_get_visible_range(view, &start, nullptr)) {
+        return nullptr;
+    }
+    TreePath first(start);
+    // Scrolled to the very edge of a row, the toolkit names the one above, which is out of view.
+    GtkTreePath* below = nullptr;
+    if (GetRowVisibility(view, start) == ROW_HIDDEN &&
+        gtk_tree_view_get_path_at_pos(view, 1, 1, &below, nullptr, nullptr, nullptr)) {
+        first.reset(below);
+    }
+    return first;
+}
+
 int GetTextWidth(GtkWidget* widget, const char* text)
 {
     PangoLayout* const layout = gtk_widget_create_pango_layout(widget, text);

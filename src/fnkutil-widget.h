@@ -82,6 +82,8 @@ enum RowVisibility { ROW_HIDDEN, ROW_PARTLY_VISIBLE, ROW_VISIBLE };
 /// How much of the row's height the scrolled view shows.
 RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 
+/// The first row that is at least partly visible; null when there is none.
+TreePath GetFirstVisiblePath(GtkTreeView* view);
 /// Width of the text as the widget would draw it; pixels.
 int GetTextWidth(GtkWidget* widget, const char* text);
 

@@ -136,8 +136,8 @@ std::string GetHomeDirectory()
 int CheckChildDirectory(const std::string& path)
 {
     const std::string& root = pGTable->RootDir;
-    const std::size_t compared = path.size() > root.size() ? root.size() : root.size() - 1;
-    return path.compare(0, compared, root, 0, compared) == 0 ? 0 : 1;
+    const bool is_root_itself = path.size() + 1 == root.size() && root.starts_with(path);
+    return is_root_itself || path.starts_with(root) ? 0 : 1;
 }
 
 int IsDirectory(const std::string& path)
@@ -433,6 +433,9 @@ void AddHistoryListS(History& list, const std::string& text)
 
 std::string DisplayText(std::string_view bytes)
 {
+    if (bytes.empty()) {
+        return {};
+    }
     const GlibPointer<char> text(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
     return text.get();
 }
