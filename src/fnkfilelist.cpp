@@ -19,6 +19,7 @@ namespace {
 constexpr int kIconWidth = 18;
 constexpr int kScrollBorder = 2;
 constexpr int kNarrowestColumn = 16;
+constexpr int kWidestColumn = 4000;
 /// Insets of a cell on both sides, and a little air.
 constexpr int kCellInsets = 14;
 
@@ -269,7 +270,7 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position)
     MakeClickable(column, static_cast<int>(position) + 1);
     const int stored = pGTable->ColumnSize[position];
     gtk_tree_view_column_set_fixed_width(
-        column, stored > 0 ? std::clamp(stored, kNarrowestColumn, G_MAXSHORT) : NaturalWidth(list, column, id));
+        column, stored > 0 ? std::clamp(stored, kNarrowestColumn, kWidestColumn) : NaturalWidth(list, column, id));
     g_signal_connect(column, "notify::fixed-width", G_CALLBACK(on_FileList_resize_column), GSIZE_TO_POINTER(position));
 }
 

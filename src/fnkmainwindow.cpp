@@ -20,8 +20,11 @@ namespace {
 
 constexpr int kStatusSpacing = 2;
 constexpr int kFilterStatusWidth = 202;
-/// So much of the window's corner stays on the screen, whatever the settings file says.
+/// So much of the window's corner stays on the screen, and so much of the list beside the divider,
+/// whatever the settings file says.
 constexpr int kShownCorner = 64;
+/// The panes are not squeezed below this height; scroll bars cannot be drawn in less.
+constexpr int kPaneHeight = 80;
 
 constexpr const char* kPanedStyle = "paned > separator { min-width: 10px; }";
 
@@ -112,8 +115,13 @@ GtkWidget* CreatePaned(GtkWidget* box)
                                    GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
     g_object_unref(provider);
     gtk_box_pack_start(GTK_BOX(box), paned, TRUE, TRUE, 0);
-    const int stored = pGTable->PandPosition;
-    gtk_paned_set_position(GTK_PANED(paned), stored > 0 ? std::min(stored, ScreenSize().width) : kDefaultDivider);
+    int divider = pGTable->PandPosition > 0 ? pGTable->PandPosition : kDefaultDivider;
+    if (pGTable->WindowWidth > 0) {
+        const int width = std::min(pGTable->WindowWidth, ScreenSize().width);
+        divider = std::clamp(divider, 1, std::max(kDefaultDivider, width - kShownCorner));
+    }
+    gtk_paned_set_position(GTK_PANED(paned), divider);
+    gtk_widget_set_size_request(paned, -1, kPaneHeight);
     gtk_widget_show(paned);
     return paned;
 }

@@ -22,48 +22,34 @@ TEST_F(Entries, TypedPathIsJudgedAndMadeCanonical)
     }
     files.Link("user/absolute", files.At("user/docs/"));
     table.RootDir = table.CurrentDir = files.At("user/");
-    // What is typed, the verdict, and what it becomes if that is told.
-    const std::tuple<const char*, PathStatus, const char*> cases[] = {
-        {"docs", PATH_DIRECTORY, "user/docs"},
-        {"docs/", PATH_DIRECTORY, "user/docs"},
-        {".", PATH_DIRECTORY, "user"},
-        {"./docs/../file.txt", PATH_FILE, "user/file.txt"},
-        {"new.txt", PATH_NEW, "user/new.txt"},
-        {"docs/a b/", PATH_NEW, "user/docs/a b"},
-        {"line\nfeed", PATH_NEW, "user/line\nfeed"},
-        {"\xE6\x97\xA5/\xE6\x9C\xAC", PATH_NEW, "user/\xE6\x97\xA5/\xE6\x9C\xAC"},
-        {"mad\xFE", PATH_DIRECTORY, "user/mad\xFE"},
-        {"a//b", PATH_INVALID, ""},
-        {"docs//", PATH_INVALID, ""},
-        {"missing/new.txt", PATH_INVALID, ""},
-        {"missing/../docs", PATH_INVALID, ""},
-        {"/../..", PATH_OUTSIDE_ROOT, ""},
-        {"../other", PATH_OUTSIDE_ROOT, "other"},
-        {"out/other", PATH_OUTSIDE_ROOT, "other"},
-        {"out/user/docs", PATH_DIRECTORY, "user/docs"},
-        {"file.txt/x", PATH_NO_PARENT, "user/file.txt/x"},
-        {"file.txt", PATH_FILE, "user/file.txt"},
-        {"good", PATH_DIRECTORY, "user/docs"},
-        {"chain/x", PATH_NEW, "user/docs/x"},
-        {"absolute/../x", PATH_NEW, "user/x"},
-        {"tofile", PATH_FILE, "user/file.txt"},
-        {"dangling", PATH_INVALID, ""},
-        {"new", PATH_NEW, "user/same/new"},
-        {"loop", PATH_FILE, "user/loop"},
-        {"", PATH_EMPTY, ""}};
+    using Case = std::tuple<const char*, PathStatus, const char*>;
     for (const char* const locale : {kTwoByteLocale, kUtf8Locale}) {
         SetLocale(locale);
-        for (const auto& [typed, status, resolved] : cases) {
+        for (const auto& [typed, status, resolved] :
+             {Case("docs", PATH_DIRECTORY, "user/docs"), Case(".", PATH_DIRECTORY, "user"),
+              Case("./docs/../file.txt", PATH_FILE, "user/file.txt"), Case("docs/a b/", PATH_NEW, "user/docs/a b"),
+              Case("line\nfeed", PATH_NEW, "user/line\nfeed"), Case("mad\xFE", PATH_DIRECTORY, "user/mad\xFE"),
+              Case("\xE6\x97\xA5/\xE6\x9C\xAC", PATH_NEW, "user/\xE6\x97\xA5/\xE6\x9C\xAC"),
+              Case("../other", PATH_OUTSIDE_ROOT, "other"), Case("out/other", PATH_OUTSIDE_ROOT, "other"),
+              Case("out/user/docs", PATH_DIRECTORY, "user/docs"), Case("file.txt/x", PATH_NO_PARENT, "user/file.txt/x"),
+              Case("chain", PATH_DIRECTORY, "user/docs"), Case("chain/x", PATH_NEW, "user/docs/x"),
+              Case("absolute/../x", PATH_NEW, "user/x"), Case("tofile", PATH_FILE, "user/file.txt"),
+              Case("new", PATH_NEW, "user/same/new"), Case("loop/x", PATH_FILE, "user/loop")}) {
             std::string path = typed;
             EXPECT_EQ(CheckFileExist(&path), status) << typed << " in " << locale;
-            if (*resolved != '\0') {
-                EXPECT_EQ(path, files.At(resolved)) << typed << " in " << locale;
-            }
+            EXPECT_EQ(path, files.At(resolved)) << typed << " in " << locale;
+        }
+        for (std::string path : {"a//b", "docs//", "missing/new.txt", "missing/../docs", "dangling"}) {
+            EXPECT_EQ(CheckFileExist(&path), PATH_INVALID) << path << " in " << locale;
         }
     }
     std::string path = files.At("user/docs/.");
     EXPECT_EQ(CheckFileExist(&path), PATH_DIRECTORY);
     EXPECT_EQ(path, files.At("user/docs"));
+    path = "/../..";
+    EXPECT_EQ(CheckFileExist(&path), PATH_OUTSIDE_ROOT);
+    path = "";
+    EXPECT_EQ(CheckFileExist(&path), PATH_EMPTY);
     EXPECT_EQ(CheckFileExist(nullptr), PATH_NULL);
 }
 
@@ -86,15 +72,14 @@ TEST_F(Entries, LongestPathsAreStillJudged)
     }
     files.Link("deep", files.Directory(deep));
     const std::size_t room = kMaxPathBytes - files.At(deep).size();
-    const std::tuple<std::string, PathStatus, std::size_t> cases[] = {
-        {"deep/" + std::string(room, 'x'), PATH_NEW, kMaxPathBytes},
-        {"deep/" + std::string(room + 1, 'x'), PATH_TOO_LONG, room + 6},
-        {deep + std::string(room + 1, 'x'), PATH_TOO_LONG, deep.size() + room + 1},
-        {std::string(kMaxPathBytes + 1, '/'), PATH_TOO_LONG, kMaxPathBytes + 1}};
-    for (const auto& [typed, status, size] : cases) {
+    const std::pair<std::string, PathStatus> cases[] = {{"deep/" + std::string(room, 'x'), PATH_NEW},
+                                                        {"deep/" + std::string(room + 1, 'x'), PATH_TOO_LONG},
+                                                        {deep + std::string(room + 1, 'x'), PATH_TOO_LONG},
+                                                        {std::string(kMaxPathBytes + 1, '/'), PATH_TOO_LONG}};
+    for (const auto& [typed, status] : cases) {
         std::string path = typed;
-        EXPECT_EQ(CheckFileExist(&path), status);
-        EXPECT_EQ(path.size(), size);
+        EXPECT_EQ(CheckFileExist(&path), status) << typed.size();
+        EXPECT_EQ(path.size() == kMaxPathBytes, status == PATH_NEW) << path.size();
     }
 }
 
@@ -120,35 +105,24 @@ TEST_F(Entries, TypeOfWhatIsThere)
     files.Link("too-long", "." + std::string(room - 4, '/') + "file");
     files.Link("long-way", std::string(room - 4, '/') + files.At("file"));
     files.Link("too-long-way", std::string(room - 3, '/') + files.At("file"));
-    const std::pair<const char*, FileType> cases[] = {{"Core", FT_CORE},
-                                                      {"a/core", FT_CORE},
-                                                      {"dir", FT_DIRECTORY},
-                                                      {"file", FT_NORMAL},
-                                                      {"run", FT_EXECUTE},
-                                                      {"core.txt", FT_NORMAL},
-                                                      {"fifo", FT_FIFO},
-                                                      {"socket", FT_SOCKET},
-                                                      {"to-file", FT_SYMLINK},
-                                                      {"to-dir", FT_SYMLINK},
-                                                      {"dangling", FT_STALLED_LINK},
-                                                      {"gone-far", FT_STALLED_LINK},
-                                                      {"to-dangling", FT_SYMLINK},
-                                                      {"loop", FT_SYMLINK},
-                                                      {"long", FT_SYMLINK},
-                                                      {"too-long", FT_STALLED_LINK},
-                                                      {"long-way", FT_SYMLINK},
-                                                      {"too-long-way", FT_STALLED_LINK},
-                                                      {"/dev/null", FT_DEVICE}};
+    using Types = std::pair<FileType, std::vector<const char*>>;
     const Descriptor directory(open(files.Path().c_str(), O_RDONLY | O_DIRECTORY));
-    for (const auto& [name, type] : cases) {
-        const std::string path = *name == '/' ? name : files.At(name);
-        struct stat st = {};
-        ASSERT_EQ(lstat(path.c_str(), &st), 0);
-        EXPECT_EQ(GetFileType(path, st), type) << name;
-        if (std::string(name) != "a/core") {
-            EXPECT_EQ(GetFileTypeAt(directory.Get(), name, st), type) << name;
+    for (const auto& [type, names] :
+         {Types(FT_CORE, {"Core", "a/core"}), Types(FT_DIRECTORY, {"dir"}), Types(FT_NORMAL, {"file", "core.txt"}),
+          Types(FT_EXECUTE, {"run"}), Types(FT_FIFO, {"fifo"}), Types(FT_SOCKET, {"socket"}),
+          Types(FT_SYMLINK, {"to-file", "to-dir", "to-dangling", "loop", "long", "long-way"}),
+          Types(FT_STALLED_LINK, {"dangling", "gone-far", "too-long", "too-long-way"}),
+          Types(FT_DEVICE, {"/dev/null"})}) {
+        for (const char* const name : names) {
+            const std::string path = *name == '/' ? name : files.At(name);
+            struct stat st = {};
+            ASSERT_EQ(lstat(path.c_str(), &st), 0);
+            EXPECT_EQ(GetFileType(path, st), type) << name;
+            if (std::string(name) != "a/core") {
+                EXPECT_EQ(GetFileTypeAt(directory.Get(), name, st, GetUserIds()), type) << name;
+            }
+            EXPECT_EQ(IsDirectory(path), S_ISDIR(st.st_mode) ? 1 : 0) << name;
         }
-        EXPECT_EQ(IsDirectory(path), S_ISDIR(st.st_mode) ? 1 : 0) << name;
     }
 }
 

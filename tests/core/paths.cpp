@@ -15,30 +15,19 @@ TEST_F(Paths, CharNextStepsByTwoByteRuleOrUtf8)
 {
     constexpr int kNone = -1;
     // Where the delimiter is found by the two-byte rule and in UTF-8.
-    const std::tuple<const char*, char, int, int> cases[] = {{"", '/', kNone, kNone},
-                                                             {"/", '/', 0, 0},
-                                                             {"ab", '/', kNone, kNone},
-                                                             {"\xB0/", '/', kNone, 1},
-                                                             {"a\xB0\x41/", '/', 3, 3},
-                                                             {"\xB0", '/', kNone, kNone},
-                                                             {"\xE6\x97\xA5/", '/', 3, 3},
-                                                             {"\xE6\x97\xA5/\xB0", '/', kNone, 3},
-                                                             {"\xB0\x61/\xE6\x97\xA5/", '/', 2, 2},
-                                                             {"\xE6\x97/", '/', 2, 2},
-                                                             {"\xE6/", '/', kNone, 1},
-                                                             {"\xC0\xAF/\xFF", '/', 2, 2},
-                                                             {"\xF0\x9F\x98\x80/", '/', 4, 4},
-                                                             {"", '\0', kNone, kNone},
-                                                             {"a", '\0', kNone, kNone},
-                                                             {"ab", '\0', 1, 1},
-                                                             {"\xE6\x97\xA5x", '\0', 3, 3},
-                                                             {"\xB0x", '\0', kNone, 1},
-                                                             {"\xB0xy", '\0', 2, 1}};
+    using Case = std::tuple<const char*, char, int, int>;
     const auto position = [](const char* text, char delimiter) {
         const char* const found = CharNext(text, delimiter);
         return found == nullptr ? kNone : found - text;
     };
-    for (const auto& [text, delimiter, two_byte, utf8] : cases) {
+    for (const auto& [text, delimiter, two_byte, utf8] :
+         {Case("", '/', kNone, kNone), Case("/", '/', 0, 0), Case("ab", '/', kNone, kNone),
+          Case("\xB0/", '/', kNone, 1), Case("a\xB0\x41/", '/', 3, 3), Case("\xB0", '/', kNone, kNone),
+          Case("\xE6\x97\xA5/", '/', 3, 3), Case("\xE6\x97\xA5/\xB0", '/', kNone, 3),
+          Case("\xB0\x61/\xE6\x97\xA5/", '/', 2, 2), Case("\xE6\x97/", '/', 2, 2), Case("\xE6/", '/', kNone, 1),
+          Case("\xC0\xAF/\xFF", '/', 2, 2), Case("\xF0\x9F\x98\x80/", '/', 4, 4), Case("", '\0', kNone, kNone),
+          Case("a", '\0', kNone, kNone), Case("ab", '\0', 1, 1), Case("\xE6\x97\xA5x", '\0', 3, 3),
+          Case("\xB0x", '\0', kNone, 1), Case("\xB0xy", '\0', 2, 1)}) {
         SetLocale(kTwoByteLocale);
         EXPECT_EQ(position(text, delimiter), two_byte) << text;
         SetLocale(kUtf8Locale);
@@ -109,7 +98,7 @@ TEST_F(Paths, ChildOfRoot)
     for (const char* const inside : {"/home/user", "/home/user/", "/home/user/docs", "/home/user/../x"}) {
         EXPECT_EQ(CheckChildDirectory(inside), 0) << inside;
     }
-    for (const char* const outside : {"/home/username", "/home/use", "/home/User/x", "/tmp", "/", ""}) {
+    for (const char* const outside : {"/home/username", "/home/userX", "/home/use", "/home/User/x", "/tmp", "/", ""}) {
         EXPECT_EQ(CheckChildDirectory(outside), 1) << outside;
     }
     table.RootDir = "/";
@@ -119,26 +108,14 @@ TEST_F(Paths, ChildOfRoot)
 
 TEST_F(Paths, SizesAreShownRounded)
 {
-    const std::pair<std::uint64_t, const char*> cases[] = {{0, "0KByte"},
-                                                           {1, "0.1KByte"},
-                                                           {51, "0.1KByte"},
-                                                           {153, "0.1KByte"},
-                                                           {154, "0.2KByte"},
-                                                           {512, "0.5KByte"},
-                                                           {972, "0.9KByte"},
-                                                           {973, "1KByte"},
-                                                           {1023, "1KByte"},
-                                                           {1076, "1.1KByte"},
-                                                           {1536, "1.5KByte"},
-                                                           {1048064, "1023.5KByte"},
-                                                           {1048575, "1024KByte"},
-                                                           {1048576, "1MByte"},
-                                                           {1572864, "1.5MByte"},
-                                                           {4294967295, "4096MByte"},
-                                                           {5368709120, "5120MByte"},
-                                                           {1099512152064, "1048576.5MByte"},
-                                                           {UINT64_MAX, "17592186044416MByte"}};
-    for (const auto& [size, text] : cases) {
+    using Case = std::pair<std::uint64_t, const char*>;
+    for (const auto& [size, text] :
+         {Case(0, "0KByte"), Case(1, "0.1KByte"), Case(51, "0.1KByte"), Case(153, "0.1KByte"), Case(154, "0.2KByte"),
+          Case(512, "0.5KByte"), Case(972, "0.9KByte"), Case(973, "1KByte"), Case(1023, "1KByte"),
+          Case(1076, "1.1KByte"), Case(1536, "1.5KByte"), Case(1048064, "1023.5KByte"), Case(1048575, "1024KByte"),
+          Case(1048576, "1MByte"), Case(1572864, "1.5MByte"), Case(4294967295, "4096MByte"),
+          Case(5368709120, "5120MByte"), Case(1099512152064, "1048576.5MByte"),
+          Case(UINT64_MAX, "17592186044416MByte")}) {
         EXPECT_EQ(ConvertSize(size), text) << size;
     }
 }
@@ -169,19 +146,14 @@ TEST_F(Paths, HistoryMovesWhatItKnows)
     // The settings file can bring more than ten.
     const History twelve = {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "x", "y"};
     const std::string longest(kMaxPathBytes, 'x');
-    const std::tuple<History, std::string, History> cases[] = {
-        {{}, "a", {"a"}},
-        {abc, "a", abc},
-        {abc, "b", {"b", "a", "c"}},
-        {abc, "A", {"A", "a", "b", "c"}},
-        {abc, "", abc},
-        {abc, longest, {longest, "a", "b", "c"}},
-        {abc, longest + "x", abc},
-        {ten, "n", {"n", "0", "1", "2", "3", "4", "5", "6", "7", "8"}},
-        {ten, "9", {"9", "0", "1", "2", "3", "4", "5", "6", "7", "8"}},
-        {twelve, "n", {"n", "0", "1", "2", "3", "4", "5", "6", "7", "8", "x", "y"}},
-        {twelve, "y", {"y", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "x"}}};
-    for (const auto& [before, added, after] : cases) {
+    using Case = std::tuple<History, std::string, History>;
+    for (const auto& [before, added, after] :
+         {Case({}, "a", {"a"}), Case(abc, "a", abc), Case(abc, "b", {"b", "a", "c"}),
+          Case(abc, "A", {"A", "a", "b", "c"}), Case(abc, "", abc), Case(abc, longest, {longest, "a", "b", "c"}),
+          Case(abc, longest + "x", abc), Case(ten, "n", {"n", "0", "1", "2", "3", "4", "5", "6", "7", "8"}),
+          Case(ten, "9", {"9", "0", "1", "2", "3", "4", "5", "6", "7", "8"}),
+          Case(twelve, "n", {"n", "0", "1", "2", "3", "4", "5", "6", "7", "8", "x", "y"}),
+          Case(twelve, "y", {"y", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "x"})}) {
         History list = before;
         AddHistoryListS(list, added);
         EXPECT_EQ(list, after) << "after adding " << added.substr(0, 20);

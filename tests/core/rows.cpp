@@ -169,21 +169,14 @@ TEST_F(Rows, CellTexts)
     st.st_uid = 4294967294;
     st.st_gid = 4294967293;
     rows.Add("b", st, FT_NORMAL);
-    const std::tuple<int, const char*, const char*> cases[] = {
-        {COLUMN_NAME, "mad\xEF\xBF\xBD", "b"},
-        {COLUMN_SIZE, "5120MByte", "5120MByte"},
-        {COLUMN_PERMISSION, "-rw-r-----", "-rw-r-----"},
-        {COLUMN_USER, "root", ""},
-        {COLUMN_USER_ID, "0", "-2"},
-        {COLUMN_GROUP, "root", ""},
-        {COLUMN_GROUP_ID, "0", "-3"},
-        {COLUMN_ACCESS_TIME, "Jan 01 1970 09:00", "Jan 01 1970 09:00"},
-        {COLUMN_MODIFICATION_TIME, "Mar 07 2001 09:05", "Mar 07 2001 09:05"},
-        {COLUMN_CHANGE_TIME, "", ""},
-        {COLUMN_INODE, "-2147483647", "-2147483647"},
-        {kColumnKinds, "", ""},
-        {-1, "", ""}};
-    for (const auto& [column, first, second] : cases) {
+    using Case = std::tuple<int, const char*, const char*>;
+    for (const auto& [column, first, second] :
+         {Case(COLUMN_NAME, "mad\xEF\xBF\xBD", "b"), Case(COLUMN_SIZE, "5120MByte", "5120MByte"),
+          Case(COLUMN_PERMISSION, "-rw-r-----", "-rw-r-----"), Case(COLUMN_USER, "root", ""),
+          Case(COLUMN_USER_ID, "0", "-2"), Case(COLUMN_GROUP, "root", ""), Case(COLUMN_GROUP_ID, "0", "-3"),
+          Case(COLUMN_ACCESS_TIME, "Jan 01 1970 09:00", "Jan 01 1970 09:00"),
+          Case(COLUMN_MODIFICATION_TIME, "Mar 07 2001 09:05", "Mar 07 2001 09:05"), Case(COLUMN_CHANGE_TIME, "", ""),
+          Case(COLUMN_INODE, "-2147483647", "-2147483647"), Case(kColumnKinds, "", ""), Case(-1, "", "")}) {
         EXPECT_EQ(rows.CellText(rows.Row(0), column), first) << column;
         EXPECT_EQ(rows.CellText(rows.Row(1), column), second) << column;
     }

@@ -157,6 +157,29 @@ void Settle()
     }
 }
 
+void RunUntilQuit(const std::function<void()>& action)
+{
+    bool expired = false;
+    const guint deadline = g_timeout_add(
+        kDeadlineMilliseconds,
+        [](gpointer data) -> gboolean {
+            *static_cast<bool*>(data) = true;
+            gtk_main_quit();
+            return G_SOURCE_CONTINUE;
+        },
+        &expired);
+    std::function<void()> once = action;
+    g_idle_add(
+        [](gpointer data) -> gboolean {
+            (*static_cast<std::function<void()>*>(data))();
+            return G_SOURCE_REMOVE;
+        },
+        &once);
+    gtk_main();
+    g_source_remove(deadline);
+    EXPECT_FALSE(expired) << "the main loop did not end";
+}
+
 void SendKey(GtkWidget* window, guint key, guint state)
 {
     GdkEvent* const event = gdk_event_new(GDK_KEY_PRESS);
@@ -207,7 +230,7 @@ WindowTest::~WindowTest()
     home_variable.Set(nullptr);
     TerminateGlobalTable();
     if (window_ != nullptr) {
-        gtk_widget_destroy(window_);
+        RunUntilQuit([this] { gtk_widget_destroy(window_); });
     }
 }
 
@@ -216,6 +239,8 @@ void WindowTest::Start(const std::string& root, const std::string& start)
     ASSERT_EQ(window_, nullptr) << "a test can start one window";
     gdk_set_allowed_backends("x11");
     gtk_init(nullptr, nullptr);
+    // So that what an event leads to is done when it has been handled.
+    g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     ASSERT_EQ(InitGlobalTable(), 0);
     TakeDirectories({.version = false, .root = WithSlash(root), .start = start});
     SeedHistories();
@@ -231,17 +256,27 @@ void WindowTest::Start(const std::string& root, const std::string& start)
     gtk_widget_show(window_);
     ReleaseEntryFocus(window_);
     OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
-    ASSERT_TRUE(Await([this] { return gtk_window_is_active(GTK_WINDOW(window_)) != FALSE; }));
+    int paintings = 0;
+    const gulong painting = g_signal_connect_after(pMainW->FileList, "draw",
+                                                   G_CALLBACK(+[](GtkWidget*, cairo_t*, gpointer count) -> gboolean {
+                                                       ++*static_cast<int*>(count);
+                                                       return FALSE;
+                                                   }),
+                                                   &paintings);
+    EXPECT_TRUE(Await([&] { return gtk_window_is_active(GTK_WINDOW(window_)) && paintings > 0; }));
+    g_signal_handler_disconnect(pMainW->FileList, painting);
     Settle();
 }
 
 void WindowTest::Close()
 {
-    GdkEvent* const event = gdk_event_new(GDK_DELETE);
-    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window_)));
-    event->any.send_event = TRUE;
-    gtk_main_do_event(event);
-    gdk_event_free(event);
+    RunUntilQuit([this] {
+        GdkEvent* const event = gdk_event_new(GDK_DELETE);
+        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window_)));
+        event->any.send_event = TRUE;
+        gtk_main_do_event(event);
+        gdk_event_free(event);
+    });
 }
 
 bool WindowTest::Press(guint key, guint state)
@@ -343,14 +378,19 @@ void WindowTest::SelectNames(const Names& names) const
     }
 }
 
-int WindowTest::FirstVisibleRow() const
+RowVisibility WindowTest::RowVisibilityOf(std::size_t row) const
 {
-    GtkTreePath* start = nullptr;
-    if (!gtk_tree_view_get_visible_range(MainList(), &start, nullptr)) {
-        return -1;
+    const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
+    return GetRowVisibility(MainList(), path.get());
+}
+
+std::size_t WindowTest::FirstVisibleRow() const
+{
+    std::size_t row = 0;
+    while (row < ListRows().Count() && RowVisibilityOf(row) == ROW_HIDDEN) {
+        ++row;
     }
-    const TreePath owner(start);
-    return gtk_tree_path_get_indices(start)[0];
+    return row;
 }
 
 std::string WindowTest::StatusShown() const

@@ -26,6 +26,8 @@ using Rows = std::vector<std::size_t>;
 bool Await(const std::function<bool()>& condition);
 /// Handles all that is pending now.
 void Settle();
+/// Performs the action from inside a main loop, which the action is to end, now or by and by.
+void RunUntilQuit(const std::function<void()>& action);
 
 /// An event of a key into a window, as the toolkit would deliver it.
 void SendKey(GtkWidget* window, guint key, guint state = 0);
@@ -45,6 +47,20 @@ private:
 
 /// Whether the directories on disk are still those that the window read.
 enum DiskState { DISK_AS_SHOWN, DISK_CHANGED };
+
+/// A parameter with a name that a test can be called by.
+struct NamedText {
+    const char* name;
+    std::string text;
+};
+inline void PrintTo(const NamedText& text, std::ostream* stream)
+{
+    *stream << text.name;
+}
+inline std::string NameOfText(const ::testing::TestParamInfo<NamedText>& parameter)
+{
+    return parameter.param.name;
+}
 
 /// A test may start one window: the toolkit and the program's records live once a process.
 class WindowTest : public ::testing::Test {
@@ -80,7 +96,9 @@ protected:
     Names ListNames() const;
     Names SelectedNames() const;
     void SelectNames(const Names& names) const;
-    int FirstVisibleRow() const;
+    RowVisibility RowVisibilityOf(std::size_t row) const;
+    /// The first row that is at least partly visible.
+    std::size_t FirstVisibleRow() const;
     std::string StatusShown() const;
     std::string LocationShown() const;
     GtkWidget* Entry() const { return ComboEntry(pMainW->LocationCombo); }

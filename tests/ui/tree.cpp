@@ -141,7 +141,7 @@ TEST_F(Tree, ExpandingAgainShowsNewDirectoriesAndOnlyRescanningDropsOldOnes)
     Visit("beta");
     SetExpanded(files.At("beta"), false);
     files.Directory("beta/new");
-    rmdir(files.At("beta/x").c_str());
+    files.Remove("beta/x");
     SetExpanded(files.At("beta"), true);
     EXPECT_EQ(ChildNames(files.At("beta")), (Names{"new", "x", "y"}));
     RescanTree(MainTree(), pGTable->CurrentDir);
@@ -191,28 +191,30 @@ TEST_F(Tree, ANodeCanBeAddedByPath)
 TEST_F(Tree, ADirectoryThatMayNotBeReadHasNoChildrenAndNoMessage)
 {
     files.Directory("closed/inside");
-    chmod(files.At("closed").c_str(), 0);
-    const OrdinaryUser user({&files, &home});
+    files.SetMode("closed", 0);
     Start();
+    const OrdinaryUser user({&files, &home});
+    ClickTool(TOOL_RESCAN);
     EXPECT_TRUE(IsInTree(files.At("closed")));
     EXPECT_FALSE(HasExpander(files.At("closed")));
     Visit("closed/inside");
     EXPECT_EQ(pGTable->CurrentDir, files.At("closed/"));
     EXPECT_EQ(ListNames(), Names{".."});
     ExpectConsistent();
-    chmod(files.At("closed").c_str(), 0755);
+    files.SetMode("closed", 0755);
     ClickTool(TOOL_RESCAN);
     EXPECT_TRUE(HasExpander(files.At("closed")));
     ExpectConsistent();
 }
 
-class StrangeNames : public WindowTest, public ::testing::WithParamInterface<std::string> {};
+class StrangeNames : public WindowTest, public ::testing::WithParamInterface<NamedText> {};
 
 TEST_P(StrangeNames, AreEnteredLeftRecordedAndStored)
 {
-    const std::string name = GetParam();
+    const std::string& name = GetParam().text;
     files.Directory(name + "/" + name);
-    files.File(name + "/file " + name);
+    const std::string file = name.substr(0, 250) + ".txt";
+    files.File(name + "/" + file);
     Start();
     for (const std::string& step : {name + "/", name + "/" + name + "/"}) {
         DoubleClickRow(name);
@@ -223,7 +225,7 @@ TEST_P(StrangeNames, AreEnteredLeftRecordedAndStored)
     DoubleClickRow("..");
     EXPECT_EQ(pGTable->CurrentDir, files.At(name + "/"));
     ExpectConsistent();
-    SelectNames({"file " + name});
+    SelectNames({file});
     ExpectConsistent();
     ClickTool(TOOL_UP);
     ClickTool(TOOL_BACK);
@@ -242,8 +244,13 @@ TEST_P(StrangeNames, AreEnteredLeftRecordedAndStored)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, StrangeNames,
-                         ::testing::Values("with blanks ", "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E",
-                                           "\xE8\xA1\xA8\xE3\x81\xBD\xE3\x82\xBD", "\xFF\xFE\x80", "half\xE6\x97",
-                                           "two\nlines", "*?[\\", "-dash=\t", std::string(255, 'n')));
+                         ::testing::Values(NamedText{"Blanks", "with blanks "},
+                                           NamedText{"Japanese", "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E"},
+                                           NamedText{"JapaneseOneLetter", "\xE8\xA1\xA8"},
+                                           NamedText{"Invalid", "\xFF\xFE\x80"}, NamedText{"Truncated", "half\xE6\x97"},
+                                           NamedText{"Newline", "two\nlines"}, NamedText{"Pattern", "*?[\\"},
+                                           NamedText{"Controls", "-dash=\t\x01"},
+                                           NamedText{"Long", std::string(255, 'n')}),
+                         NameOfText);
 
 }  // namespace
