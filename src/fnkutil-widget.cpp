@@ -160,11 +160,8 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height)
     return dialog;
 }
 
-int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing)
+GtkWidget* CreateButtonRow(GtkWidget* dialog)
 {
-    if (dialog == nullptr) {
-        return kWidgetError;
-    }
     GtkWidget* const area = DialogActionArea(dialog);
     gtk_container_set_border_width(GTK_CONTAINER(area), 0);
     gtk_widget_show(area);
@@ -173,7 +170,15 @@ int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, Di
     gtk_box_set_spacing(GTK_BOX(box), kButtonSpacing);
     gtk_box_pack_start(GTK_BOX(area), box, TRUE, TRUE, 0);
     gtk_widget_show(box);
+    return box;
+}
 
+int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing)
+{
+    if (dialog == nullptr) {
+        return kWidgetError;
+    }
+    GtkWidget* const box = CreateButtonRow(dialog);
     GtkWidget* last = nullptr;
     if (ok != nullptr) {
         last = *ok = AddDialogButton(box, _("OK"));

@@ -27,6 +27,8 @@ GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const char* const* xpm, int wid
 /// The same with a notebook in it.
 GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height);
 
+/// The row at the bottom of a dialog, for buttons from the right.
+GtkWidget* CreateButtonRow(GtkWidget* dialog);
 /// Adds the button row: OK and Cancel where a place for them is given. The last of them has the
 /// focus and is the default; wired, the window manager's close presses it and it ends the loop.
 /// 0 or kWidgetError.
