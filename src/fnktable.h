@@ -9,6 +9,7 @@
 #include <vector>
 
 typedef struct _GdkPixbuf GdkPixbuf;
+typedef struct _GtkWidget GtkWidget;
 
 /// Longest path in bytes the program works with, "/" of a directory included.
 constexpr std::size_t kMaxPathBytes = 2047;
@@ -63,6 +64,12 @@ struct GTable {
     int HistoryWalk = 0;                 ///< Flag: Back or Forward is under way, do not record the directory.
     int NameColumn = 1;                  ///< List column (the icon column is 0) that shows the name.
     unsigned long TreeSelectSignal = 0;  ///< Handler of the tree selection; 0 while disconnected.
+
+    GtkWidget* ProgressDlg = nullptr;  ///< While a file operation shows one.
+    GtkWidget* ProgressBar = nullptr;
+    int ProgressDone = 0;    ///< Steps reported.
+    int ProgressTotal = 0;   ///< Steps counted beforehand.
+    int ProgressCancel = 0;  ///< Flag: the dialog's Cancel was pressed.
 
     // Stored.
     std::string CurrentDir;  ///< Directory shown in the file list.

@@ -1,0 +1,232 @@
+// Message boxes and the progress dialog: what each answer means, and what cannot be touched
+// meanwhile.
+
+#include <gdk/gdkkeysyms.h>
+
+#include "fnkmessage-box.h"
+#include "fnkmessage.h"
+#include "fnkprogress.h"
+#include "windowtest.h"
+
+namespace {
+
+/// The button of that label, or the label of that text, anywhere below the widget.
+GtkWidget* FindByText(GtkWidget* widget, const std::string& text)
+{
+    const bool is_button = GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) != nullptr;
+    if ((is_button && gtk_button_get_label(GTK_BUTTON(widget)) == text) ||
+        (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == text)) {
+        return widget;
+    }
+    GtkWidget* found = nullptr;
+    if (GTK_IS_CONTAINER(widget)) {
+        const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(widget)),
+                                                                      &g_list_free);
+        for (GList* child = children.get(); child != nullptr && found == nullptr; child = child->next) {
+            found = FindByText(GTK_WIDGET(child->data), text);
+        }
+    }
+    return found;
+}
+
+class Messages : public WindowTest {
+protected:
+    using Act = std::function<void(GtkWidget*)>;
+
+    /// Opens a box and, once it is on the screen, does something to it.
+    static Result Answer(const std::function<Result()>& ask, const Act& act)
+    {
+        const Act* acting = &act;
+        g_idle_add(
+            [](gpointer data) -> gboolean {
+                GtkWidget* const box = gtk_grab_get_current();
+                EXPECT_TRUE(Await([box] { return gtk_window_is_active(GTK_WINDOW(box)) != FALSE; }));
+                (**static_cast<const Act**>(data))(box);
+                return G_SOURCE_REMOVE;
+            },
+            &acting);
+        return ask();
+    }
+    static Act Pressing(const char* label)
+    {
+        return [label](GtkWidget* box) { gtk_button_clicked(GTK_BUTTON(FindByText(box, label))); };
+    }
+    static Act Return()
+    {
+        return [](GtkWidget* box) { SendKey(box, GDK_KEY_Return); };
+    }
+    static Act Closing()
+    {
+        return [](GtkWidget* box) {
+            GdkEvent* const event = gdk_event_new(GDK_DELETE);
+            event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(box)));
+            gtk_main_do_event(event);
+            gdk_event_free(event);
+        };
+    }
+};
+
+TEST_F(Messages, TheLastButtonIsReturnAndClosing)
+{
+    Start();
+    const std::tuple<unsigned, const char*, Result, Result> cases[] = {
+        {STYLE_ERROR, "OK", RESULT_OK, RESULT_OK},      {STYLE_QUESTION, "Yes", RESULT_OK, RESULT_CANCEL},
+        {STYLE_SKIP, "Skip", RESULT_OK, RESULT_CANCEL}, {STYLE_DELETE_QUESTION, "Yes", RESULT_OK, RESULT_CANCEL},
+        {0x40001, "OK", RESULT_OK, RESULT_CANCEL},      {0x10009, "Yes", RESULT_OK, RESULT_OK}};
+    for (const auto& [style, first, pressed, fallback] : cases) {
+        SCOPED_TRACE(style);
+        const auto ask = [style = style] { return MessageBox("Title", "Two\nlines", style); };
+        EXPECT_EQ(Answer(ask, Pressing(first)), pressed);
+        EXPECT_EQ(Answer(ask, Return()), fallback);
+        EXPECT_EQ(Answer(ask, Closing()), fallback);
+    }
+    EXPECT_EQ(gtk_grab_get_current(), nullptr);
+    ExpectConsistent();
+}
+
+TEST_F(Messages, DeletingADirectoryHasFourAnswers)
+{
+    Start();
+    const auto ask = [] { return DeleteMessageBox("/some/dir/"); };
+    const auto ticked = [](const char* label) -> Act {
+        return [label](GtkWidget* box) {
+            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(FindByText(box, "Do the same for the rest")), TRUE);
+            gtk_button_clicked(GTK_BUTTON(FindByText(box, label)));
+        };
+    };
+    EXPECT_EQ(Answer(ask, Pressing("Yes")), RESULT_OK);
+    EXPECT_EQ(Answer(ask, ticked("Yes")), RESULT_YES_ALL);
+    EXPECT_EQ(Answer(ask, ticked("No")), RESULT_CANCEL);
+    EXPECT_EQ(Answer(ask, ticked("Cancel")), RESULT_ABORT);
+    EXPECT_EQ(Answer(ask, Return()), RESULT_ABORT);
+    EXPECT_EQ(Answer(ask, Closing()), RESULT_ABORT);
+}
+
+TEST_F(Messages, ALongPathLosesItsMiddleAndNeverTheReason)
+{
+    Start();
+    const std::string path = "/begin/" + std::string(1900, 'x') + "\xFF/end";
+    const std::string text = FormatPathMessage("Cannot delete file %s\ncause:%s", path, ENOSPC);
+    EXPECT_LT(text.size(), 400U);
+    EXPECT_TRUE(g_utf8_validate(text.c_str(), -1, nullptr));
+    EXPECT_NE(text.find("/begin/xxx"), std::string::npos);
+    EXPECT_TRUE(text.ends_with(std::string("/end\ncause:") + g_strerror(ENOSPC))) << text;
+    Answer([&] { return MessageBox("Error", text, STYLE_SKIP); },
+           [](GtkWidget* box) {
+               int width = 0;
+               gtk_window_get_size(GTK_WINDOW(box), &width, nullptr);
+               EXPECT_LT(width, 800);
+               SendKey(box, GDK_KEY_Return);
+           });
+}
+
+TEST_F(Messages, ABadPathIsSelectedToBeTypedAnew)
+{
+    Start();
+    Type("/typed");
+    const std::pair<PathStatus, const char*> cases[] = {{PATH_EMPTY, "Path is too short."},
+                                                        {PATH_FILE, "The specified file already exists."},
+                                                        {PATH_NULL, "Internal error."},
+                                                        {static_cast<PathStatus>(9), "Internal error."},
+                                                        {static_cast<PathStatus>(15), "Internal error."}};
+    for (const auto& [status, message] : cases) {
+        gtk_editable_select_region(GTK_EDITABLE(Entry()), 0, 0);
+        bool found = false;
+        Answer(
+            [this, status = status] {
+                FileExistMessageBox(status, Entry());
+                return RESULT_OK;
+            },
+            [&found, message = message](GtkWidget* box) {
+                found = FindByText(box, message) != nullptr;
+                SendKey(box, GDK_KEY_Return);
+            });
+        EXPECT_TRUE(found) << message;
+        int begin = 0;
+        int end = 0;
+        EXPECT_TRUE(gtk_editable_get_selection_bounds(GTK_EDITABLE(Entry()), &begin, &end));
+        EXPECT_EQ(end - begin, 6);
+    }
+}
+
+class Progress : public Messages {
+protected:
+    std::vector<std::string> MakeItems()
+    {
+        files.File("tree/a");
+        files.File("tree/below/b");
+        files.File("tree/below/c");
+        files.Directory("tree/empty");
+        files.Link("tree/link", "/");
+        files.File("single");
+        return {files.At("tree/"), files.At("single")};
+    }
+    static double Fraction() { return gtk_progress_bar_get_fraction(GTK_PROGRESS_BAR(pGTable->ProgressBar)); }
+};
+
+TEST_F(Progress, CountsWhatIsNoDirectoryAndEndsByItself)
+{
+    const std::vector<std::string> items = MakeItems();
+    Start();
+    SetupProgress(items, OPERATION_DELETE);
+    ASSERT_NE(pGTable->ProgressDlg, nullptr);
+    EXPECT_EQ(pGTable->ProgressTotal, 5);
+    EXPECT_NE(FindByText(pGTable->ProgressDlg, "File deleting..."), nullptr);
+    for (int step = 1; step < 5; ++step) {
+        EXPECT_EQ(UpdateProgress(), 0);
+        ASSERT_NE(pGTable->ProgressDlg, nullptr);
+        // The bar follows at the next picture, not at every step.
+        const gint64 deadline = g_get_monotonic_time() + 5 * G_USEC_PER_SEC;
+        while (Fraction() != step / 5.0 && g_get_monotonic_time() < deadline) {
+            EXPECT_FALSE(KeepPainting());
+        }
+        EXPECT_EQ(Fraction(), step / 5.0);
+        // The window below takes no key.
+        SendKey(pMainW->MainWindow, GDK_KEY_Tab);
+        EXPECT_EQ(CountListSelection(), 0U);
+    }
+    EXPECT_EQ(UpdateProgress(), 0);
+    EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    EXPECT_EQ(UpdateProgress(), 0) << "one more step than was counted";
+    EXPECT_NE(gtk_grab_get_current(), nullptr) << "the command has not ended yet";
+    EndProgress();
+    EXPECT_EQ(gtk_grab_get_current(), nullptr);
+    ExpectConsistent();
+}
+
+TEST_F(Progress, CancelIsToldOnceAtTheNextStep)
+{
+    const std::vector<std::string> items = MakeItems();
+    Start();
+    for (const bool by_closing : {false, true}) {
+        SetupProgress(items, OPERATION_COPY);
+        EXPECT_EQ(UpdateProgress(), 0);
+        (by_closing ? Closing() : Pressing("Cancel"))(pGTable->ProgressDlg);
+        EXPECT_TRUE(KeepPainting());
+        EXPECT_EQ(static_cast<unsigned>(UpdateProgress()), RESULT_CANCEL);
+        EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+        EXPECT_FALSE(KeepPainting());
+        EXPECT_EQ(UpdateProgress(), 0);
+        EndProgress();
+        EXPECT_EQ(gtk_grab_get_current(), nullptr);
+    }
+}
+
+TEST_F(Progress, WithoutADialogTheWindowStillTakesNoInput)
+{
+    const std::vector<std::string> items = MakeItems();
+    Start();
+    pGTable->ShowProgress = 0;
+    SetupProgress(items, OPERATION_MOVE);
+    EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    const int row = static_cast<int>(RowOf("single"));
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    Click(MainList(), path.get());
+    EXPECT_EQ(CountListSelection(), 0U);
+    EXPECT_EQ(UpdateProgress(), 0);
+    EndProgress();
+    Click(MainList(), path.get());
+    EXPECT_EQ(CountListSelection(), 1U);
+}
+
+}  // namespace
