@@ -1,11 +1,71 @@
 #include "fnkfilemenu.h"
 
+#include "fnkdirtree.h"
+#include "fnkfilelist.h"
+#include "fnkfilemenu-targets.h"
+#include "fnkfiles-delete.h"
+#include "fnkmainwindow-record.h"
+#include "fnkstring.h"
 #include "fnktable-life.h"
 #include "fnktoolbar.h"
+#include "fnkutil.h"
+
+namespace {
+
+/// The top directory itself cannot be deleted, or be gone from.
+bool HasChangeableTarget()
+{
+    if (CountListSelection() > 0) {
+        return true;
+    }
+    return GetTreeSelect(MainTree(), nullptr, nullptr) && pGTable->CurrentDir != pGTable->RootDir;
+}
+
+bool ConfirmDelete(const std::string& description)
+{
+    return !pGTable->ConfilmDel || MessageBox(_("Delete"), FormatText(_("Delete %s ?"), description.c_str()),
+                                              STYLE_DELETE_QUESTION) == RESULT_OK;
+}
+
+void DeletePaths(const std::vector<std::string>& paths, const std::string& parent)
+{
+    Result answer = RESULT_CANCEL;
+    for (const std::string& path : paths) {
+        if (RemoveFile(path, &answer) == RESULT_CANCEL) {
+            DestroyProgressDlg();
+            return;
+        }
+        if (answer == RESULT_OK) {
+            answer = RESULT_CANCEL;  // It was for this item only.
+        }
+        if (path == pGTable->CurrentDir && !IsDirectory(path)) {
+            pGTable->CurrentDir = parent;
+        }
+    }
+}
+
+}  // namespace
 
 void on_Menu_File_activate(GtkWidget*, gpointer)
 {
+    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_DELETE], HasChangeableTarget());
     SensitivePropertyButton();
+}
+
+void on_Menu_Delete_activate(GtkWidget*, gpointer)
+{
+    std::vector<std::string> paths;
+    std::string description;
+    if (!HasChangeableTarget() || GetFileOperationString(paths, &description) == SELECTION_NONE ||
+        !ConfirmDelete(description)) {
+        return;
+    }
+    const std::string parent = GetParentDirectory(paths.front());
+    SetupProgress(paths, OPERATION_DELETE);
+    DeletePaths(paths, parent);
+    EndProgress();
+    RescanTree(MainTree(), parent);
+    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
 }
 
 void on_Menu_CloseWindow_activate(GtkWidget*, gpointer)

@@ -5,4 +5,6 @@
 
 /// The menu opens: what its entries can do now.
 void on_Menu_File_activate(GtkWidget* item, gpointer data);
+/// Deletes the selection, after a question if the settings say so.
+void on_Menu_Delete_activate(GtkWidget* item, gpointer data);
 void on_Menu_CloseWindow_activate(GtkWidget* item, gpointer data);

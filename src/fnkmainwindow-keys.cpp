@@ -71,7 +71,7 @@ bool IsNavigationKey(guint key)
 void ScrollTo(GtkTreeView* view, GtkTreePath* path, Direction direction)
 {
     if (GetRowVisibility(view, path) != ROW_VISIBLE) {
-        gtk_tree_view_scroll_to_cell(view, path, nullptr, TRUE, direction == DIRECTION_UP ? 0.0F : 1.0F, 0.0F);
+        ScrollRowTo(view, path, direction == DIRECTION_UP ? 0.0 : 1.0);
     }
 }
 
@@ -225,11 +225,8 @@ void ListKeyPress(const GdkEventKey& event, guint key)
 void SelectNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node, Direction direction)
 {
     const TreePath path = walk.PathOf(node);
-    const bool was_visible = GetRowVisibility(tree, path.get()) == ROW_VISIBLE;
+    ScrollTo(tree, path.get(), direction);
     SetTreeSelectNode(tree, node);
-    if (!was_visible) {
-        gtk_tree_view_scroll_to_cell(tree, path.get(), nullptr, TRUE, direction == DIRECTION_UP ? 0.0F : 1.0F, 0.0F);
-    }
 }
 
 /// Left: an expanded node collapses, any other has its parent collapse. The root stays open while

@@ -37,7 +37,7 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Open(_O)"), nullptr, GDK_KEY_F3},
     {MENU_ITEM, N_("Copy(_C)...")},
     {MENU_ITEM, N_("Move(_M)...")},
-    {MENU_ITEM, N_("Delete(_D)...")},
+    {MENU_ITEM, N_("Delete(_D)..."), on_Menu_Delete_activate},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Property(_P)...")},
     {MENU_SEPARATOR},

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "fnkfiles-sync.h"
 #include "fnkmainwindow-record.h"
 #include "fnkmessage.h"
 #include "fnkstring.h"
@@ -158,6 +159,7 @@ void EndProgress()
         UpdateProgress();
         DestroyProgressDlg();
     }
+    FlushChanges();
     ReleaseInput();
 }
 

@@ -21,7 +21,7 @@ int UpdateProgress();
 /// step, it is cheap when called more often. True when Cancel was pressed.
 bool KeepPainting();
 
-/// Ends the run: a full bar, and the dialog closes.
+/// Ends the run: a full bar, the dialog closes, and what was done is put on the disk.
 void EndProgress();
 void DestroyProgressDlg();
 void RaiseProgressDlg();

@@ -429,20 +429,39 @@ void AddHistoryListC(GtkWidget* combo, History& list)
     }
 }
 
-RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path)
+namespace {
+
+/// Where the row is, in coordinates of the whole tree.
+GdkRectangle GetRowArea(GtkTreeView* view, GtkTreePath* path)
 {
     GdkRectangle row;
-    GdkRectangle visible;
     gtk_tree_view_get_background_area(view, path, nullptr, &row);
+    gtk_tree_view_convert_bin_window_to_tree_coords(view, 0, row.y, nullptr, &row.y);
+    return row;
+}
+
+}  // namespace
+
+RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path)
+{
+    const GdkRectangle row = GetRowArea(view, path);
+    GdkRectangle visible;
     gtk_tree_view_get_visible_rect(view, &visible);
-    int top = 0;
-    gtk_tree_view_convert_bin_window_to_tree_coords(view, 0, row.y, nullptr, &top);
-    const int bottom = top + row.height;
+    const int bottom = row.y + row.height;
     const int visible_bottom = visible.y + visible.height;
-    if (row.height <= 0 || bottom <= visible.y || top >= visible_bottom) {
+    if (row.height <= 0 || bottom <= visible.y || row.y >= visible_bottom) {
         return ROW_HIDDEN;
     }
-    return top >= visible.y && bottom <= visible_bottom ? ROW_VISIBLE : ROW_PARTLY_VISIBLE;
+    return row.y >= visible.y && bottom <= visible_bottom ? ROW_VISIBLE : ROW_PARTLY_VISIBLE;
+}
+
+void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment)
+{
+    const GdkRectangle row = GetRowArea(view, path);
+    GdkRectangle visible;
+    gtk_tree_view_get_visible_rect(view, &visible);
+    gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view)),
+                             row.y - alignment * (visible.height - row.height));
 }
 
 TreePath GetFirstVisiblePath(GtkTreeView* view)
@@ -502,9 +521,12 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
     GtkWidget* const area = gtk_statusbar_get_message_area(GTK_STATUSBAR(status_bar));
     const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(area)),
                                                                   &g_list_free);
+    const std::string shown = DisplayText(text);
     if (children != nullptr) {
-        gtk_label_set_text(GTK_LABEL(children->data), DisplayText(text).c_str());
+        gtk_label_set_text(GTK_LABEL(children->data), shown.c_str());
     }
+    // The bar's name says which bar it is, and hides the label from screen readers.
+    atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
 }
 
 void SetAccessibleName(GtkWidget* widget, const char* name)

@@ -84,6 +84,9 @@ enum RowVisibility { ROW_HIDDEN, ROW_PARTLY_VISIBLE, ROW_VISIBLE };
 /// How much of the row's height the scrolled view shows.
 RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 
+/// Scrolls at once, so that the row sits at the top (0.0) or the bottom (1.0) of the view. The
+/// toolkit's own way waits for its next turn; keys that come faster would still see the old page.
+void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment);
 /// The first row that is at least partly visible; null when there is none.
 TreePath GetFirstVisiblePath(GtkTreeView* view);
 /// Width of the text as the widget would draw it; pixels.
@@ -96,7 +99,7 @@ void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell);
 /// Takes the focus out of every entry of the window, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
-/// The label of a status bar, set without its stack of messages.
+/// The label of a status bar, set without its stack of messages; its description says the same.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
 /// A tree view of that name for screen readers. It never has the focus, but a click on it takes
 /// the focus out of an entry: whoever clicks a row wants the keys to act there. The name is given only when one asks

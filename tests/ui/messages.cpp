@@ -3,6 +3,8 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <filesystem>
+
 #include "fnkmessage-box.h"
 #include "fnkmessage.h"
 #include "fnkprogress.h"
@@ -227,6 +229,88 @@ TEST_F(Progress, WithoutADialogTheWindowStillTakesNoInput)
     EndProgress();
     Click(MainList(), path.get());
     EXPECT_EQ(CountListSelection(), 1U);
+}
+
+class DeleteCommand : public Messages {
+protected:
+    static void Delete() { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_DELETE])); }
+    /// The command, and what each of its boxes is answered in turn.
+    static void DeleteAnswering(const std::vector<const char*>& labels)
+    {
+        static std::vector<const char*> left;
+        left = labels;
+        // Looks again and again, as the boxes come and go while the command runs.
+        const guint source = g_timeout_add(
+            10,
+            [](gpointer) -> gboolean {
+                GtkWidget* const box = gtk_grab_get_current();
+                GtkWidget* const button = box == nullptr || left.empty() || box == pGTable->ProgressDlg
+                                              ? nullptr
+                                              : FindByText(box, left.front());
+                if (button != nullptr) {
+                    left.erase(left.begin());
+                    gtk_button_clicked(GTK_BUTTON(button));
+                }
+                return G_SOURCE_CONTINUE;
+            },
+            nullptr);
+        Delete();
+        g_source_remove(source);
+        EXPECT_TRUE(left.empty()) << left.front() << " was never asked for";
+        EXPECT_EQ(gtk_grab_get_current(), nullptr);
+    }
+    static bool IsDeleteOffered()
+    {
+        GtkWidget* const menu = gtk_widget_get_parent(pMainW->MenuItem[MENU_DELETE]);
+        gtk_menu_item_activate(GTK_MENU_ITEM(gtk_menu_get_attach_widget(GTK_MENU(menu))));
+        return gtk_widget_get_sensitive(pMainW->MenuItem[MENU_DELETE]) != FALSE;
+    }
+};
+
+TEST_F(DeleteCommand, DeletesWhatIsSelectedAndShowsWhatIsLeft)
+{
+    files.File("a");
+    files.File("b");
+    files.File("tree/x");
+    files.File("tree/below/y");
+    files.File("keep");
+    Start();
+    EXPECT_FALSE(IsDeleteOffered()) << "the top directory";
+    SelectNames({"a", "tree"});
+    EXPECT_TRUE(IsDeleteOffered());
+    DeleteAnswering({"No"});
+    EXPECT_EQ(ListNames(), (Names{"..", "tree", "a", "b", "keep"}));
+    EXPECT_EQ(CountListSelection(), 2U);
+    DeleteAnswering({"Yes", "Cancel"});
+    EXPECT_TRUE(std::filesystem::exists(files.At("tree/below/y")));
+    ExpectConsistent();
+    SelectNames({"tree", "b"});
+    DeleteAnswering({"Yes", "Yes"});
+    EXPECT_FALSE(std::filesystem::exists(files.At("tree")));
+    EXPECT_FALSE(std::filesystem::exists(files.At("b")));
+    EXPECT_TRUE(std::filesystem::exists(files.At("keep")));
+    ExpectConsistent();
+}
+
+TEST_F(DeleteCommand, TheDirectoryThatIsShownLeadsToItsParent)
+{
+    files.File("up/shown/file");
+    Start();
+    pGTable->ConfilmDel = 0;
+    Visit("up/shown");
+    ASSERT_TRUE(IsDeleteOffered());
+    DeleteAnswering({"No"});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("up/shown/")) << "it was declined";
+    ExpectConsistent();
+    DeleteAnswering({"Yes"});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("up/"));
+    EXPECT_FALSE(std::filesystem::exists(files.At("up/shown")));
+    ExpectConsistent();
+    // Without questions and without a dialog.
+    pGTable->ShowProgress = 0;
+    DeleteAnswering({});
+    EXPECT_EQ(pGTable->CurrentDir, files.Path());
+    ExpectConsistent();
 }
 
 }  // namespace
