@@ -239,6 +239,10 @@ void WindowTest::Start(const std::string& root, const std::string& start)
     ASSERT_EQ(window_, nullptr) << "a test can start one window";
     gdk_set_allowed_backends("x11");
     gtk_init(nullptr, nullptr);
+    // Away from where windows open: a button that comes up under the pointer shows its tip.
+    GdkDisplay* const display = gdk_display_get_default();
+    gdk_device_warp(gdk_seat_get_pointer(gdk_display_get_default_seat(display)),
+                    gdk_display_get_default_screen(display), 10'000, 10'000);
     // So that what an event leads to is done when it has been handled.
     g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     ASSERT_EQ(InitGlobalTable(), 0);

@@ -120,6 +120,7 @@ TEST_P(StartUp, FromBadSettingsGivesAUsableWindow)
 {
     files.Directory("a");
     files.File("f");
+    SCOPED_TRACE(GetParam().text.substr(0, GetParam().text.find('\n')));
     Settings(GetParam().text);
     Start();
     ExpectConsistent();
@@ -171,7 +172,7 @@ std::string Geometry(const char* number)
 std::string RandomBytes()
 {
     SeededRandom random;
-    std::string bytes = "[Main Window]\nWindowX=";
+    std::string bytes = random.Trace() + "\n[Main Window]\nWindowX=";
     for (int i = 0; i < 20'000; ++i) {
         bytes += static_cast<char>(random.Below(255) + 1);
     }

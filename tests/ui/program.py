@@ -48,6 +48,8 @@ class Fennick:
         self.home = home
         self.errors = tempfile.TemporaryFile()
         environment = dict(os.environ, HOME=home, LC_ALL="C.UTF-8")
+        # A button that comes up under the pointer would show its tip.
+        run("xdotool", "mousemove", "10000", "10000")
         self.process = subprocess.Popen([PROGRAM, *arguments], env=environment, stderr=self.errors)
         self.window = wait_for("a window", self.find_window)
         self.application = wait_for("the accessible program", self.find_application)
