@@ -61,14 +61,15 @@ void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<S
         while (!existing.empty() && existing.back().name > child->name) {
             existing.pop_back();
         }
-        GtkTreeIter node;
         if (!existing.empty() && existing.back().name == child->name) {
-            node = existing.back().node;
+            AddEarlyChild(store, &existing.back().node, child->early_child);
             existing.pop_back();
-        } else {
-            node = InsertNode(store, parent, existing.size(), child->name);
+            continue;
         }
-        AddEarlyChild(store, &node, child->early_child);
+        GtkTreeIter node = InsertNode(store, parent, existing.size(), child->name);
+        if (!child->early_child.empty()) {
+            InsertNode(store, &node, 0, child->early_child);
+        }
     }
 }
 

@@ -67,12 +67,9 @@ ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirec
     const std::size_t length = WithSlash(directory).size();
     while (const struct dirent* const entry = readdir(stream.get())) {
         if (IsEligible(descriptor, *entry, RoomBelow(length))) {
-            found.push_back({entry->d_name, {}});
+            const std::size_t room = RoomBelow(length + std::strlen(entry->d_name) + 1);
+            found.push_back({entry->d_name, FindFirstSubdirectory(descriptor, entry->d_name, room)});
         }
-    }
-    for (Subdirectory& child : found) {
-        child.early_child =
-            FindFirstSubdirectory(descriptor, child.name.c_str(), RoomBelow(length + child.name.size() + 1));
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
     return SCAN_DONE;
