@@ -1,7 +1,6 @@
 #include "fnkdirtree-scan.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,23 +11,14 @@
 
 namespace {
 
-bool IsSubdirectory(int directory, const struct dirent& entry)
-{
-    if (entry.d_type != DT_UNKNOWN) {
-        return entry.d_type == DT_DIR;
-    }
-    struct stat st = {};
-    return fstatat(directory, entry.d_name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
-}
-
 /// room is how many bytes a name may have.
 bool IsEligible(int directory, const struct dirent& entry, std::size_t room)
 {
     const char* const name = entry.d_name;
-    if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0 || CheckFileName(name) == 0) {
+    if (IsDotOrDotDot(name) || CheckFileName(name) == 0) {
         return false;
     }
-    return IsSubdirectory(directory, entry) && std::strlen(name) <= room;
+    return IsDirectoryEntry(directory, entry) && std::strlen(name) <= room;
 }
 
 std::size_t RoomBelow(std::size_t path_length)

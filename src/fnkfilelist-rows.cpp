@@ -120,11 +120,6 @@ void FileRows::ShrinkToFit()
 
 namespace {
 
-bool IsDotOrDotDot(const char* name)
-{
-    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
-}
-
 bool IsListed(const char* name, const struct stat& st)
 {
     return S_ISDIR(st.st_mode) || CheckFilter(name) != 0;

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstring>
 #include <vector>
 
 #include "fnkfiles-sync.h"
@@ -72,7 +71,7 @@ bool ListEntries(DIR* stream, std::vector<std::string>& names)
 {
     errno = 0;
     while (const struct dirent* const entry = readdir(stream)) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
+        if (!IsDotOrDotDot(entry->d_name)) {
             names.emplace_back(entry->d_name);
         }
     }

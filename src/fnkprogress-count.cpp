@@ -1,22 +1,10 @@
 #include <fcntl.h>
-#include <sys/stat.h>
-
-#include <cstring>
 
 #include "fnkprogress.h"
 #include "fnkraii.h"
 #include "fnkutil.h"
 
 namespace {
-
-bool IsDirectoryEntry(int directory, const struct dirent& entry)
-{
-    if (entry.d_type != DT_UNKNOWN) {
-        return entry.d_type == DT_DIR;
-    }
-    struct stat st = {};
-    return fstatat(directory, entry.d_name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
-}
 
 /// Walks by descriptor, so that a directory exchanged for a link under way leads nowhere else.
 int CountBelow(int parent, const char* name)
@@ -30,7 +18,7 @@ int CountBelow(int parent, const char* name)
     const int directory = dirfd(stream.get());
     int count = 0;
     while (const struct dirent* const entry = readdir(stream.get())) {
-        if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) {
+        if (IsDotOrDotDot(entry->d_name)) {
             continue;
         }
         count += IsDirectoryEntry(directory, *entry) ? CountBelow(directory, entry->d_name) : 1;

@@ -146,6 +146,20 @@ int IsDirectory(const std::string& path)
     return lstat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode) ? 1 : 0;
 }
 
+bool IsDirectoryEntry(int directory, const struct dirent& entry)
+{
+    if (entry.d_type != DT_UNKNOWN) {
+        return entry.d_type == DT_DIR;
+    }
+    struct stat st = {};
+    return fstatat(directory, entry.d_name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool IsDotOrDotDot(const char* name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
 DisplaySize RoundSize(std::uint64_t size)
 {
     constexpr std::uint64_t kKilo = 1024;

@@ -2,6 +2,7 @@
 // Paths, names, file types and histories: small functions without state of their own.
 // Paths are byte strings; what is shown of them goes through DisplayText.
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 #include <cstdint>
@@ -81,6 +82,11 @@ struct DisplaySize {
     bool mega;       ///< Whether the unit is 1024 * 1024 bytes, else 1024.
 };
 DisplaySize RoundSize(std::uint64_t size);
+/// Whether an entry read from the open directory is a directory; asks the disk only where reading
+/// did not tell.
+bool IsDirectoryEntry(int directory, const struct dirent& entry);
+/// The two entries that every directory has.
+bool IsDotOrDotDot(const char* name);
 /// Display form of a byte count, as "1.5KByte"; at least "0.1KByte" for anything but 0.
 std::string ConvertSize(std::uint64_t size);
 /// 1 when an entry of this name is shown under ShowHidden and ShowBackup, else 0.
