@@ -31,7 +31,8 @@ void DeletePaths(const std::vector<std::string>& paths, const std::string& paren
 {
     Result answer = RESULT_CANCEL;
     for (const std::string& path : paths) {
-        if (RemoveFile(path, &answer) == RESULT_CANCEL) {
+        // Cancel may have been pressed while the files were counted: then not even one is deleted.
+        if (KeepPainting() || RemoveFile(path, &answer) == RESULT_CANCEL) {
             DestroyProgressDlg();
             return;
         }

@@ -180,6 +180,14 @@ void RunUntilQuit(const std::function<void()>& action)
     EXPECT_FALSE(expired) << "the main loop did not end";
 }
 
+void SendClose(GtkWidget* window)
+{
+    GdkEvent* const event = gdk_event_new(GDK_DELETE);
+    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
+    gtk_main_do_event(event);
+    gdk_event_free(event);
+}
+
 void SendKey(GtkWidget* window, guint key, guint state)
 {
     GdkEvent* const event = gdk_event_new(GDK_KEY_PRESS);

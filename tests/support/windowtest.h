@@ -32,6 +32,9 @@ void RunUntilQuit(const std::function<void()>& action);
 /// An event of a key into a window, as the toolkit would deliver it.
 void SendKey(GtkWidget* window, guint key, guint state = 0);
 
+/// What the window manager's close button sends to the window.
+void SendClose(GtkWidget* window);
+
 /// While it lives, files are read with the rights of a user whom permissions stop. The display was
 /// connected before and stays so. The directories are given to that user.
 class OrdinaryUser {

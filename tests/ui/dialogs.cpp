@@ -46,13 +46,6 @@ protected:
         });
         return dialog;
     }
-    static void SendClose(GtkWidget* window)
-    {
-        GdkEvent* const event = gdk_event_new(GDK_DELETE);
-        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
-        gtk_main_do_event(event);
-        gdk_event_free(event);
-    }
 };
 
 TEST_F(Dialogs, ReturnPressesCancelAndTheParentIsInsensitiveMeanwhile)

@@ -57,15 +57,7 @@ protected:
     {
         return [](GtkWidget* box) { SendKey(box, GDK_KEY_Return); };
     }
-    static Act Closing()
-    {
-        return [](GtkWidget* box) {
-            GdkEvent* const event = gdk_event_new(GDK_DELETE);
-            event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(box)));
-            gtk_main_do_event(event);
-            gdk_event_free(event);
-        };
-    }
+    static Act Closing() { return SendClose; }
 };
 
 TEST_F(Messages, TheLastButtonIsReturnAndClosing)
@@ -310,6 +302,28 @@ TEST_F(DeleteCommand, TheDirectoryThatIsShownLeadsToItsParent)
     pGTable->ShowProgress = 0;
     DeleteAnswering({});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
+    ExpectConsistent();
+}
+
+TEST_F(DeleteCommand, CancelWhileTheFilesAreCountedDeletesNothing)
+{
+    files.File("a");
+    files.File("b");
+    Start();
+    pGTable->ConfilmDel = 0;
+    SelectNames({"a", "b"});
+    // Its turn comes when the dialog is painted for the first time, before anything is counted.
+    g_idle_add(
+        [](gpointer) -> gboolean {
+            EXPECT_EQ(pGTable->ProgressTotal, 0);
+            gtk_button_clicked(GTK_BUTTON(FindByText(pGTable->ProgressDlg, "Cancel")));
+            return G_SOURCE_REMOVE;
+        },
+        nullptr);
+    Delete();
+    EXPECT_EQ(files.Names(), (Names{"a", "b"}));
+    EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    EXPECT_EQ(gtk_grab_get_current(), nullptr);
     ExpectConsistent();
 }
 
