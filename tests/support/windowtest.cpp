@@ -282,13 +282,7 @@ void WindowTest::Start(const std::string& root, const std::string& start)
 
 void WindowTest::Close()
 {
-    RunUntilQuit([this] {
-        GdkEvent* const event = gdk_event_new(GDK_DELETE);
-        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window_)));
-        event->any.send_event = TRUE;
-        gtk_main_do_event(event);
-        gdk_event_free(event);
-    });
+    RunUntilQuit([this] { SendClose(window_); });
 }
 
 bool WindowTest::Press(guint key, guint state)
