@@ -1,55 +1,30 @@
 #include "fnkfiles-delete.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <vector>
 
 #include "fnkfiles-sync.h"
-#include "fnkraii.h"
 #include "fnkstring.h"
 #include "fnkutil.h"
 
-namespace {
-
-/// An object by its directory and its name there; path is what messages call it.
-struct Place {
-    int directory;
-    const std::string& name;
-    const std::string& path;
-};
-
-std::string WithoutSlash(std::string path)
-{
-    if (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    return path;
-}
-
-bool IsDirectoryAt(const Place& place)
-{
-    struct stat st = {};
-    return fstatat(place.directory, place.name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
-}
-
-Result Step()
+Result ReportStep()
 {
     return static_cast<Result>(UpdateProgress());
 }
 
-/// Reports that the object cannot be deleted; RESULT_OK to skip it.
 Result ReportUndeleted(const std::string& path, int error)
 {
     return MessageBox(_("Error"), FormatPathMessage(_("Cannot delete file %s\ncause:%s"), path, error), STYLE_SKIP);
 }
 
-Result RemoveObject(const Place& place, StepCount counted)
+Result RemoveFileInternal(const Place& place, StepCount counted)
 {
     struct stat st = {};
-    if (fstatat(place.directory, place.name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
-        return kDone;
+    if (!GetStatus(place, &st)) {
+        return RESULT_DONE;
     }
     const bool is_directory = S_ISDIR(st.st_mode);
     bool skipped = false;
@@ -61,35 +36,24 @@ Result RemoveObject(const Place& place, StepCount counted)
         skipped = true;
     }
     NoteChange();
-    const Result progress = !is_directory && counted == STEP_COUNTED ? Step() : kDone;
-    return progress != kDone ? progress : skipped ? RESULT_OK : kDone;
+    const Result progress = !is_directory && counted == STEP_COUNTED ? ReportStep() : RESULT_DONE;
+    return progress != RESULT_DONE ? progress : skipped ? RESULT_OK : RESULT_DONE;
 }
 
-/// Read whole before anything is deleted: file systems differ in what a directory that is being
-/// read makes of its entries' removal.
-bool ListEntries(DIR* stream, std::vector<std::string>& names)
-{
-    errno = 0;
-    while (const struct dirent* const entry = readdir(stream)) {
-        if (!IsDotOrDotDot(entry->d_name)) {
-            names.emplace_back(entry->d_name);
-        }
-    }
-    return errno == 0;
-}
+namespace {
 
-/// Asks before the first directory that is not empty. kDone: it may be emptied.
+/// Asks before the first directory that is not empty. RESULT_DONE: it may be emptied.
 Result AskOnce(const std::string& path, Result* answer)
 {
     if (*answer != RESULT_CANCEL) {
-        return kDone;
+        return RESULT_DONE;
     }
     const Result given = DeleteMessageBox(path);
     switch (given) {
     case RESULT_OK:
     case RESULT_YES_ALL:
         *answer = given;
-        return kDone;
+        return RESULT_DONE;
     case RESULT_CANCEL:
         return RESULT_OK;  // This one stays; the next is asked about again.
     default:
@@ -108,7 +72,7 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
     }
     bool something_stays = false;
     for (const std::string& name : names) {
-        if (const Result asked = AskOnce(path, answer); asked != kDone) {
+        if (const Result asked = AskOnce(path, answer); asked != RESULT_DONE) {
             return asked;
         }
         const std::string entry_path = WithSlash(path) + name;
@@ -119,45 +83,36 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
         }
         something_stays = something_stays || result == RESULT_OK;
     }
-    return something_stays ? RESULT_OK : kDone;
+    return something_stays ? RESULT_OK : RESULT_DONE;
 }
 
 Result RemoveTree(const Place& place, Result* answer)
 {
-    if (!IsDirectoryAt(place)) {
-        return RemoveObject(place, STEP_COUNTED);
+    if (!IsDirectory(place)) {
+        return RemoveFileInternal(place, STEP_COUNTED);
     }
-    Descriptor descriptor(
-        openat(place.directory, place.name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
-    const DirectoryStream stream(descriptor ? fdopendir(descriptor.Get()) : nullptr);
+    const DirectoryStream stream = OpenDirectory(place);
     if (stream == nullptr) {
         return RESULT_CANCEL;
     }
-    descriptor.Release();  // The stream closes it.
     const Result emptied = EmptyDirectory(stream.get(), place.path, answer);
-    return emptied != kDone ? emptied : RemoveObject(place, STEP_NOT_COUNTED);
-}
-
-/// Calls remove with the object's place; an object whose directory cannot be entered is not there.
-template <typename Remove>
-Result AtPlace(const std::string& path, Remove remove)
-{
-    const std::string bare = WithoutSlash(path);
-    const std::string name = GetLastPath(bare);
-    const Descriptor parent(open(GetParentDirectory(bare).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return parent && !name.empty() ? remove(Place{parent.Get(), name, path}) : kDone;
+    return emptied != RESULT_DONE ? emptied : RemoveFileInternal(place, STEP_NOT_COUNTED);
 }
 
 }  // namespace
 
+// An object whose directory cannot be entered is not there.
+
 Result RemoveFileInternal(const std::string& path, StepCount counted)
 {
-    return AtPlace(path, [counted](const Place& place) { return RemoveObject(place, counted); });
+    const PathPlace place(path);
+    return place ? RemoveFileInternal(place.Get(), counted) : RESULT_DONE;
 }
 
 Result RemoveFile(const std::string& path, Result* answer)
 {
-    return AtPlace(path, [answer](const Place& place) { return RemoveTree(place, answer); });
+    const PathPlace place(path);
+    return place ? RemoveTree(place.Get(), answer) : RESULT_DONE;
 }
 
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error)
@@ -167,5 +122,5 @@ Result FileErrorMessage(OperationKind kind, const std::string& path, int error)
     if (MessageBox(_("Error"), FormatPathMessage(format, path, error), STYLE_SKIP) == RESULT_CANCEL) {
         return RESULT_CANCEL;
     }
-    return Step();
+    return ReportStep();
 }

@@ -5,17 +5,16 @@
 
 #include <string>
 
+#include "fnkfiles-place.h"
 #include "fnkmessage.h"
 #include "fnkprogress.h"
-
-/// Results of the engine: 0 is done, RESULT_OK skipped, RESULT_CANCEL that the command is to stop.
-constexpr Result kDone = Result();
 
 enum StepCount { STEP_NOT_COUNTED = 0, STEP_COUNTED = 1 };
 
 /// Deletes one object, a directory only if it is empty. What does not exist is done. A failure is
 /// reported, to be skipped or to stop.
 Result RemoveFileInternal(const std::string& path, StepCount counted);
+Result RemoveFileInternal(const Place& place, StepCount counted);
 
 /// Deletes path, a directory with all that is in it. The answer belongs to the command: it starts
 /// as RESULT_CANCEL, not asked yet; once it is RESULT_OK or RESULT_YES_ALL, directories that are
@@ -25,3 +24,9 @@ Result RemoveFile(const std::string& path, Result* answer);
 /// Reports a failed copy or move of path with the reason, an errno. RESULT_CANCEL, or when skipped
 /// what UpdateProgress says.
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error);
+
+/// Reports that path cannot be deleted: RESULT_OK to skip it, or RESULT_CANCEL.
+Result ReportUndeleted(const std::string& path, int error);
+
+/// UpdateProgress in the engine's terms.
+Result ReportStep();

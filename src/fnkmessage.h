@@ -6,10 +6,12 @@
 
 /// Answers of the boxes, and results of the engine.
 enum Result : unsigned {
+    RESULT_DONE = 0,              ///< From the engine.
     RESULT_CANCEL = 0xF0000000,   ///< "No" or "Cancel"; from the engine: the whole command stops.
     RESULT_OK = 0xF0000001,       ///< "Yes", "OK" or "Skip"; from the engine: the item was skipped.
     RESULT_YES_ALL = 0xF0000002,  ///< "Yes" to this question and those that follow.
     RESULT_ABORT = 0xF0000003,    ///< "Cancel" where "No" is another answer.
+    RESULT_NO_ARGUMENT = 0xFFFFFFFF,
 };
 
 /// Icon in the low half, buttons in the high half; the last button is the default.

@@ -43,5 +43,5 @@ int UpdateProgress()
 
 bool KeepPainting()
 {
-    return false;
+    return answers.cancel_when_painting;
 }

@@ -6,27 +6,21 @@
 #include <filesystem>
 #include <set>
 
-#include "answers.h"
 #include "child.h"
+#include "enginetest.h"
 #include "fnkfiles-delete.h"
 #include "fnkfiles-sync.h"
 #include "fnkutil.h"
-#include "scratch.h"
-#include "tabletest.h"
 
 namespace {
 
-using Asked = std::vector<std::string>;
-
-class Delete : public TableTest {
+class Delete : public EngineTest {
 protected:
-    Delete() { answers = Answers(); }
-
     /// As the command does, each item in turn; the result of the last.
     Result DeleteAll(const std::vector<std::string>& paths)
     {
         Result answer = RESULT_CANCEL;
-        Result result = kDone;
+        Result result = RESULT_DONE;
         for (const std::string& path : paths) {
             result = RemoveFile(path, &answer);
             if (result == RESULT_CANCEL) {
@@ -37,11 +31,6 @@ protected:
         FlushChanges();
         return result;
     }
-    bool Exists(const std::string& name) const
-    {
-        struct stat st = {};
-        return lstat(files.At(name).c_str(), &st) == 0;
-    }
     void MakeTree(const std::string& name) const
     {
         files.File(name + "/a", "1");
@@ -49,8 +38,6 @@ protected:
         files.File(name + "/sub/deep/c", "3");
         files.Directory(name + "/empty");
     }
-
-    ScratchDirectory files;
 };
 
 TEST_F(Delete, EverythingInATreeGoesAndNothingElse)
@@ -63,7 +50,7 @@ TEST_F(Delete, EverythingInATreeGoesAndNothingElse)
     files.Node("tree/pipe", S_IFIFO);
     files.File("tree/new\nline and \xFF bytes");
     answers.to_deletes = {RESULT_OK};
-    EXPECT_EQ(DeleteAll({files.At("tree/")}), kDone);
+    EXPECT_EQ(DeleteAll({files.At("tree/")}), RESULT_DONE);
     EXPECT_FALSE(Exists("tree"));
     EXPECT_EQ(answers.asked, Asked{"Delete - " + files.At("tree/")});
     EXPECT_EQ(answers.steps, 8) << "one for everything but directories";
@@ -78,7 +65,7 @@ TEST_F(Delete, LinksAndEmptyDirectoriesAreNotAskedAbout)
     files.File("file");
     EXPECT_EQ(DeleteAll({files.At("link"), files.At("empty/"), files.At("file"), files.At("never-there"),
                          files.At("no-such-directory/file")}),
-              kDone);
+              RESULT_DONE);
     EXPECT_EQ(answers.asked, Asked());
     EXPECT_EQ(files.Names(), std::vector<std::string>{"outside"});
     EXPECT_EQ(files.Names("outside").size(), 3U);

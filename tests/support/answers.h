@@ -14,6 +14,7 @@ struct Answers {
     std::vector<Result> to_deletes;   ///< Answers to DeleteMessageBox, likewise.
     int steps = 0;
     int cancel_at_step = -1;
+    bool cancel_when_painting = false;
     std::function<void()> at_step;  ///< Runs at every step, if there is one.
 };
 extern Answers answers;

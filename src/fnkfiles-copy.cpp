@@ -1,0 +1,445 @@
+#include "fnkfiles-copy.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <strings.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <vector>
+
+#include "fnkfiles-content.h"
+#include "fnkfiles-delete.h"
+#include "fnkfiles-directory.h"
+#include "fnkfiles-inside.h"
+#include "fnkfiles-place.h"
+#include "fnkfiles-sync.h"
+#include "fnkstring.h"
+#include "fnkutil.h"
+
+namespace {
+
+/// What the objects of an item have in common.
+struct Command {
+    OperationKind kind;
+    struct stat made;  ///< The directory that stands for the whole item at its target, once it is there.
+};
+
+/// One object on its way.
+struct Transfer {
+    const Command& command;
+    Place source;
+    Place target;
+    struct stat st;  ///< Of the source.
+};
+
+bool IsSameEntry(const Place& one, const Place& other)
+{
+    struct stat one_directory = {};
+    struct stat other_directory = {};
+    return one.name == other.name && fstat(one.directory, &one_directory) == 0 &&
+           fstat(other.directory, &other_directory) == 0 && IsSameObject(one_directory, other_directory);
+}
+
+/// What deleting the object, no directory, would fail with; 0 when it would not. Renaming over it
+/// fails alike, but does not say on whose account.
+int DeletionError(const Place& place, const struct stat& st)
+{
+    if (faccessat(place.directory, ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        return errno;
+    }
+    struct stat directory = {};
+    const uid_t user = geteuid();
+    const bool is_sticky = fstat(place.directory, &directory) == 0 && (directory.st_mode & S_ISVTX) != 0;
+    return is_sticky && user != 0 && user != st.st_uid && user != directory.st_uid ? EPERM : 0;
+}
+
+/// Makes way for a file or link at a target. An empty directory that goes for it comes back if
+/// nothing takes its place.
+class ClearedTarget {
+public:
+    explicit ClearedTarget(const Place& target) : target_(target)
+    {
+        exists_ = GetStatus(target, &st_);
+        if (!exists_) {
+            return;
+        }
+        if (S_ISDIR(st_.st_mode)) {
+            result_ = RemoveFileInternal(target, STEP_NOT_COUNTED);
+            exists_ = false;
+            removed_ = result_ == RESULT_DONE;
+        } else if (const int error = DeletionError(target, st_); error != 0) {
+            result_ = ReportUndeleted(target.path, error);
+        }
+    }
+    ClearedTarget(const ClearedTarget&) = delete;
+    ClearedTarget& operator=(const ClearedTarget&) = delete;
+    ~ClearedTarget()
+    {
+        if (removed_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & 07777) == 0) {
+            fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & 07777, AT_SYMLINK_NOFOLLOW);
+        }
+    }
+
+    /// RESULT_DONE, or that the user was told that it cannot be deleted.
+    Result Refusal() const { return result_; }
+    /// Whether there is something that is to be replaced in one step.
+    bool Exists() const { return exists_; }
+    const struct stat& Status() const { return st_; }
+    void Taken() { removed_ = false; }
+
+private:
+    const Place& target_;
+    struct stat st_ = {};
+    bool exists_ = false;
+    bool removed_ = false;
+    Result result_ = RESULT_DONE;
+};
+
+Result StepAndReturn(Result result)
+{
+    ReportStep();
+    return result;
+}
+
+/// The new object stands.
+Result Finish(ClearedTarget& cleared)
+{
+    cleared.Taken();
+    NoteChange();
+    return ReportStep();
+}
+
+int MakeLink(const Transfer& transfer, bool replace)
+{
+    char text[PATH_MAX];
+    const ssize_t length = readlinkat(transfer.source.directory, transfer.source.name.c_str(), text, sizeof text);
+    if (length < 0) {
+        return errno;
+    }
+    const std::string link(text, static_cast<std::size_t>(length));
+    if (replace) {
+        return ReplaceByLink(transfer.target.directory, transfer.target.name, link);
+    }
+    return symlinkat(link.c_str(), transfer.target.directory, transfer.target.name.c_str()) == 0 ? 0 : errno;
+}
+
+Result CopyLink(const Transfer& transfer, ClearedTarget& cleared)
+{
+    const int error = MakeLink(transfer, cleared.Exists());
+    return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
+}
+
+/// The source's content, opened, or nothing where there is none to be copied.
+struct Source {
+    Descriptor file;
+    struct stat st;
+    int error = 0;
+};
+
+/// Only regular files are opened: a pipe would wait for its other end, a device might act.
+Source OpenSource(const Transfer& transfer)
+{
+    Source source{{}, transfer.st};
+    if (!S_ISREG(transfer.st.st_mode)) {
+        return source;
+    }
+    source.file = Descriptor(openat(transfer.source.directory, transfer.source.name.c_str(),
+                                    O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!source.file) {
+        // There is nothing in it that would have to be read.
+        source.error = transfer.st.st_size == 0 && errno == EACCES ? 0 : errno;
+        return source;
+    }
+    if (fstat(source.file.Get(), &source.st) != 0) {
+        source.error = errno;
+    } else if (!S_ISREG(source.st.st_mode)) {
+        source.file = Descriptor();  // It has been exchanged meanwhile.
+    }
+    return source;
+}
+
+/// Gives the complete file the source's bits and the target's name. 0 or an errno.
+int Publish(NewFile& file, const Source& source, const std::string& name, bool replace)
+{
+    // Where the file system keeps no such bits the file has those of all files there.
+    static_cast<void>(fchmod(file.Get(), source.st.st_mode & 07777));
+    if (!replace) {
+        return file.TakeName(name);
+    }
+    // What is replaced must not be gone before the new one is safe from a failing machine.
+    const int error = WriteOut(file.Get());
+    return error != 0 ? error : file.TakeNameOf(name);
+}
+
+Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
+{
+    const Source source = OpenSource(transfer);
+    if (source.error != 0) {
+        return FileErrorMessage(OPERATION_COPY, transfer.source.path, source.error);
+    }
+    NewFile file(transfer.target.directory);
+    int error = file.Error();
+    if (file && source.file) {
+        switch (CopyContent(source.file.Get(), source.st, file.Get(), &error)) {
+        case CONTENT_CANCELLED:
+            return RESULT_CANCEL;
+        case CONTENT_NOT_READ:
+            return FileErrorMessage(OPERATION_COPY, transfer.source.path, error);
+        case CONTENT_NOT_WRITTEN:
+        case CONTENT_COPIED:
+            break;
+        }
+    }
+    if (error == 0) {
+        error = Publish(file, source, transfer.target.name, cleared.Exists());
+    }
+    return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
+}
+
+/// Copies anything but a directory.
+Result CopyFileInternal(const Transfer& transfer)
+{
+    if (IsSameEntry(transfer.source, transfer.target)) {
+        return ReportStep();
+    }
+    ClearedTarget cleared(transfer.target);
+    if (cleared.Refusal() != RESULT_DONE) {
+        return StepAndReturn(cleared.Refusal());
+    }
+    return S_ISLNK(transfer.st.st_mode) ? CopyLink(transfer, cleared) : CopyRegular(transfer, cleared);
+}
+
+/// Two names of one inode: renaming the one to the other does nothing, so the old name is removed.
+/// A file system that ignores case finds one entry under two spellings, and that must stay.
+bool LeavesOldName(const Transfer& transfer, const ClearedTarget& cleared)
+{
+    return cleared.Exists() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
+           strcasecmp(transfer.source.name.c_str(), transfer.target.name.c_str()) != 0;
+}
+
+/// 0 or an errno.
+int Rename(const Transfer& transfer, const ClearedTarget& cleared)
+{
+    const Place& source = transfer.source;
+    const Place& target = transfer.target;
+    if (!cleared.Exists()) {
+        return RenameIfFree(source, target);
+    }
+    if (LeavesOldName(transfer, cleared)) {
+        return unlinkat(source.directory, source.name.c_str(), 0) == 0 ? 0 : errno;
+    }
+    return renameat(source.directory, source.name.c_str(), target.directory, target.name.c_str()) == 0 ? 0 : errno;
+}
+
+/// Renames one object, a directory only to a free name.
+Result MoveFileInternal(const Transfer& transfer)
+{
+    if (IsSameEntry(transfer.source, transfer.target)) {
+        return ReportStep();
+    }
+    ClearedTarget cleared(transfer.target);
+    if (cleared.Refusal() != RESULT_DONE) {
+        return StepAndReturn(cleared.Refusal());
+    }
+    const int error = Rename(transfer, cleared);
+    return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_MOVE, WithoutSlash(transfer.target.path), error);
+}
+
+Result TransferEntry(const Command& command, const Place& source, const Place& target);
+
+/// Copies or moves every entry of a directory into the open one that stands for it at the target.
+Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& directory)
+{
+    std::vector<std::string> names;
+    if (!ListEntries(stream, names)) {
+        return FileErrorMessage(transfer.command.kind, transfer.source.path, errno);
+    }
+    for (const std::string& name : names) {
+        std::string source_path = WithSlash(transfer.source.path) + name;
+        std::string target_path = WithSlash(transfer.target.path) + name;
+        if (IsDirectory({dirfd(stream), name, source_path})) {
+            source_path += '/';
+            target_path += '/';
+        }
+        const Result result =
+            TransferEntry(transfer.command, {dirfd(stream), name, source_path}, {directory.Get(), name, target_path});
+        // A move that had to leave something behind leaves the rest of the directory with it.
+        if (result == RESULT_CANCEL || (transfer.command.kind == OPERATION_MOVE && result != RESULT_DONE)) {
+            return result;
+        }
+    }
+    return RESULT_DONE;
+}
+
+/// Copies or moves what is in a directory into the open one, which it makes its like.
+Result TransferContents(const Transfer& transfer, const Descriptor& directory)
+{
+    SetDirectoryMode(directory, transfer.st.st_mode);
+    const DirectoryStream stream = OpenDirectory(transfer.source);
+    if (stream == nullptr) {
+        return FileErrorMessage(transfer.command.kind, transfer.source.path, errno);
+    }
+    const Result result = TransferEntries(transfer, stream.get(), directory);
+    if (result == RESULT_DONE && transfer.command.kind == OPERATION_MOVE) {
+        RemoveFileInternal(transfer.source, STEP_NOT_COUNTED);
+    }
+    return KeepPainting() ? RESULT_CANCEL : result;
+}
+
+/// Whether the source is dealt with by itself, not entry by entry.
+bool GoesWhole(const Transfer& transfer)
+{
+    struct stat st = {};
+    return !S_ISDIR(transfer.st.st_mode) ||
+           (transfer.command.kind == OPERATION_MOVE && !GetStatus(transfer.target, &st));
+}
+
+Result TransferWhole(const Transfer& transfer)
+{
+    return transfer.command.kind == OPERATION_COPY ? CopyFileInternal(transfer) : MoveFileInternal(transfer);
+}
+
+Result ReportMissing(const std::string& path)
+{
+    MessageBox(_("Error"), FormatPathMessage(_("%s does not exist."), path), STYLE_ERROR);
+    return ReportStep();
+}
+
+/// A directory would go into itself, and then on for ever.
+Result ReportInside()
+{
+    MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
+    return ReportStep();
+}
+
+/// An entry of a directory that is being copied or moved.
+Result TransferEntry(const Command& command, const Place& source, const Place& target)
+{
+    Transfer transfer{command, source, target, {}};
+    for (const Place& place : {source, target}) {
+        if (place.path.size() > kMaxPathBytes) {
+            return FileErrorMessage(command.kind, place.path, ENAMETOOLONG);
+        }
+    }
+    if (!GetStatus(source, &transfer.st)) {
+        return ReportMissing(source.path);
+    }
+    if (GoesWhole(transfer)) {
+        return TransferWhole(transfer);
+    }
+    struct stat there = {};
+    if (GetStatus(target, &there) && IsSameObject(there, transfer.st)) {
+        return ReportStep();  // A mount shows one directory in both places.
+    }
+    if (IsSameObject(transfer.st, command.made)) {
+        return ReportInside();
+    }
+    const std::string target_name = WithoutSlash(target.path);
+    Descriptor directory;
+    switch (const Result made = MakeDirectory({target.directory, target.name, target_name}, LINK_ASK, &directory)) {
+    case RESULT_DONE:
+        return TransferContents(transfer, directory);
+    case RESULT_OK:
+        return ReportStep();
+    default:
+        return made;
+    }
+}
+
+/// RESULT_DONE: nothing is in the way, or it may be overwritten.
+bool ConfirmOverwrite(const std::string& target, const int* flag, bool* asked)
+{
+    struct stat st = {};
+    *asked = pGTable->ConfilmOverwrite && *flag == 0 && lstat(target.c_str(), &st) == 0;
+    return !*asked ||
+           MessageBox(_("Confirmation"), FormatPathMessage(_("%s already exists.\nDoes it overwrite?"), target),
+                      STYLE_QUESTION) == RESULT_OK;
+}
+
+/// A directory that is to be at target, below or at destination.
+Result TransferDirectory(OperationKind kind, const PathPlace& source, const struct stat& st, const std::string& target,
+                         const std::string& destination, LinkRule rule)
+{
+    Descriptor directory;
+    switch (const Result made = CreateDirectoryEx(target + "/", destination, rule, &directory)) {
+    case RESULT_DONE: {
+        Command command{kind, {}};
+        const PathPlace target_place(target);
+        return fstat(directory.Get(), &command.made) == 0
+                   ? TransferContents({command, source.Get(), target_place.Get(), st}, directory)
+                   : FileErrorMessage(kind, target, errno);
+    }
+    case RESULT_OK:
+        return ReportStep();
+    default:
+        return made;
+    }
+}
+
+/// An item of a command.
+Result TransferItem(OperationKind kind, const std::string& destination, const std::string& source, int* flag)
+{
+    if (destination.empty() || source.empty() || flag == nullptr) {
+        return RESULT_NO_ARGUMENT;
+    }
+    if (destination == source) {
+        return ReportStep();
+    }
+    const PathPlace source_place(source);
+    struct stat st = {};
+    if (!source_place || !GetStatus(source_place.Get(), &st)) {
+        return ReportMissing(source);
+    }
+    const std::string target = ProofDstPath(destination, source);
+    if (target.size() > kMaxPathBytes) {
+        return FileErrorMessage(kind, target, ENAMETOOLONG);
+    }
+    bool asked = false;
+    if (CheckSrcSubDirectory(target, source, st.st_mode) != RESULT_DONE || !ConfirmOverwrite(target, flag, &asked)) {
+        return ReportStep();
+    }
+    *flag = 1;
+    const PathPlace target_place(target);
+    const Command command{kind, {}};
+    const Transfer transfer{command, source_place.Get(), target_place.Get(), st};
+    if (!GoesWhole(transfer)) {
+        return TransferDirectory(kind, source_place, st, target, destination, asked ? LINK_REPLACE : LINK_ASK);
+    }
+    return target_place ? TransferWhole(transfer) : FileErrorMessage(kind, target, target_place.Error());
+}
+
+}  // namespace
+
+std::string ProofDstPath(const std::string& destination, const std::string& source)
+{
+    return WithoutSlash(IsDirectory(WithoutSlash(destination)) ? WithSlash(destination) + GetLastPath(source)
+                                                               : destination);
+}
+
+Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode)
+{
+    struct stat source_st = {};
+    struct stat target_st = {};
+    const bool is_directory = S_ISDIR(mode);
+    const bool is_same_directory = is_directory && lstat(WithoutSlash(source).c_str(), &source_st) == 0 &&
+                                   lstat(target.c_str(), &target_st) == 0 && IsSameObject(source_st, target_st);
+    if (target == source || target == WithoutSlash(source) || is_same_directory) {
+        return RESULT_CANCEL;
+    }
+    if (is_directory && IsInsideDirectory(target, source)) {
+        MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
+        return RESULT_CANCEL;
+    }
+    return RESULT_DONE;
+}
+
+Result CopyFile(const std::string& destination, const std::string& source, int* flag)
+{
+    return TransferItem(OPERATION_COPY, destination, source, flag);
+}
+
+Result MoveFile(const std::string& destination, const std::string& source, int* flag)
+{
+    return TransferItem(OPERATION_MOVE, destination, source, flag);
+}

@@ -1,0 +1,30 @@
+#pragma once
+// The upper half of the file engine: copying and moving one item, a file, a link or a whole tree.
+// A file under its final name is always complete, and what it replaces stays until then.
+//
+// A command calls CopyFile or MoveFile for each of its items and stops at RESULT_CANCEL. Any other
+// result means that the item is dealt with: done, skipped, declined or reported. The flag belongs
+// to the command and starts at 0; the first item that gets past the overwrite question sets it to
+// 1, and no more is asked.
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "fnkmessage.h"
+
+/// Where source goes: into destination when that is a directory, else to that very name. Without
+/// a "/" at the end.
+std::string ProofDstPath(const std::string& destination, const std::string& source);
+
+/// RESULT_CANCEL when source, of that mode, is target itself, or a directory that target is inside
+/// of, which is reported; 0 when it may go there. A place is known under any spelling.
+Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode);
+
+/// Copies source to destination. The path of a directory ends in "/". Permission bits are copied;
+/// owner, group and times are not. Devices, pipes and sockets become empty files.
+Result CopyFile(const std::string& destination, const std::string& source, int* flag);
+
+/// Moves source to destination, a directory onto one of the same name entry by entry. Never leaves
+/// the file system.
+Result MoveFile(const std::string& destination, const std::string& source, int* flag);

@@ -1,0 +1,124 @@
+#include "fnkfiles-inside.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "fnkfiles-place.h"
+#include "fnkutil.h"
+
+namespace {
+
+constexpr int kPlaceOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+/// The deepest directory that there is on the way to target, or target itself if it is one.
+Descriptor OpenNearestDirectory(const std::string& target)
+{
+    Descriptor directory(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
+    for (std::string path = target; !directory && path != "/";) {
+        path = GetParentDirectory(WithoutSlash(path));
+        directory = Descriptor(open(path.c_str(), kPlaceOnly));
+    }
+    return directory;
+}
+
+/// Climbs to the root and looks for source on the way.
+bool IsBelow(Descriptor directory, const struct stat& source)
+{
+    struct stat st = {};
+    while (directory && fstat(directory.Get(), &st) == 0) {
+        if (IsSameObject(st, source)) {
+            return true;
+        }
+        Descriptor parent(openat(directory.Get(), "..", kPlaceOnly));
+        struct stat parent_st = {};
+        if (!parent || fstat(parent.Get(), &parent_st) != 0 || IsSameObject(st, parent_st)) {
+            return false;
+        }
+        directory = std::move(parent);
+    }
+    return false;
+}
+
+/// A field of the mount table, in which blanks and the like are octal numbers.
+std::string Unescape(const std::string& field)
+{
+    std::string text;
+    for (std::size_t i = 0; i < field.size(); ++i) {
+        if (field[i] == '\\' && i + 3 < field.size()) {
+            text += static_cast<char>(std::strtol(field.substr(i + 1, 3).c_str(), nullptr, 8));
+            i += 3;
+        } else {
+            text += field[i];
+        }
+    }
+    return text;
+}
+
+struct Mount {
+    std::string root;   ///< What of the file system is mounted, as a path in it.
+    std::string point;  ///< Where.
+};
+
+bool FindMount(std::uint64_t wanted, Mount* mount)
+{
+    std::ifstream table("/proc/self/mountinfo");
+    for (std::string line; std::getline(table, line);) {
+        std::istringstream fields(line);
+        std::uint64_t id = 0;
+        std::string parent;
+        std::string device;
+        if (fields >> id >> parent >> device >> mount->root >> mount->point && id == wanted) {
+            *mount = {Unescape(mount->root), Unescape(mount->point)};
+            return true;
+        }
+    }
+    return false;
+}
+
+/// The path of an open directory in its file system, with a "/" at its end; empty if unknown. A
+/// part of a file system that is mounted a second time is below directories there that climbing
+/// from it never meets.
+std::string PathInFileSystem(int directory)
+{
+    struct statx status = {};
+    char path[PATH_MAX] = {};
+    Mount mount;
+    if (statx(directory, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) != 0 ||
+        readlink(DescriptorPath(directory).c_str(), path, sizeof path - 1) <= 0 ||
+        !FindMount(status.stx_mnt_id, &mount)) {
+        return {};
+    }
+    const std::string point = WithSlash(mount.point);
+    const std::string full = WithSlash(path);
+    return full.starts_with(point) ? WithSlash(mount.root) + full.substr(point.size()) : std::string();
+}
+
+}  // namespace
+
+bool IsInsideDirectory(const std::string& target, const std::string& source)
+{
+    if (target.starts_with(WithSlash(source))) {
+        return true;
+    }
+    Descriptor target_directory = OpenNearestDirectory(target);
+    const Descriptor source_directory(open(WithoutSlash(source).c_str(), kPlaceOnly | O_NOFOLLOW));
+    struct stat target_st = {};
+    struct stat source_st = {};
+    if (!target_directory || !source_directory || fstat(target_directory.Get(), &target_st) != 0 ||
+        fstat(source_directory.Get(), &source_st) != 0) {
+        return false;
+    }
+    if (target_st.st_dev == source_st.st_dev) {
+        const std::string inner_source = PathInFileSystem(source_directory.Get());
+        if (!inner_source.empty() && PathInFileSystem(target_directory.Get()).starts_with(inner_source)) {
+            return true;
+        }
+    }
+    return IsBelow(std::move(target_directory), source_st);
+}

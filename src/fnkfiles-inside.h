@@ -1,0 +1,8 @@
+#pragma once
+// Whether a place is inside a directory, whatever it is called there.
+
+#include <string>
+
+/// Whether target, which need not exist yet, is or would be inside the directory source. Links
+/// and mounts on the way to either may make their paths look unrelated.
+bool IsInsideDirectory(const std::string& target, const std::string& source);
