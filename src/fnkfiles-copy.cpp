@@ -31,6 +31,8 @@ struct Transfer {
     Place source;
     Place target;
     struct stat st;  ///< Of the source.
+    /// Nobody was asked, because nothing was there: what appears meanwhile is not to be overwritten.
+    bool to_free_name = false;
 };
 
 bool IsSameEntry(const Place& one, const Place& other)
@@ -58,9 +60,10 @@ int DeletionError(const Place& place, const struct stat& st)
 /// nothing takes its place.
 class ClearedTarget {
 public:
-    explicit ClearedTarget(const Place& target) : target_(target)
+    explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
     {
-        exists_ = GetStatus(target, &st_);
+        const Place& target = transfer.target;
+        exists_ = !transfer.to_free_name && GetStatus(target, &st_);
         if (!exists_) {
             return;
         }
@@ -203,7 +206,7 @@ Result CopyFileInternal(const Transfer& transfer)
     if (IsSameEntry(transfer.source, transfer.target)) {
         return ReportStep();
     }
-    ClearedTarget cleared(transfer.target);
+    ClearedTarget cleared(transfer);
     if (cleared.Refusal() != RESULT_DONE) {
         return StepAndReturn(cleared.Refusal());
     }
@@ -238,7 +241,7 @@ Result MoveFileInternal(const Transfer& transfer)
     if (IsSameEntry(transfer.source, transfer.target)) {
         return ReportStep();
     }
-    ClearedTarget cleared(transfer.target);
+    ClearedTarget cleared(transfer);
     if (cleared.Refusal() != RESULT_DONE) {
         return StepAndReturn(cleared.Refusal());
     }
@@ -316,7 +319,7 @@ Result ReportInside()
 /// An entry of a directory that is being copied or moved.
 Result TransferEntry(const Command& command, const Place& source, const Place& target)
 {
-    Transfer transfer{command, source, target, {}};
+    Transfer transfer{command, source, target, {}, false};
     for (const Place& place : {source, target}) {
         if (place.path.size() > kMaxPathBytes) {
             return FileErrorMessage(command.kind, place.path, ENAMETOOLONG);
@@ -347,14 +350,24 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
     }
 }
 
-/// RESULT_DONE: nothing is in the way, or it may be overwritten.
-bool ConfirmOverwrite(const std::string& target, const int* flag, bool* asked)
+enum Overwriting {
+    OVERWRITE_ALLOWED,  ///< By the settings, or by an item before.
+    OVERWRITE_AGREED,   ///< The user was asked.
+    OVERWRITE_DECLINED,
+    OVERWRITE_NOTHING,  ///< Nothing is there.
+};
+
+Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
 {
+    if (!pGTable->ConfilmOverwrite || *flag != 0) {
+        return OVERWRITE_ALLOWED;
+    }
     struct stat st = {};
-    *asked = pGTable->ConfilmOverwrite && *flag == 0 && lstat(target.c_str(), &st) == 0;
-    return !*asked ||
-           MessageBox(_("Confirmation"), FormatPathMessage(_("%s already exists.\nDoes it overwrite?"), target),
-                      STYLE_QUESTION) == RESULT_OK;
+    if (lstat(target.c_str(), &st) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
+        return OVERWRITE_NOTHING;
+    }
+    const std::string question = FormatPathMessage(_("%s already exists.\nDoes it overwrite?"), target);
+    return MessageBox(_("Confirmation"), question, STYLE_QUESTION) == RESULT_OK ? OVERWRITE_AGREED : OVERWRITE_DECLINED;
 }
 
 /// A directory that is to be at target, below or at destination.
@@ -367,7 +380,7 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
         Command command{kind, {}};
         const PathPlace target_place(target);
         return fstat(directory.Get(), &command.made) == 0
-                   ? TransferContents({command, source.Get(), target_place.Get(), st}, directory)
+                   ? TransferContents({command, source.Get(), target_place.Get(), st, false}, directory)
                    : FileErrorMessage(kind, target, errno);
     }
     case RESULT_OK:
@@ -375,6 +388,11 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     default:
         return made;
     }
+}
+
+std::string TargetPath(const std::string& destination, const std::string& source, bool into_directory)
+{
+    return WithoutSlash(into_directory ? WithSlash(destination) + GetLastPath(source) : destination);
 }
 
 /// An item of a command.
@@ -391,20 +409,29 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     if (!source_place || !GetStatus(source_place.Get(), &st)) {
         return ReportMissing(source);
     }
-    const std::string target = ProofDstPath(destination, source);
+    struct stat destination_st = {};
+    const bool exists = lstat(WithoutSlash(destination).c_str(), &destination_st) == 0;
+    if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
+        return FileErrorMessage(kind, destination, errno);  // Better than to take a directory for none.
+    }
+    const std::string target = TargetPath(destination, source, exists && S_ISDIR(destination_st.st_mode));
     if (target.size() > kMaxPathBytes) {
         return FileErrorMessage(kind, target, ENAMETOOLONG);
     }
-    bool asked = false;
-    if (CheckSrcSubDirectory(target, source, st.st_mode) != RESULT_DONE || !ConfirmOverwrite(target, flag, &asked)) {
+    if (CheckSrcSubDirectory(target, source, st.st_mode) != RESULT_DONE) {
+        return ReportStep();
+    }
+    const Overwriting overwriting = ConfirmOverwrite(target, flag);
+    if (overwriting == OVERWRITE_DECLINED) {
         return ReportStep();
     }
     *flag = 1;
     const PathPlace target_place(target);
     const Command command{kind, {}};
-    const Transfer transfer{command, source_place.Get(), target_place.Get(), st};
+    const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOTHING};
     if (!GoesWhole(transfer)) {
-        return TransferDirectory(kind, source_place, st, target, destination, asked ? LINK_REPLACE : LINK_ASK);
+        return TransferDirectory(kind, source_place, st, target, destination,
+                                 overwriting == OVERWRITE_AGREED ? LINK_REPLACE : LINK_ASK);
     }
     return target_place ? TransferWhole(transfer) : FileErrorMessage(kind, target, target_place.Error());
 }
@@ -413,8 +440,9 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
 
 std::string ProofDstPath(const std::string& destination, const std::string& source)
 {
-    return WithoutSlash(IsDirectory(WithoutSlash(destination)) ? WithSlash(destination) + GetLastPath(source)
-                                                               : destination);
+    struct stat st = {};
+    const bool exists = lstat(WithoutSlash(destination).c_str(), &st) == 0;
+    return TargetPath(destination, source, exists && S_ISDIR(st.st_mode));
 }
 
 Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode)

@@ -1,0 +1,320 @@
+// Copying, moving and deleting while the system fails them: whichever call it is, and whatever the
+// user answers, nothing that was there may be lost, and nothing half done be left.
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <filesystem>
+#include <set>
+
+#include "enginetest.h"
+#include "fnkfiles-delete.h"
+
+namespace {
+
+/// Calls to go until one fails; negative while none is to fail.
+std::atomic<int> calls_to_go = -1;
+std::atomic<int> calls_made = 0;
+int failure = 0;
+std::atomic<bool> is_testing_faults = false;
+
+bool FailsNow()
+{
+    if (calls_to_go < 0) {
+        return false;
+    }
+    ++calls_made;
+    if (calls_to_go.fetch_sub(1) != 1) {
+        return false;
+    }
+    calls_to_go = 1'000'000;  // One failure is enough; the rest is only counted.
+    errno = failure;
+    return true;
+}
+
+}  // namespace
+
+// The linker leads every call of the engine here.
+#define WRAP(type, call, bad, parameters, ...)                  \
+    extern "C" type __real_##call parameters;                   \
+    extern "C" type __wrap_##call parameters;                   \
+    extern "C" type __wrap_##call parameters                    \
+    {                                                           \
+        return FailsNow() ? (bad) : __real_##call(__VA_ARGS__); \
+    }
+
+// Nothing here has to survive a failing machine, and the disk is slow.
+extern "C" int __real_fdatasync(int fd);
+extern "C" int __wrap_fdatasync(int fd);
+extern "C" int __wrap_fdatasync(int fd)
+{
+    return FailsNow() ? -1 : calls_to_go < 0 ? __real_fdatasync(fd) : 0;
+}
+extern "C" void __real_sync();
+extern "C" void __wrap_sync();
+extern "C" void __wrap_sync()
+{
+    if (!is_testing_faults) {
+        __real_sync();
+    }
+}
+
+WRAP(int, access, -1, (const char* path, int mode), path, mode)
+WRAP(int, faccessat, -1, (int at, const char* path, int mode, int flags), at, path, mode, flags)
+WRAP(int, lstat, -1, (const char* path, struct stat* st), path, st)
+WRAP(int, fstat, -1, (int fd, struct stat* st), fd, st)
+WRAP(int, fstatat, -1, (int at, const char* path, struct stat* st, int flags), at, path, st, flags)
+WRAP(int, statx, -1, (int at, const char* path, int flags, unsigned mask, struct statx* st), at, path, flags, mask, st)
+WRAP(ssize_t, readlink, -1, (const char* path, char* text, size_t size), path, text, size)
+WRAP(ssize_t, readlinkat, -1, (int at, const char* path, char* text, size_t size), at, path, text, size)
+WRAP(DIR*, fdopendir, nullptr, (int fd), fd)
+WRAP(struct dirent*, readdir, nullptr, (DIR * stream), stream)
+WRAP(off_t, lseek, -1, (int fd, off_t to, int whence), fd, to, whence)
+WRAP(ssize_t, pread, -1, (int fd, void* data, size_t size, off_t at), fd, data, size, at)
+WRAP(ssize_t, pwrite, -1, (int fd, const void* data, size_t size, off_t at), fd, data, size, at)
+WRAP(ssize_t, copy_file_range, -1, (int from, off_t* at, int to, off_t* there, size_t size, unsigned flags), from, at,
+     to, there, size, flags)
+WRAP(int, ftruncate, -1, (int fd, off_t size), fd, size)
+WRAP(int, chmod, -1, (const char* path, mode_t mode), path, mode)
+WRAP(int, fchmod, -1, (int fd, mode_t mode), fd, mode)
+WRAP(int, fchmodat, -1, (int at, const char* path, mode_t mode, int flags), at, path, mode, flags)
+WRAP(int, mkdirat, -1, (int at, const char* path, mode_t mode), at, path, mode)
+WRAP(int, symlinkat, -1, (const char* text, int at, const char* path), text, at, path)
+WRAP(int, linkat, -1, (int from, const char* path, int to, const char* name, int flags), from, path, to, name, flags)
+WRAP(int, unlinkat, -1, (int at, const char* path, int flags), at, path, flags)
+WRAP(int, renameat, -1, (int from, const char* path, int to, const char* name), from, path, to, name)
+WRAP(int, renameat2, -1, (int from, const char* path, int to, const char* name, unsigned flags), from, path, to, name,
+     flags)
+WRAP(int, open, -1, (const char* path, int flags, mode_t mode), path, flags, mode)
+WRAP(int, openat, -1, (int at, const char* path, int flags, mode_t mode), at, path, flags, mode)
+
+namespace {
+
+constexpr const char* kSourceFiles[] = {"t/plain", "t/sub/leaf", "t/sub/deep/large", "t/sparse", "t/sub/link",
+                                        "t/clash", "single"};
+
+class FaultTest : public EngineTest {
+protected:
+    FaultTest() { is_testing_faults = true; }
+    ~FaultTest() override
+    {
+        calls_to_go = -1;
+        is_testing_faults = false;
+    }
+
+    void MakeSource() const
+    {
+        files.File("from/t/plain", "plain", 0600);
+        files.File("from/t/sub/leaf", "leaf");
+        files.File("from/t/sub/deep/large", std::string(70'000, 'l'));
+        files.File("from/t/sparse", "");
+        std::filesystem::resize_file(files.At("from/t/sparse"), 200'000);
+        files.Link("from/t/sub/link", "plain");
+        files.File("from/t/clash", "new");
+        files.File("from/single", "single");
+    }
+    void MakeTarget() const
+    {
+        files.File("to/t/clash", "old");
+        files.File("to/t/sub/leaf", "old leaf");
+        files.File("to/t/sub/only", "only here");
+        files.File("to/t/sub/deep/large", std::string(80'000, 'o'));
+        files.Link("to/t/sub/link", "old link");
+        files.File("to/single", "old");
+        files.Directory("to/t/plain");  // Empty, where a file is to be.
+    }
+    /// The content without the mode, which a failed chmod may leave as it is; empty for nothing.
+    std::string What(const std::string& path) const
+    {
+        if (!Exists(path)) {
+            return {};
+        }
+        std::string text = DescribeObject(path);
+        if (!text.starts_with("link")) {
+            const std::size_t mode = text.find(' ');
+            text.erase(mode, text.find(' ', mode + 1) - mode);
+        }
+        return text;
+    }
+    /// When the system denies that a directory is there, an item takes its name or merges with it.
+    bool IsSomewhereBelow(const std::string& name, const std::string& what) const
+    {
+        const Tree tree = Describe(name);
+        return std::any_of(tree.begin(), tree.end(),
+                           [&](const auto& entry) { return What(name + "/" + entry.first) == what; });
+    }
+    void ExpectNoTemporaries(const std::string& where) const
+    {
+        for (const auto& [path, what] : Describe("")) {
+            EXPECT_EQ(path.find(".fennick-"), std::string::npos) << where << " left " << path;
+        }
+    }
+
+    /// Prepares, lets the k-th call of work fail with each error and each answer, and checks, for
+    /// every k that there is.
+    void FailEverywhere(const std::function<void()>& prepare, const std::function<void()>& work,
+                        const std::function<void(const std::string& where)>& check)
+    {
+        constexpr std::pair<int, Result> kCases[] = {{EIO, RESULT_CANCEL}, {EIO, RESULT_OK},    {EACCES, RESULT_OK},
+                                                     {ENOSPC, RESULT_OK},  {ENOENT, RESULT_OK}, {EINVAL, RESULT_OK}};
+        for (const auto& [error, answer] : kCases) {
+            int k = 0;
+            do {
+                ++k;
+                for (const char* const name : {"from", "to"}) {
+                    std::filesystem::remove_all(files.At(name));
+                    files.Directory(name);
+                }
+                prepare();
+                answers = Answers();
+                answers.to_messages = {answer};
+                answers.to_deletes = {RESULT_YES_ALL};
+                failure = error;
+                calls_made = 0;
+                calls_to_go = k;
+                work();
+                calls_to_go = -1;
+                const std::string where = "call " + std::to_string(k) + " errno " + std::to_string(error) +
+                                          (answer == RESULT_OK ? " skipped" : " cancelled");
+                check(where);
+                ExpectNoTemporaries(where);
+            } while (calls_made >= k && !HasFailure());
+            EXPECT_GT(k, 10) << "the calls are led here";
+        }
+    }
+    void ExpectSourceUntouched(const Tree& before, const std::string& where)
+    {
+        EXPECT_EQ(Describe("from"), before) << where;
+    }
+};
+
+TEST_F(FaultTest, ACopyToANewPlaceIsWholeOrNotThere)
+{
+    Tree before;
+    FailEverywhere(
+        [&] {
+            MakeSource();
+            before = Describe("from");
+        },
+        [&] {
+            Copy("to", {"from/t/", "from/single"});
+        },
+        [&](const std::string& where) {
+            ExpectSourceUntouched(before, where);
+            for (const std::string name : kSourceFiles) {
+                const std::string copied = What("to/" + name);
+                EXPECT_TRUE(copied.empty() || copied == What("from/" + name)) << name << ": " << where;
+            }
+        });
+}
+
+TEST_F(FaultTest, ACopyOverOldFilesLeavesEachOldOrNew)
+{
+    Tree before;
+    std::map<std::string, std::string> old;
+    FailEverywhere(
+        [&] {
+            MakeSource();
+            MakeTarget();
+            before = Describe("from");
+            for (const std::string name : kSourceFiles) {
+                old[name] = What("to/" + name);
+            }
+            table.ConfilmOverwrite = 0;
+        },
+        [&] {
+            Copy("to", {"from/t/", "from/single"});
+        },
+        [&](const std::string& where) {
+            ExpectSourceUntouched(before, where);
+            EXPECT_EQ(What("to/t/sub/only"), "file only here") << where;
+            for (const std::string name : kSourceFiles) {
+                const std::string there = What("to/" + name);
+                EXPECT_TRUE(there == old[name] || there == What("from/" + name)) << name << ": " << where << there;
+            }
+        });
+}
+
+TEST_F(FaultTest, AMoveNeverLosesAFile)
+{
+    for (const bool merge : {false, true}) {
+        std::map<std::string, std::string> fresh;
+        FailEverywhere(
+            [&] {
+                MakeSource();
+                if (merge) {
+                    MakeTarget();
+                }
+                for (const std::string name : kSourceFiles) {
+                    fresh[name] = What("from/" + name);
+                }
+                table.ConfilmOverwrite = 0;
+            },
+            [&] {
+                Move("to", {"from/t/", "from/single"});
+            },
+            [&](const std::string& where) {
+                EXPECT_TRUE(!merge || What("to/t/sub/only") == "file only here") << where;
+                for (const auto& [name, what] : fresh) {
+                    const std::string source = What("from/" + name);
+                    const std::string target = What("to/" + name);
+                    EXPECT_TRUE(source == what || IsSomewhereBelow("to", what)) << name << ": " << where;
+                    // What is not overwritten is what it was.
+                    EXPECT_TRUE(target == what || !merge || name == "t/sparse" || !target.empty())
+                        << name << ": " << where;
+                }
+            });
+    }
+}
+
+TEST_F(FaultTest, ADeclinedOverwriteKeepsTheOldFileWhateverFails)
+{
+    for (const bool move : {false, true}) {
+        FailEverywhere(
+            [&] {
+                files.File("from/clash", "new");
+                files.File("to/clash", "old");
+                files.File("from/clash2", "new");
+                files.File("to/clash2", "old");
+                files.File("from/clash3", "new");
+                files.File("to/clash3", "old");
+                table.ConfilmOverwrite = 1;
+            },
+            [&] {
+                answers.to_messages = {RESULT_CANCEL};
+                for (const std::string name : {"clash", "clash2", "clash3"}) {
+                    move ? Move("to", {"from/" + name}) : Copy("to", {"from/" + name});
+                }
+            },
+            [&](const std::string& where) {
+                for (const std::string name : {"clash", "clash2", "clash3"}) {
+                    EXPECT_EQ(What("to/" + name), "file old") << where;
+                    EXPECT_EQ(What("from/" + name), "file new") << where;
+                }
+            });
+    }
+}
+
+TEST_F(FaultTest, ADeleteTakesNothingElse)
+{
+    Tree before;
+    FailEverywhere(
+        [&] {
+            MakeSource();
+            MakeTarget();
+            files.Link("from/t/out", files.At("to"));
+            before = Describe("to");
+        },
+        [&] {
+            Result answer = RESULT_CANCEL;
+            RemoveFile(files.At("from/t/"), &answer);
+        },
+        [&](const std::string& where) { EXPECT_EQ(Describe("to"), before) << where; });
+}
+
+}  // namespace
