@@ -43,5 +43,8 @@ int UpdateProgress()
 
 bool KeepPainting()
 {
+    if (answers.at_paint) {
+        answers.at_paint();
+    }
     return answers.cancel_when_painting;
 }

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <set>
 
+#include "child.h"
 #include "enginetest.h"
 #include "fnkfiles-delete.h"
 
@@ -22,6 +23,8 @@ std::atomic<int> calls_to_go = -1;
 std::atomic<int> calls_made = 0;
 int failure = 0;
 std::atomic<bool> is_testing_faults = false;
+/// Knows neither files without a name nor renaming that replaces nothing.
+bool is_old_file_system = false;
 
 bool FailsNow()
 {
@@ -88,10 +91,27 @@ WRAP(int, symlinkat, -1, (const char* text, int at, const char* path), text, at,
 WRAP(int, linkat, -1, (int from, const char* path, int to, const char* name, int flags), from, path, to, name, flags)
 WRAP(int, unlinkat, -1, (int at, const char* path, int flags), at, path, flags)
 WRAP(int, renameat, -1, (int from, const char* path, int to, const char* name), from, path, to, name)
-WRAP(int, renameat2, -1, (int from, const char* path, int to, const char* name, unsigned flags), from, path, to, name,
-     flags)
 WRAP(int, open, -1, (const char* path, int flags, mode_t mode), path, flags, mode)
-WRAP(int, openat, -1, (int at, const char* path, int flags, mode_t mode), at, path, flags, mode)
+extern "C" int __real_openat(int at, const char* path, int flags, mode_t mode);
+extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode);
+extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode)
+{
+    if (is_old_file_system && (flags & O_TMPFILE) == O_TMPFILE) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    return FailsNow() ? -1 : __real_openat(at, path, flags, mode);
+}
+extern "C" int __real_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
+extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
+extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags)
+{
+    if (is_old_file_system) {
+        errno = EINVAL;
+        return -1;
+    }
+    return FailsNow() ? -1 : __real_renameat2(from, path, to, name, flags);
+}
 
 namespace {
 
@@ -104,7 +124,7 @@ protected:
     ~FaultTest() override
     {
         calls_to_go = -1;
-        is_testing_faults = false;
+        is_testing_faults = is_old_file_system = false;
     }
 
     void MakeSource() const
@@ -160,9 +180,15 @@ protected:
     void FailEverywhere(const std::function<void()>& prepare, const std::function<void()>& work,
                         const std::function<void(const std::string& where)>& check)
     {
-        constexpr std::pair<int, Result> kCases[] = {{EIO, RESULT_CANCEL}, {EIO, RESULT_OK},    {EACCES, RESULT_OK},
-                                                     {ENOSPC, RESULT_OK},  {ENOENT, RESULT_OK}, {EINVAL, RESULT_OK}};
-        for (const auto& [error, answer] : kCases) {
+        constexpr struct {
+            int error;
+            Result answer;
+            bool old_file_system;
+        } kCases[] = {{EIO, RESULT_CANCEL, false}, {EIO, RESULT_OK, false},    {EIO, RESULT_OK, true},
+                      {EACCES, RESULT_OK, false},  {ENOSPC, RESULT_OK, false}, {ENOENT, RESULT_OK, false},
+                      {EINVAL, RESULT_OK, false}};
+        for (const auto& [error, answer, old_file_system] : kCases) {
+            is_old_file_system = old_file_system;
             int k = 0;
             do {
                 ++k;
@@ -180,7 +206,8 @@ protected:
                 work();
                 calls_to_go = -1;
                 const std::string where = "call " + std::to_string(k) + " errno " + std::to_string(error) +
-                                          (answer == RESULT_OK ? " skipped" : " cancelled");
+                                          (answer == RESULT_OK ? " skipped" : " cancelled") +
+                                          (old_file_system ? " old" : "");
                 check(where);
                 ExpectNoTemporaries(where);
             } while (calls_made >= k && !HasFailure());
@@ -315,6 +342,24 @@ TEST_F(FaultTest, ADeleteTakesNothingElse)
             RemoveFile(files.At("from/t/"), &answer);
         },
         [&](const std::string& where) { EXPECT_EQ(Describe("to"), before) << where; });
+}
+
+TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
+{
+    // A signal ends the process from inside the main loop that the engine runs.
+    files.File("from/large", std::string(32 << 20, 'x'));
+    files.File("to/large", "old");
+    const std::vector<std::string> before = files.Names("to");
+    ASSERT_EQ(RunInChild([&] {
+                  is_old_file_system = true;
+                  table.ConfilmOverwrite = 0;
+                  answers.at_paint = [&] { std::exit(files.Names("to").size() == 2 ? CHILD_PASSED : CHILD_FAILED); };
+                  Copy("to", {"from/large"});
+                  ADD_FAILURE() << "was over too soon";
+              }),
+              CHILD_PASSED);
+    EXPECT_EQ(files.Names("to"), before);
+    EXPECT_EQ(files.Contents("to/large"), "old");
 }
 
 }  // namespace

@@ -16,5 +16,6 @@ struct Answers {
     int cancel_at_step = -1;
     bool cancel_when_painting = false;
     std::function<void()> at_step;  ///< Runs at every step, if there is one.
+    std::function<void()> at_paint;
 };
 extern Answers answers;
