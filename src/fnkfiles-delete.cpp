@@ -20,13 +20,10 @@ Result ReportUndeleted(const std::string& path, int error)
     return MessageBox(_("Error"), FormatPathMessage(_("Cannot delete file %s\ncause:%s"), path, error), STYLE_SKIP);
 }
 
-Result RemoveFileInternal(const Place& place, StepCount counted)
+namespace {
+
+Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
 {
-    struct stat st = {};
-    if (!GetStatus(place, &st)) {
-        return RESULT_DONE;
-    }
-    const bool is_directory = S_ISDIR(st.st_mode);
     bool skipped = false;
     // Somebody else may be quicker; what is gone is gone.
     if (unlinkat(place.directory, place.name.c_str(), is_directory ? AT_REMOVEDIR : 0) != 0 && errno != ENOENT) {
@@ -39,8 +36,6 @@ Result RemoveFileInternal(const Place& place, StepCount counted)
     const Result progress = !is_directory && counted == STEP_COUNTED ? ReportStep() : RESULT_DONE;
     return progress != RESULT_DONE ? progress : skipped ? RESULT_OK : RESULT_DONE;
 }
-
-namespace {
 
 /// Asks before the first directory that is not empty. RESULT_DONE: it may be emptied.
 Result AskOnce(const std::string& path, Result* answer)
@@ -88,18 +83,28 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 
 Result RemoveTree(const Place& place, Result* answer)
 {
-    if (!IsDirectory(place)) {
-        return RemoveFileInternal(place, STEP_COUNTED);
+    struct stat st = {};
+    if (!GetStatus(place, &st)) {
+        return RESULT_DONE;
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        return RemoveObject(place, false, STEP_COUNTED);
     }
     const DirectoryStream stream = OpenDirectory(place);
     if (stream == nullptr) {
         return RESULT_CANCEL;
     }
     const Result emptied = EmptyDirectory(stream.get(), place.path, answer);
-    return emptied != RESULT_DONE ? emptied : RemoveFileInternal(place, STEP_NOT_COUNTED);
+    return emptied != RESULT_DONE ? emptied : RemoveObject(place, true, STEP_NOT_COUNTED);
 }
 
 }  // namespace
+
+Result RemoveFileInternal(const Place& place, StepCount counted)
+{
+    struct stat st = {};
+    return GetStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted) : RESULT_DONE;
+}
 
 // An object whose directory cannot be entered is not there.
 
