@@ -45,6 +45,13 @@ struct Color {
     std::uint16_t blue = 0;
 };
 
+/// A line "key=value" of the associations: a file name extension or the name of an application, and
+/// the program it stands for. Bytes.
+struct AppInfo {
+    std::string Key;
+    std::string Value;
+};
+
 /// Texts of a history, newest first.
 using History = std::vector<std::string>;
 
@@ -64,6 +71,9 @@ struct GTable {
     int HistoryWalk = 0;                 ///< Flag: Back or Forward is under way, do not record the directory.
     int NameColumn = 1;                  ///< List column (the icon column is 0) that shows the name.
     unsigned long TreeSelectSignal = 0;  ///< Handler of the tree selection; 0 while disconnected.
+
+    std::vector<AppInfo> ExtensionList;    ///< Which program opens a file; the first that fits counts.
+    std::vector<AppInfo> ApplicationList;  ///< What the user can choose from when none does.
 
     GtkWidget* ProgressDlg = nullptr;  ///< While a file operation shows one.
     GtkWidget* ProgressBar = nullptr;
