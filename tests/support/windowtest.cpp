@@ -202,6 +202,47 @@ void SendKey(GtkWidget* window, guint key, guint state)
     gdk_event_free(event);
 }
 
+GtkWidget* FindByText(GtkWidget* widget, const std::string& text)
+{
+    const bool is_button = GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) != nullptr;
+    if ((is_button && gtk_button_get_label(GTK_BUTTON(widget)) == text) ||
+        (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == text)) {
+        return widget;
+    }
+    GtkWidget* found = nullptr;
+    if (GTK_IS_CONTAINER(widget)) {
+        const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(widget)),
+                                                                      &g_list_free);
+        for (GList* child = children.get(); child != nullptr && found == nullptr; child = child->next) {
+            found = FindByText(GTK_WIDGET(child->data), text);
+        }
+    }
+    return found;
+}
+
+void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act)
+{
+    struct Waiting {
+        const std::function<void(GtkWidget*)>& act;
+        bool done = false;
+    } waiting{act};
+    const guint source = g_idle_add(
+        [](gpointer data) -> gboolean {
+            auto* const now = static_cast<Waiting*>(data);
+            now->done = true;
+            GtkWidget* const dialog = gtk_grab_get_current();
+            EXPECT_TRUE(Await([dialog] { return gtk_window_is_active(GTK_WINDOW(dialog)) != FALSE; }));
+            now->act(dialog);
+            return G_SOURCE_REMOVE;
+        },
+        &waiting);
+    open();
+    EXPECT_TRUE(waiting.done) << "no dialog was opened";
+    if (!waiting.done) {
+        g_source_remove(source);
+    }
+}
+
 OrdinaryUser::OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
 {
     if (geteuid() != 0) {

@@ -35,6 +35,13 @@ void SendKey(GtkWidget* window, guint key, guint state = 0);
 /// What the window manager's close button sends to the window.
 void SendClose(GtkWidget* window);
 
+/// The button of that label, or the label of that text, anywhere below the widget.
+GtkWidget* FindByText(GtkWidget* widget, const std::string& text);
+
+/// Does what opens a modal dialog and, once that is on the screen, acts on it. The act is to end
+/// the dialog, now or by and by.
+void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act);
+
 /// While it lives, files are read with the rights of a user whom permissions stop. The display was
 /// connected before and stays so. The directories are given to that user.
 class OrdinaryUser {

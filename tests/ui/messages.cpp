@@ -12,25 +12,6 @@
 
 namespace {
 
-/// The button of that label, or the label of that text, anywhere below the widget.
-GtkWidget* FindByText(GtkWidget* widget, const std::string& text)
-{
-    const bool is_button = GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) != nullptr;
-    if ((is_button && gtk_button_get_label(GTK_BUTTON(widget)) == text) ||
-        (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == text)) {
-        return widget;
-    }
-    GtkWidget* found = nullptr;
-    if (GTK_IS_CONTAINER(widget)) {
-        const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(widget)),
-                                                                      &g_list_free);
-        for (GList* child = children.get(); child != nullptr && found == nullptr; child = child->next) {
-            found = FindByText(GTK_WIDGET(child->data), text);
-        }
-    }
-    return found;
-}
-
 class Messages : public WindowTest {
 protected:
     using Act = std::function<void(GtkWidget*)>;
@@ -38,16 +19,9 @@ protected:
     /// Opens a box and, once it is on the screen, does something to it.
     static Result Answer(const std::function<Result()>& ask, const Act& act)
     {
-        const Act* acting = &act;
-        g_idle_add(
-            [](gpointer data) -> gboolean {
-                GtkWidget* const box = gtk_grab_get_current();
-                EXPECT_TRUE(Await([box] { return gtk_window_is_active(GTK_WINDOW(box)) != FALSE; }));
-                (**static_cast<const Act**>(data))(box);
-                return G_SOURCE_REMOVE;
-            },
-            &acting);
-        return ask();
+        Result result = RESULT_CANCEL;
+        DuringDialog([&] { result = ask(); }, act);
+        return result;
     }
     static Act Pressing(const char* label)
     {
