@@ -20,7 +20,6 @@ namespace {
 
 /// No per-user file is anywhere near this large; one that is would only exhaust the memory.
 constexpr off_t kMaxFileBytes = 64 << 20;
-constexpr int kMaxLinks = 40;
 constexpr std::size_t kMaxValueBytes = 4095;
 constexpr std::size_t kNumberSize = 63;
 constexpr std::size_t kFlagSize = 15;

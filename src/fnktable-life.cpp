@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "fnkfiles-associations.h"
 #include "fnkfiles-settings.h"
 #include "fnkmainwindow-record.h"
 #include "fnktable.h"
@@ -53,6 +54,8 @@ int InitGlobalTable()
     }
     GetGTable();
     settings_loaded = true;
+    ReadAppInfo("[Extension]", &pGTable->ExtensionList);
+    ReadAppInfo("[Application]", &pGTable->ApplicationList);
     return 0;
 }
 
@@ -70,6 +73,8 @@ void TerminateGlobalTable()
     if (table != nullptr) {
         g_clear_object(&table->OpenDirPixmap);
         g_clear_object(&table->CloseDirPixmap);
+        FreeAppInfo(table->ExtensionList);
+        FreeAppInfo(table->ApplicationList);
     }
     delete table;
     delete widgets;

@@ -1,7 +1,7 @@
 #pragma once
 // Birth and death of the two global records.
 
-/// Allocates both records and loads the settings. 0, or -65533 when the folder pictures cannot be
+/// Allocates both records and loads the settings and associations. 0, or -65533 when the folder pictures cannot be
 /// made; nothing is written then.
 int InitGlobalTable();
 

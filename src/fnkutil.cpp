@@ -17,8 +17,6 @@
 
 namespace {
 
-/// As many links as the kernel follows before it gives up with ELOOP.
-constexpr int kMaxLinks = 40;
 constexpr std::size_t kHistoryLength = 10;
 
 bool IsUtf8Locale()
@@ -140,6 +138,21 @@ int CheckChildDirectory(const std::string& path)
     return is_root_itself || path.starts_with(root) ? 0 : 1;
 }
 
+bool ReadLink(const std::string& path, std::string& target)
+{
+    char buffer[kMaxPathBytes + 1];
+    const ssize_t length = readlink(path.c_str(), buffer, sizeof buffer);
+    if (length < 0) {
+        return false;
+    }
+    if (length > static_cast<ssize_t>(kMaxPathBytes)) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    target.assign(buffer, static_cast<std::size_t>(length));
+    return true;
+}
+
 int IsDirectory(const std::string& path)
 {
     struct stat st = {};
@@ -229,21 +242,6 @@ std::string TakeComponent(std::string& rest)
     std::string component = rest.substr(begin, end - begin);
     rest.erase(0, end);
     return component;
-}
-
-bool ReadLink(const std::string& path, std::string& target)
-{
-    char buffer[kMaxPathBytes + 1];
-    const ssize_t length = readlink(path.c_str(), buffer, sizeof buffer);
-    if (length < 0) {
-        return false;
-    }
-    if (length > static_cast<ssize_t>(kMaxPathBytes)) {
-        errno = ENAMETOOLONG;
-        return false;
-    }
-    target.assign(buffer, static_cast<std::size_t>(length));
-    return true;
 }
 
 /// Like realpath, but what could be resolved is kept when a lookup fails: the one missing

@@ -23,6 +23,9 @@ enum FileType : std::uint8_t {
     FT_FIFO,
 };
 
+/// As many links as the kernel follows before it gives up with ELOOP.
+constexpr int kMaxLinks = 40;
+
 /// Verdict on a path that the user typed.
 enum PathStatus {
     PATH_EMPTY,
@@ -73,6 +76,9 @@ std::string WithSlash(std::string path);
 std::string GetHomeDirectory();
 /// 0 when path is RootDir, with or without its "/", or below it; 1 otherwise. Compares text only.
 int CheckChildDirectory(const std::string& path);
+/// Reads where a symbolic link points; false, with errno set, when it cannot be read or points to
+/// more than kMaxPathBytes.
+bool ReadLink(const std::string& path, std::string& target);
 /// 1 when path is a directory; a symbolic link to one is not, unless a "/" follows its name.
 int IsDirectory(const std::string& path);
 /// A byte count in the unit it is shown in, rounded to a tenth.

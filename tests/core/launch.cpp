@@ -1,0 +1,315 @@
+// Opening files: what it comes to, and how programs are started.
+
+#include "fnkutil-launch.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+#include <sstream>
+
+#include "child.h"
+#include "fnkutil.h"
+#include "program.h"
+#include "tabletest.h"
+
+namespace {
+
+class DecideWhat : public TableTest {
+protected:
+    void Expect(const std::string& name, LaunchKind kind, const std::string& end, const std::string& program = "")
+    {
+        const Launch launch = DecideLaunch(files.At(name));
+        EXPECT_EQ(launch.kind, kind) << name;
+        EXPECT_EQ(launch.program, program) << name;
+        if (kind != LAUNCH_NOTHING && kind != LAUNCH_OUTSIDE_ROOT) {
+            EXPECT_EQ(launch.path, files.At(end)) << name;
+        }
+    }
+};
+
+TEST_F(DecideWhat, ModeAndExtensionDecide)
+{
+    SetLocale(kUtf8Locale);
+    table.ExtensionList = {{"txt", "view"}, {"none", ""}, {"opt", "view -x; y"}};
+    files.Directory("dir.txt");
+    files.File("run.txt", "", 0744);
+    files.File("group-run.txt", "", 0474);
+    files.File("a\n\xFF.TXT");
+    files.File("write-only.txt", "", 0244);
+    for (const char* const name : {"x.none", "x.opt", "README", "x.unknown"}) {
+        files.File(name);
+    }
+    files.Link("broken", "gone");
+    Expect("dir.txt", LAUNCH_DIRECTORY, "dir.txt");
+    Expect("dir.txt/", LAUNCH_DIRECTORY, "dir.txt");
+    Expect("run.txt", LAUNCH_ITSELF, "run.txt");
+    Expect("group-run.txt", LAUNCH_PROGRAM, "group-run.txt", "view");
+    Expect("a\n\xFF.TXT", LAUNCH_PROGRAM, "a\n\xFF.TXT", "view");
+    Expect("write-only.txt", LAUNCH_NOTHING, "");
+    Expect("x.opt", LAUNCH_PROGRAM, "x.opt", "view -x; y");
+    Expect("README", LAUNCH_CHOICE, "README");
+    Expect("x.unknown", LAUNCH_CHOICE, "x.unknown");
+    EXPECT_EQ(DecideLaunch(files.At("x.none")).kind, LAUNCH_NOTHING);
+    Expect("gone", LAUNCH_NOTHING, "");
+    Expect("broken", LAUNCH_NOTHING, "");
+    EXPECT_EQ(DecideLaunch("").kind, LAUNCH_NOTHING);
+}
+
+TEST_F(DecideWhat, FilesOfOthersAreJudgedByTheirLastBitsAlone)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the super-user can give files away";
+    }
+    table.ExtensionList = {{"txt", "view"}};
+    const std::tuple<const char*, mode_t, LaunchKind> cases[] = {{"program.txt", 0744, LAUNCH_ITSELF},
+                                                                 {"shared.txt", 0644, LAUNCH_PROGRAM},
+                                                                 {"group.txt", 0640, LAUNCH_NOTHING},
+                                                                 {"odd.txt", 0044, LAUNCH_PROGRAM}};
+    for (const auto& [name, mode, kind] : cases) {
+        Require(chown(files.File(name, "", mode).c_str(), 65534, 0) == 0, name);
+        EXPECT_EQ(DecideLaunch(files.At(name)).kind, kind) << name;
+    }
+}
+
+TEST_F(DecideWhat, LinksAreFollowedOneByOneInsideTheRoot)
+{
+    ScratchDirectory other;
+    other.File("secret.txt");
+    table.ExtensionList = {{"txt", "view"}};
+    table.CurrentDir = files.Directory("here") + "/";
+    files.File("here/a.txt");
+    files.File("run", "", 0755);
+    files.Link("here/sibling", "a.txt");
+    files.Link("here/up", "../run");
+    files.Link("here/all", "..");
+    files.Link("here/far", files.At("below/second"));
+    files.Link("below/second", "third");  // Counts from below, not from here.
+    files.Link("below/third", "../here/a.txt");
+    files.Link("here/root", files.Path().substr(0, files.Path().size() - 1));
+    Expect("here/sibling", LAUNCH_PROGRAM, "here/a.txt", "view");
+    Expect("here/up", LAUNCH_ITSELF, "run");
+    Expect("here/all", LAUNCH_DIRECTORY, "");
+    Expect("here/far", LAUNCH_PROGRAM, "here/a.txt", "view");
+    Expect("here/root", LAUNCH_DIRECTORY, "");
+
+    const std::string name = GetLastPath(other.Path());
+    files.Link("here/out", other.At("secret.txt"));
+    files.Link("here/dots", "../../" + name + "/secret.txt");
+    files.Link("here/text", files.At("../") + name + "/secret.txt");
+    files.Link("here/nowhere", "/nonexistent/a.txt");
+    files.Link("door", other.Path());
+    files.Link("here/door", "../door/secret.txt");
+    files.Link("here/chain", "out");
+    for (const char* const out : {"here/out", "here/dots", "here/text", "here/nowhere", "here/door", "here/chain"}) {
+        Expect(out, LAUNCH_OUTSIDE_ROOT, "");
+    }
+    EXPECT_EQ(DecideLaunch(other.At("secret.txt")).kind, LAUNCH_OUTSIDE_ROOT);
+
+    // A root that is itself reached through a link.
+    table.RootDir = other.Link("root", files.Path()) + "/";
+    const Launch launch = DecideLaunch(table.RootDir + "here/far");
+    EXPECT_EQ(launch.kind, LAUNCH_PROGRAM);
+    EXPECT_EQ(launch.path, table.RootDir + "here/a.txt");
+    EXPECT_EQ(DecideLaunch(table.RootDir + "here/out").kind, LAUNCH_OUTSIDE_ROOT);
+    table.RootDir = "/";
+    EXPECT_EQ(DecideLaunch(files.At("here/out")).path, other.At("secret.txt"));
+}
+
+TEST_F(DecideWhat, AChainOfLinksEnds)
+{
+    files.Link("self", "self");
+    files.Link("ping", "pong");
+    files.Link("pong", "./ping");
+    files.File("end.x");
+    std::string target = "end.x";
+    for (int i = 1; i <= 41; ++i) {
+        const std::string name = "link" + std::to_string(i);
+        files.Link(name, target);
+        target = name;
+    }
+    Expect("self", LAUNCH_NOTHING, "");
+    Expect("ping", LAUNCH_NOTHING, "");
+    Expect("link40", LAUNCH_CHOICE, "end.x");
+    Expect("link41", LAUNCH_NOTHING, "");
+    files.Link("long", std::string(2040, '/') + "end.x");
+    Expect("long", LAUNCH_OUTSIDE_ROOT, "");
+    files.Link("longer", std::string(2048, 'x'));
+    Expect("longer", LAUNCH_NOTHING, "");
+}
+
+using Words = std::vector<std::string>;
+
+class Exec : public TableTest {
+protected:
+    /// The number in a line "SigIgn:\t0000000000000000" of what the last program was.
+    std::string StatusOf(const char* key) const
+    {
+        std::string value;
+        EXPECT_EQ(GetStatus(key, programs.directory.Contents("status").c_str(), value, 100), 0);
+        return value;
+    }
+    /// A process as the system tells of it.
+    void Process(const std::string& id, const std::string& status) const
+    {
+        files.File("proc/" + id + "/status", status);
+    }
+
+    ReportingPrograms programs;
+    const std::string program = programs.Make("program");
+    const Browser browser{programs.Make("start"), files.Directory("proc")};
+};
+
+TEST_F(Exec, TheProgramIsOnItsOwn)
+{
+    const int leak = dup2(0, 77);
+    struct sigaction ignore = {};
+    struct sigaction before = {};
+    ignore.sa_handler = SIG_IGN;
+    sigaction(SIGTERM, &ignore, &before);
+    sigset_t mask;
+    sigset_t old_mask;
+    sigemptyset(&mask);
+    sigaddset(&mask, SIGINT);
+    pthread_sigmask(SIG_SETMASK, &mask, &old_mask);
+    const pid_t helper = ExecProcess(program, "/a b\n\xFF;$(x)");
+    EXPECT_EQ(programs.Next(), (Words{program, "/a b\n\xFF;$(x)"}));
+    sigset_t mask_after;
+    pthread_sigmask(SIG_SETMASK, &old_mask, &mask_after);
+    sigaction(SIGTERM, &before, nullptr);
+    EXPECT_EQ(sigismember(&mask_after, SIGINT), 1);
+    EXPECT_EQ(sigismember(&mask_after, SIGTERM), 0);
+    close(leak);
+
+    std::istringstream stat(programs.directory.Contents("stat"));
+    std::string name;
+    std::string state;
+    pid_t process = 0;
+    pid_t parent = 0;
+    pid_t group = 0;
+    pid_t session = 0;
+    stat >> process >> name >> state >> parent >> group >> session;
+    EXPECT_GT(helper, 0);
+    EXPECT_NE(parent, getpid());
+    EXPECT_EQ(session, process);
+    EXPECT_EQ(group, process);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+    EXPECT_EQ(StatusOf("SigIgn:"), "0000000000000000");
+    EXPECT_EQ(StatusOf("SigBlk:"), "0000000000000000");
+    EXPECT_EQ(programs.directory.Contents("fd"), "0\n1\n2\n3\n") << "3 is the reader's own";
+}
+
+TEST_F(Exec, AProgramIsOneNameSearchedForAlongThePath)
+{
+    programs.Make("with blank");
+    const ScratchDirectory first;
+    first.Directory("program");
+    first.File("plain", "echo this is no program", 0755);
+    const std::string search_path = first.Path() + "::" + programs.directory.Path();
+    const ScopedVariable path("PATH", ("/usr/bin:/bin:" + search_path).c_str());
+    const ScopedVariable variable("FENNICK_SEEN", "1");
+    for (const char* const text : {"program --option", "program;true", "gone", "plain", "", "/gone/program"}) {
+        EXPECT_GT(ExecProcess(text, "x"), 0) << text;
+    }
+    // Had any of those been started, it would come first.
+    ExecProcess("program", "");
+    EXPECT_EQ(programs.Next(), Words{programs.directory.At("program")});
+    ExecProcess("with blank", "--x");
+    EXPECT_EQ(programs.Next(), (Words{programs.directory.At("with blank"), "--x"}));
+}
+
+TEST_F(Exec, TheBrowserIsAskedToShowTheFile)
+{
+    ExecProcess(browser.start, "/a.html", browser);
+    EXPECT_EQ(programs.Next(), (Words{browser.start, "file:/a.html"}));
+    Process("4242", "Name:\tnetscape-x\nState:\tS (sleeping)\n");
+    ExecProcess(browser.start, "/a b.html", browser);
+    EXPECT_EQ(programs.Next(), (Words{browser.start, "-remote", "openURL(/a b.html)"}));
+    ExecProcess(browser.start, "", browser);
+    EXPECT_EQ(programs.Next(), Words{browser.start});
+    ExecProcess(program, "/a.html", browser);
+    EXPECT_EQ(programs.Next(), (Words{program, "/a.html"}));
+}
+
+TEST_F(Exec, WithoutTheBrowserTheDesktopOpensTheFile)
+{
+    const std::string opener = programs.Make("xdg-open");
+    const ScopedVariable path("PATH", (programs.directory.Path() + ":/usr/bin:/bin").c_str());
+    const Browser absent{files.At("absent"), browser.processes};
+    Process("4242", "Name:\tnetscape\nState:\tS (sleeping)\n");
+    ExecProcess(absent.start, "/a b.html", absent);
+    EXPECT_EQ(programs.Next(), (Words{programs.directory.Path() + "xdg-open", "/a b.html"}));
+    if (access(Browser().start.c_str(), F_OK) != 0) {
+        ExecProcess("/usr/lib/netscape/start", "/help.htm");
+        EXPECT_EQ(programs.Next(), (Words{programs.directory.Path() + "xdg-open", "/help.htm"}));
+    }
+}
+
+TEST_F(Exec, ABrowserIsAProcessOfThatNameThatLives)
+{
+    EXPECT_EQ(CheckWebProcess(files.At("gone")), 0);
+    Process("1", "Name:\tinit\nState:\tS\n");
+    Process("2", "Name:\tnetscape\nState:\tZ (zombie)\n");
+    Process("3", "Name:\tnetscape\n");
+    Process("4", "State:\tS\n");
+    Process("5", "Name:\tmynetscape\nState:\tR\n");
+    Process("6", "");
+    Process("self", "Name:\tnetscape\nState:\tR\n");
+    files.Directory("proc/7");
+    EXPECT_EQ(CheckWebProcess(browser.processes), 0);
+    Process("88", "Name: \t netscape-communicator\nUmask:\t0022\nState:\tR (running)\n");
+    EXPECT_EQ(CheckWebProcess(browser.processes), 88);
+
+    // A real one, alive and dead.
+    int ready[2];
+    int stop[2];
+    Require(pipe(ready) == 0 && pipe(stop) == 0, "pipe");
+    const pid_t process = fork();
+    char byte = 0;
+    if (process == 0) {
+        prctl(PR_SET_NAME, "netscape-test");
+        close(stop[1]);
+        _exit(write(ready[1], &byte, 1) == 1 && read(stop[0], &byte, 1) == 0 ? 0 : 1);
+    }
+    Require(read(ready[0], &byte, 1) == 1, "read");
+    EXPECT_EQ(CheckWebProcess(), process);
+    close(stop[1]);
+    siginfo_t info;
+    waitid(P_PID, static_cast<id_t>(process), &info, WEXITED | WNOWAIT);
+    EXPECT_NE(CheckWebProcess(), process) << "a zombie";
+    waitpid(process, nullptr, 0);
+    for (const int fd : {ready[0], ready[1], stop[0]}) {
+        close(fd);
+    }
+}
+
+TEST_F(Exec, ANewWindowGetsTheSameCommandLine)
+{
+    const std::string fennick = programs.Make("fennick");
+    const ScopedVariable path("PATH", (programs.directory.Path() + ":/usr/bin:/bin").c_str());
+    EXPECT_GT(ExecFennick(), 0);
+    EXPECT_EQ(programs.Next(), Words{fennick});
+    std::string words[] = {"./fennick", "--home", "/a b"};
+    char* line[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
+    table.ArgV = line;
+    ExecFennick();
+    EXPECT_EQ(programs.Next(), (Words{fennick, "--home", "/a b"}));
+}
+
+TEST_F(Exec, WithoutRoomForAProcessTheProgramStops)
+{
+    const std::string output = files.File("output");
+    const ChildResult result = RunInChild([&] {
+        Require(freopen(output.c_str(), "w", stderr) != nullptr, output);
+        BecomeOrdinaryUser(files);
+        const struct rlimit none = {};
+        setrlimit(RLIMIT_CORE, &none);
+        setrlimit(RLIMIT_NPROC, &none);
+        ExecProcess(program, "");
+    });
+    EXPECT_EQ(result, CHILD_DIED);
+    EXPECT_NE(files.Contents("output").find("Not enough mmemory! Stop."), std::string::npos);
+}
+
+}  // namespace

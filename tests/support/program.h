@@ -1,0 +1,67 @@
+#pragma once
+// Programs that tell a test how they were started.
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "scratch.h"
+
+/// Makes programs that report their words, the name first, and listens to them. What else they
+/// know of themselves they leave in the files "fd", "stat" and "status" of the directory.
+class ReportingPrograms {
+public:
+    ReportingPrograms()
+    {
+        directory.Node("reports", S_IFIFO);
+        // For writing as well, or it would be at its end whenever no program has it open.
+        reports_ = open(directory.At("reports").c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
+        Require(reports_ >= 0, "reports");
+    }
+    ReportingPrograms(const ReportingPrograms&) = delete;
+    ReportingPrograms& operator=(const ReportingPrograms&) = delete;
+    ~ReportingPrograms() { close(reports_); }
+
+    /// The file of a program, in the directory unless the test has another place for it.
+    std::string Make(const std::string& name) const { return Make(name, directory); }
+    std::string Make(const std::string& name, const ScratchDirectory& place) const
+    {
+        return place.File(name,
+                          "#!/bin/sh\n"
+                          "set -- \"$0\" \"$@\"\n"
+                          "cd '" +
+                              directory.Path() +
+                              "' || exit\n"
+                              "ls /proc/self/fd >fd\n"
+                              "cat /proc/$$/stat >stat\n"
+                              "cat /proc/self/status >status\n"
+                              "printf '%s\\0' \"$@\" end >reports\n",
+                          0755);
+    }
+    /// The words of the next program that is started; none when none is for long.
+    std::vector<std::string> Next()
+    {
+        constexpr int kDeadlineMilliseconds = 20'000;
+        std::vector<std::string> words;
+        std::string word;
+        struct pollfd waiting = {reports_, POLLIN, 0};
+        for (char byte = 0; poll(&waiting, 1, kDeadlineMilliseconds) == 1 && read(reports_, &byte, 1) == 1;) {
+            if (byte != '\0') {
+                word += byte;
+            } else if (word == "end") {
+                return words;
+            } else {
+                words.push_back(std::move(word));
+                word.clear();
+            }
+        }
+        return {};
+    }
+
+    ScratchDirectory directory;
+
+private:
+    int reports_ = -1;
+};
