@@ -443,6 +443,8 @@ void ActivateListRow(std::size_t index)
         }
     } else if (rows.Row(index).is_directory) {
         OpenChildTree(MainTree(), pGTable->CurrentDir + rows.Name(index) + "/", EXPAND_LAST_YES);
+    } else if (OnFileList.FileActivated != nullptr) {
+        OnFileList.FileActivated(pGTable->CurrentDir + rows.Name(index));
     }
 }
 

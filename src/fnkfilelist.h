@@ -12,6 +12,8 @@
 /// What the window above does when the list has something to tell; set once at start.
 struct FileListEvents {
     void (*SelectionChanged)() = nullptr;
+    /// A row that is no directory was activated.
+    void (*FileActivated)(const std::string& path) = nullptr;
 };
 extern FileListEvents OnFileList;
 
@@ -27,7 +29,7 @@ int DisplayFileList(const std::string& path);
 /// Sorts by the column, or the other way round when it is sorted by it already.
 void on_FileList_click_column(int column);
 
-/// What a double click on the row does: opens a directory, or the parent for "..".
+/// What a double click on the row does: opens the entry, or the parent for "..".
 void ActivateListRow(std::size_t index);
 
 /// MainW::FileList; null while there is none.

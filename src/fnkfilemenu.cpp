@@ -1,5 +1,6 @@
 #include "fnkfilemenu.h"
 
+#include "fnkdirtree-walk.h"
 #include "fnkdirtree.h"
 #include "fnkfilelist.h"
 #include "fnkfilemenu-targets.h"
@@ -8,9 +9,22 @@
 #include "fnkstring.h"
 #include "fnktable-life.h"
 #include "fnktoolbar.h"
+#include "fnkutil-launch.h"
 #include "fnkutil.h"
 
 namespace {
+
+/// One thing at a time can be opened, and of the tree only what there is to expand.
+bool HasOpenableTarget()
+{
+    GtkTreeIter node;
+    const std::size_t rows = CountListSelection();
+    if (rows > 0 || !GetTreeSelect(MainTree(), &node, nullptr)) {
+        return rows <= 1;
+    }
+    const TreeWalk walk(MainTree());
+    return walk.HasChildren(node) && !walk.IsExpanded(node);
+}
 
 /// The top directory itself cannot be deleted, or be gone from.
 bool HasChangeableTarget()
@@ -49,8 +63,27 @@ void DeletePaths(const std::vector<std::string>& paths, const std::string& paren
 
 void on_Menu_File_activate(GtkWidget*, gpointer)
 {
+    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_OPEN], HasOpenableTarget());
     gtk_widget_set_sensitive(pMainW->MenuItem[MENU_DELETE], HasChangeableTarget());
     SensitivePropertyButton();
+}
+
+void on_Menu_CreateNewWindow_activate(GtkWidget*, gpointer)
+{
+    ExecFennick();
+}
+
+void on_Menu_Open_activate(GtkWidget*, gpointer)
+{
+    if (!HasOpenableTarget()) {
+        return;
+    }
+    std::string path;
+    if (const std::vector<std::size_t> rows = ListSelection(); !rows.empty()) {
+        ActivateListRow(rows.front());
+    } else if (GetTreeSelect(MainTree(), nullptr, &path)) {
+        OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
+    }
 }
 
 void on_Menu_Delete_activate(GtkWidget*, gpointer)

@@ -13,6 +13,7 @@
 #include "fnkstring.h"
 #include "fnktable-life.h"
 #include "fnktoolbar.h"
+#include "fnkutil-open.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 
@@ -142,7 +143,7 @@ GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
 GtkWidget* CreateMainWindow()
 {
     OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
-    OnFileList = {.SelectionChanged = SensitivePropertyButton};
+    OnFileList = {.SelectionChanged = SensitivePropertyButton, .FileActivated = ExecApplication};
     ReadLiveLayout = ReadLayout;
 
     GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);

@@ -32,9 +32,9 @@ struct MenuTableEntry {
 };
 
 constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
-    {MENU_ITEM, N_("Create new window(_W)")},
+    {MENU_ITEM, N_("Create new window(_W)"), on_Menu_CreateNewWindow_activate},
     {MENU_WITH_SUBMENU, N_("New(_N)")},
-    {MENU_ITEM, N_("Open(_O)"), nullptr, GDK_KEY_F3},
+    {MENU_ITEM, N_("Open(_O)"), on_Menu_Open_activate, GDK_KEY_F3},
     {MENU_ITEM, N_("Copy(_C)...")},
     {MENU_ITEM, N_("Move(_M)...")},
     {MENU_ITEM, N_("Delete(_D)..."), on_Menu_Delete_activate},
@@ -101,6 +101,16 @@ void on_Menu_select(GtkWidget*, gpointer index)
 void on_Menu_deselect(GtkWidget*, gpointer)
 {
     RestoreStatusText();
+}
+
+/// A key does what its entry would do if the menu were opened now: the entry is asked before that,
+/// and would answer with what was selected when the menu was last opened.
+gboolean on_Menu_can_activate_accel(GtkWidget* item, guint, gpointer title)
+{
+    if (pGTable != nullptr) {
+        kTitles[GPOINTER_TO_SIZE(title)].handler(item, nullptr);
+    }
+    return FALSE;  // The toolkit's own answer, which comes last, counts.
 }
 
 GtkWidget* CreateSubMenu(GtkWidget* item, GtkAccelGroup* accelerators)
@@ -173,7 +183,11 @@ GtkWidget* CreateMenuBar(GtkWidget* box)
     for (const MenuTitle& title : kTitles) {
         GtkWidget* const menu = CreateMenu(bar, accelerators, title);
         for (const std::size_t end = index + title.entries; index < end; ++index) {
-            pMainW->MenuItem[index] = CreateMenuItem(menu, accelerators, index);
+            GtkWidget* const item = pMainW->MenuItem[index] = CreateMenuItem(menu, accelerators, index);
+            if (kEntries[index].key != 0 && title.handler != nullptr) {
+                g_signal_connect(item, "can-activate-accel", G_CALLBACK(on_Menu_can_activate_accel),
+                                 GSIZE_TO_POINTER(&title - kTitles.data()));
+            }
         }
     }
     GtkWidget* const submenu = CreateSubMenu(pMainW->MenuItem[MENU_NEW], accelerators);

@@ -83,8 +83,8 @@ TEST_F(Menus, WhatIsNotBuiltIsInsensitive)
     Start();
     const auto expect_sensitive = [this] {
         for (std::size_t i = 0; i < pMainW->MenuItem.size(); ++i) {
-            const bool built = i == MENU_NEW || i == MENU_DELETE || i == MENU_CLOSE_WINDOW || i == MENU_SELECT_ALL ||
-                               i == MENU_RESCAN_DIRECTORY;
+            const bool built = i == MENU_NEW_WINDOW || i == MENU_NEW || i == MENU_OPEN || i == MENU_DELETE ||
+                               i == MENU_CLOSE_WINDOW || i == MENU_SELECT_ALL || i == MENU_RESCAN_DIRECTORY;
             EXPECT_EQ(gtk_widget_get_sensitive(pMainW->MenuItem[i]), built) << i;
         }
         for (GtkWidget* const item : Items(Submenu(pMainW->MenuItem[MENU_NEW]))) {
