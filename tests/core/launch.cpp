@@ -113,6 +113,8 @@ TEST_F(DecideWhat, LinksAreFollowedOneByOneInsideTheRoot)
     EXPECT_EQ(launch.kind, LAUNCH_PROGRAM);
     EXPECT_EQ(launch.path, table.RootDir + "here/a.txt");
     EXPECT_EQ(DecideLaunch(table.RootDir + "here/out").kind, LAUNCH_OUTSIDE_ROOT);
+    files.Link("here/top", other.At("root"));
+    EXPECT_EQ(DecideLaunch(table.RootDir + "here/top").path, table.RootDir);
     table.RootDir = "/";
     EXPECT_EQ(DecideLaunch(files.At("here/out")).path, other.At("secret.txt"));
 }
@@ -143,12 +145,23 @@ using Words = std::vector<std::string>;
 
 class Exec : public TableTest {
 protected:
-    /// The number in a line "SigIgn:\t0000000000000000" of what the last program was.
-    std::string StatusOf(const char* key) const
+    /// What a program writes to the standard output that it inherits, until it ends.
+    static std::string OutputOf(const std::string& name, const std::string& argument)
     {
-        std::string value;
-        EXPECT_EQ(GetStatus(key, programs.directory.Contents("status").c_str(), value, 100), 0);
-        return value;
+        int ends[2];
+        const int output = dup(STDOUT_FILENO);
+        std::fflush(stdout);
+        Require(output >= 0 && pipe2(ends, O_CLOEXEC) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0, "pipe");
+        ExecProcess(name, argument);
+        dup2(output, STDOUT_FILENO);
+        close(ends[1]);
+        close(output);
+        std::string text;
+        for (char byte = 0; read(ends[0], &byte, 1) == 1;) {
+            text += byte;
+        }
+        close(ends[0]);
+        return text;
     }
     /// A process as the system tells of it.
     void Process(const std::string& id, const std::string& status) const
@@ -161,7 +174,27 @@ protected:
     const Browser browser{programs.Make("start"), files.Directory("proc")};
 };
 
-TEST_F(Exec, TheProgramIsOnItsOwn)
+TEST_F(Exec, TheProgramIsNoChildAndHasASessionOfItsOwn)
+{
+    const pid_t helper = ExecProcess(program, "/a b\n\xFF;$(x)");
+    EXPECT_EQ(programs.Next(), (Words{program, "/a b\n\xFF;$(x)"}));
+    EXPECT_GT(helper, 0);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
+    std::istringstream stat(OutputOf("cat", "/proc/self/stat"));
+    std::string name;
+    std::string state;
+    pid_t process = 0;
+    pid_t parent = 0;
+    pid_t group = 0;
+    pid_t session = 0;
+    stat >> process >> name >> state >> parent >> group >> session;
+    EXPECT_EQ(name, "(cat)");
+    EXPECT_NE(parent, getpid());
+    EXPECT_EQ(session, process);
+    EXPECT_EQ(group, process);
+}
+
+TEST_F(Exec, TheProgramInheritsNothingOpenAndNoSignals)
 {
     const int leak = dup2(0, 77);
     struct sigaction ignore = {};
@@ -173,31 +206,20 @@ TEST_F(Exec, TheProgramIsOnItsOwn)
     sigemptyset(&mask);
     sigaddset(&mask, SIGINT);
     pthread_sigmask(SIG_SETMASK, &mask, &old_mask);
-    const pid_t helper = ExecProcess(program, "/a b\n\xFF;$(x)");
-    EXPECT_EQ(programs.Next(), (Words{program, "/a b\n\xFF;$(x)"}));
+    const std::string open_descriptors = OutputOf("ls", "/proc/self/fd");
+    const std::string status = OutputOf("cat", "/proc/self/status");
     sigset_t mask_after;
     pthread_sigmask(SIG_SETMASK, &old_mask, &mask_after);
     sigaction(SIGTERM, &before, nullptr);
+    close(leak);
+    EXPECT_EQ(open_descriptors, "0\n1\n2\n3\n") << "3 is the reader's own";
+    for (const char* const key : {"SigIgn:", "SigBlk:"}) {
+        std::string value;
+        EXPECT_EQ(GetStatus(key, status.c_str(), value, 100), 0);
+        EXPECT_EQ(value, "0000000000000000") << key;
+    }
     EXPECT_EQ(sigismember(&mask_after, SIGINT), 1);
     EXPECT_EQ(sigismember(&mask_after, SIGTERM), 0);
-    close(leak);
-
-    std::istringstream stat(programs.directory.Contents("stat"));
-    std::string name;
-    std::string state;
-    pid_t process = 0;
-    pid_t parent = 0;
-    pid_t group = 0;
-    pid_t session = 0;
-    stat >> process >> name >> state >> parent >> group >> session;
-    EXPECT_GT(helper, 0);
-    EXPECT_NE(parent, getpid());
-    EXPECT_EQ(session, process);
-    EXPECT_EQ(group, process);
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
-    EXPECT_EQ(StatusOf("SigIgn:"), "0000000000000000");
-    EXPECT_EQ(StatusOf("SigBlk:"), "0000000000000000");
-    EXPECT_EQ(programs.directory.Contents("fd"), "0\n1\n2\n3\n") << "3 is the reader's own";
 }
 
 TEST_F(Exec, AProgramIsOneNameSearchedForAlongThePath)

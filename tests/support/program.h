@@ -9,8 +9,7 @@
 
 #include "scratch.h"
 
-/// Makes programs that report their words, the name first, and listens to them. What else they
-/// know of themselves they leave in the files "fd", "stat" and "status" of the directory.
+/// Makes programs that report their words, the name first, and listens to them.
 class ReportingPrograms {
 public:
     ReportingPrograms()
@@ -28,17 +27,8 @@ public:
     std::string Make(const std::string& name) const { return Make(name, directory); }
     std::string Make(const std::string& name, const ScratchDirectory& place) const
     {
-        return place.File(name,
-                          "#!/bin/sh\n"
-                          "set -- \"$0\" \"$@\"\n"
-                          "cd '" +
-                              directory.Path() +
-                              "' || exit\n"
-                              "ls /proc/self/fd >fd\n"
-                              "cat /proc/$$/stat >stat\n"
-                              "cat /proc/self/status >status\n"
-                              "printf '%s\\0' \"$@\" end >reports\n",
-                          0755);
+        const std::string pipe = directory.At("reports");
+        return place.File(name, "#!/bin/sh\nprintf '%s\\0' \"$0\" \"$@\" end >'" + pipe + "'\n", 0755);
     }
     /// The words of the next program that is started; none when none is for long.
     std::vector<std::string> Next()

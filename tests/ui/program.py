@@ -62,6 +62,12 @@ class Fennick:
         assert self.process.poll() is None, f"ended at its start with {self.process.returncode}"
         return found[0] if found else None
 
+    @staticmethod
+    def all_windows():
+        # The search fails over a window that goes away meanwhile.
+        search = ["xdotool", "search", "--onlyvisible", "--name", "^Fennick$"]
+        return subprocess.run(search, capture_output=True, text=True).stdout.split()
+
     def find_application(self):
         desktop = Atspi.get_desktop(0)
         for index in range(desktop.get_child_count()):
@@ -318,6 +324,37 @@ class Program(unittest.TestCase):
         self.assertEqual(fennick.close(), "")
         for key, value in before.items():
             self.assertGreater(int(fennick.settings()[key]), value + 20, key)
+
+    def test_files_are_opened_and_windows_multiply(self):
+        self.file("file.txt")
+        viewer = os.path.join(self.directory, "viewer")
+        with open(viewer, "w", encoding="utf-8") as file:
+            file.write('#!/bin/sh\nprintf %s "$*" >"$0.new"\nmv "$0.new" "$0.seen"\n')
+        os.chmod(viewer, 0o755)
+        with open(os.path.join(self.home, ".extension"), "w", encoding="utf-8") as file:
+            file.write(f"[Extension]\ntxt={viewer}\n")
+        fennick = self.start()
+        fennick.click_row("file.txt", times=2)
+        wait_for("the viewer", lambda: os.path.exists(viewer + ".seen"))
+        with open(viewer + ".seen", encoding="utf-8") as file:
+            self.assertEqual(file.read(), os.path.join(self.home, "file.txt"))
+
+        # Another window by its letters; the program is not installed, so it finds itself.
+        self.assertIsNone(shutil.which("fennick"))
+        fennick.keys("alt+f")
+        fennick.await_status(" Create a new window.")
+        fennick.keys("w")
+        other = wait_for("another window", lambda: set(fennick.all_windows()) - {fennick.window}).pop()
+        process = int(run("xdotool", "getwindowpid", other))
+        self.addCleanup(lambda: os.path.exists(f"/proc/{process}") and os.kill(process, signal.SIGKILL))
+        self.assertNotEqual(process, fennick.process.pid)
+        self.assertEqual(os.getsid(process), process)
+        self.assertEqual(os.readlink(f"/proc/{process}/exe"), PROGRAM)
+        wait_for("its focus", lambda: run("xdotool", "getactivewindow").strip() == other)
+        run("xdotool", "key", "--clearmodifiers", "alt+F4")
+        wait_for("its end", lambda: fennick.all_windows() == [fennick.window])
+        wait_for("the focus", lambda: run("xdotool", "getactivewindow").strip() == fennick.window)
+        self.assertEqual(fennick.close(), "")
 
     def test_it_starts_whatever_the_settings_file_is(self):
         self.file("a")
