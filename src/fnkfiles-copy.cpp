@@ -390,6 +390,13 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     }
 }
 
+/// A link at the end is not followed, but for that of the root: it stands for the directory that
+/// the user sees as the top of everything.
+std::string PlaceOfDestination(const std::string& destination)
+{
+    return IsRootDirectory(destination) ? pGTable->RootDir : WithoutSlash(destination);
+}
+
 std::string TargetPath(const std::string& destination, const std::string& source, bool into_directory)
 {
     return WithoutSlash(into_directory ? WithSlash(destination) + GetLastPath(source) : destination);
@@ -410,7 +417,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportMissing(source);
     }
     struct stat destination_st = {};
-    const bool exists = lstat(WithoutSlash(destination).c_str(), &destination_st) == 0;
+    const bool exists = lstat(PlaceOfDestination(destination).c_str(), &destination_st) == 0;
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
         return FileErrorMessage(kind, destination, errno);  // Better than to take a directory for none.
     }
@@ -430,7 +437,8 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     const Command command{kind, {}};
     const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOTHING};
     if (!GoesWhole(transfer)) {
-        return TransferDirectory(kind, source_place, st, target, destination,
+        const std::string& kept = IsRootDirectory(destination) ? target : destination;
+        return TransferDirectory(kind, source_place, st, target, kept,
                                  overwriting == OVERWRITE_AGREED ? LINK_REPLACE : LINK_ASK);
     }
     return target_place ? TransferWhole(transfer) : FileErrorMessage(kind, target, target_place.Error());
@@ -440,9 +448,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
 
 std::string ProofDstPath(const std::string& destination, const std::string& source)
 {
-    struct stat st = {};
-    const bool exists = lstat(WithoutSlash(destination).c_str(), &st) == 0;
-    return TargetPath(destination, source, exists && S_ISDIR(st.st_mode));
+    return TargetPath(destination, source, IsDirectory(PlaceOfDestination(destination)));
 }
 
 Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode)

@@ -50,13 +50,6 @@ const std::string* GetCompatibleAP(const std::string& path)
 
 namespace {
 
-/// The path of a directory without links and "..", ending in "/"; empty when it cannot be reached.
-std::string GetRealDirectory(const std::string& path)
-{
-    char real[PATH_MAX];
-    return realpath(path.c_str(), real) != nullptr ? WithSlash(real) : std::string();
-}
-
 enum Location { LOCATION_INSIDE, LOCATION_OUTSIDE, LOCATION_MISSING };
 
 /// Replaces path by the place that it names, told from RootDir on; a link at its end is not

@@ -153,6 +153,17 @@ bool ReadLink(const std::string& path, std::string& target)
     return true;
 }
 
+bool IsRootDirectory(const std::string& path)
+{
+    return WithSlash(path) == pGTable->RootDir;
+}
+
+std::string GetRealDirectory(const std::string& path)
+{
+    char real[PATH_MAX];
+    return realpath(path.c_str(), real) != nullptr ? WithSlash(real) : std::string();
+}
+
 int IsDirectory(const std::string& path)
 {
     struct stat st = {};
@@ -298,6 +309,17 @@ bool HasDoubleSlash(const std::string& path)
     return slash != nullptr;
 }
 
+/// A canonical path as the tree spells it: a home that is reached through a link has two names, and
+/// all that is inside is told from the one by which the root was named.
+std::string SpellFromRoot(const std::string& path)
+{
+    const std::string root = GetRealDirectory(pGTable->RootDir);
+    if (root.empty() || root == pGTable->RootDir || !WithSlash(path).starts_with(root)) {
+        return path;
+    }
+    return pGTable->RootDir + (path.size() > root.size() ? path.substr(root.size()) : "");
+}
+
 PathStatus JudgeResolvedPath(const std::string& path)
 {
     if (CheckChildDirectory(path) != 0) {
@@ -342,7 +364,7 @@ PathStatus CheckFileExist(std::string* path)
     if (resolved.error == ENOENT && GetLastPath(*path) != GetLastPath(resolved.path)) {
         return PATH_INVALID;
     }
-    *path = std::move(resolved.path);
+    *path = SpellFromRoot(resolved.path);
     return JudgeResolvedPath(*path);
 }
 

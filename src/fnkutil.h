@@ -79,6 +79,10 @@ int CheckChildDirectory(const std::string& path);
 /// Reads where a symbolic link points; false, with errno set, when it cannot be read or points to
 /// more than kMaxPathBytes.
 bool ReadLink(const std::string& path, std::string& target);
+/// Whether path is RootDir, with or without its "/".
+bool IsRootDirectory(const std::string& path);
+/// The path of a directory without links and "..", ending in "/"; empty when it cannot be reached.
+std::string GetRealDirectory(const std::string& path);
 /// 1 when path is a directory; a symbolic link to one is not, unless a "/" follows its name.
 int IsDirectory(const std::string& path);
 /// A byte count in the unit it is shown in, rounded to a tenth.
@@ -99,7 +103,7 @@ std::string ConvertSize(std::uint64_t size);
 int CheckFileName(std::string_view name);
 
 /// Judges a typed path and replaces it by its absolute form, for PATH_OUTSIDE_ROOT and from
-/// PATH_NO_PARENT to PATH_FILE by its canonical form. Relative text counts from CurrentDir.
+/// PATH_NO_PARENT to PATH_FILE by its canonical form, told from RootDir if it is inside. Relative text counts from CurrentDir.
 PathStatus CheckFileExist(std::string* path);
 
 /// Class of an entry of CurrentDir, st being its lstat record.

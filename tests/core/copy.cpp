@@ -282,6 +282,21 @@ TEST_F(CopyTest, LinksWhereADirectoryIsToBeAreNotGivenUpUnnoticed)
     EXPECT_TRUE(Exists("file/below/d/x"));
 }
 
+TEST_F(CopyTest, ARootThatIsReachedThroughALinkIsADirectory)
+{
+    files.File("from/d/x", "x");
+    files.Directory("real");
+    files.Link("root", "real");
+    table.RootDir = files.At("root/");
+    answers.to_messages = {RESULT_OK};
+    EXPECT_EQ(Copy("root", {"from/d/x", "from/d/"}), RESULT_DONE);
+    EXPECT_EQ(Move("root/", {"from/d/"}), RESULT_DONE);
+    EXPECT_EQ(Describe("real"), (Tree{{"x", "file 644 x"}, {"d", "directory 755 "}, {"d/x", "file 644 x"}}));
+    EXPECT_EQ(DescribeObject("root"), "link real");
+    EXPECT_EQ(answers.asked, Asked{Question("root/d")});
+    EXPECT_FALSE(Exists("from/d"));
+}
+
 TEST_F(CopyTest, SpecialFilesBecomeEmptyFilesAndAreNeverOpened)
 {
     files.Node("from/pipe", S_IFIFO);

@@ -53,6 +53,24 @@ TEST_F(Entries, TypedPathIsJudgedAndMadeCanonical)
     EXPECT_EQ(CheckFileExist(nullptr), PATH_NULL);
 }
 
+TEST_F(Entries, TypedPathIsToldFromTheRootAlsoWhenThatIsALink)
+{
+    files.Directory("real/docs");
+    files.Directory("real-too");
+    files.Link("home", "real");
+    table.RootDir = table.CurrentDir = files.At("home/");
+    for (const auto& [typed, status, resolved] : {std::tuple(std::string("docs"), PATH_DIRECTORY, "home/docs"),
+                                                  {"new", PATH_NEW, "home/new"},
+                                                  {files.At("home"), PATH_DIRECTORY, "home/"},
+                                                  {files.At("real/docs/"), PATH_DIRECTORY, "home/docs"},
+                                                  {files.At("real-too"), PATH_OUTSIDE_ROOT, "real-too"},
+                                                  {"../x", PATH_OUTSIDE_ROOT, "x"}}) {
+        std::string path = typed;
+        EXPECT_EQ(CheckFileExist(&path), status) << typed;
+        EXPECT_EQ(path, files.At(resolved));
+    }
+}
+
 // The kernel finds nothing behind a file either.
 TEST_F(Entries, TypedPathDoesNotClimbOutOfAFile)
 {

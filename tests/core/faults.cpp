@@ -115,6 +115,13 @@ extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* 
 
 namespace {
 
+/// Built with sanitizers, the one errno is as good as the other.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool kIsSlow = true;
+#else
+constexpr bool kIsSlow = false;
+#endif
+
 constexpr const char* kSourceFiles[] = {"t/plain", "t/sub/leaf", "t/sub/deep/large", "t/sparse", "t/sub/link",
                                         "t/clash", "single"};
 
@@ -188,6 +195,9 @@ protected:
                       {EACCES, RESULT_OK, false},  {ENOSPC, RESULT_OK, false}, {ENOENT, RESULT_OK, false},
                       {EINVAL, RESULT_OK, false}};
         for (const auto& [error, answer, old_file_system] : kCases) {
+            if (kIsSlow && error != EIO) {
+                continue;
+            }
             is_old_file_system = old_file_system;
             int k = 0;
             do {
