@@ -5,6 +5,7 @@
 #include <limits.h>
 #include <signal.h>
 #include <strings.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -212,6 +213,9 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
+/// As it was when the process started; 0 while it has not been changed.
+struct rlimit open_file_limit = {};
+
 // From here to the start of the program everything runs between fork and exec, where another
 // thread may have left any lock taken: system calls only.
 
@@ -248,6 +252,9 @@ void CloseDescriptors()
     setsid();
     ResetSignals();
     CloseDescriptors();
+    if (open_file_limit.rlim_max != 0) {
+        setrlimit(RLIMIT_NOFILE, &open_file_limit);
+    }
     for (; *files != nullptr; ++files) {
         execve(*files, arguments, environ);
     }
@@ -325,4 +332,16 @@ pid_t ExecFennick()
         arguments.assign(line, line + g_strv_length(line));
     }
     return StartDetached(files, arguments);
+}
+
+void RaiseOpenFileLimit()
+{
+    // Two for each directory of the deepest path there can be, many times over.
+    constexpr rlim_t kManyFiles = 65536;
+    struct rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        open_file_limit = limit;
+        limit.rlim_cur = std::min(limit.rlim_max, std::max(limit.rlim_cur, kManyFiles));
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
 }

@@ -54,3 +54,7 @@ pid_t ExecProcess(const std::string& program, const std::string& argument, const
 /// Starts another instance with the same command line: "fennick" along the PATH, or else the file
 /// that this process runs.
 pid_t ExecFennick();
+
+/// Lets this process have many files open, as far as the system allows: a walk through a deep
+/// tree keeps every directory on the way open. Programs that are started get the limit it had before.
+void RaiseOpenFileLimit();

@@ -16,6 +16,7 @@
 #include "fnktable-life.h"
 #include "fnktable-start.h"
 #include "fnktable.h"
+#include "fnkutil-launch.h"
 #include "fnkutil-widget.h"
 
 namespace {
@@ -75,6 +76,8 @@ int main(int argc, char** argv)
         g_print("Fennick  Version %s %s\n%s\n", kVersion, kVersionDate, kRights);
         return 0;
     }
+    RaiseOpenFileLimit();
+    signal(SIGXFSZ, SIG_IGN);  // A file that grows too large is to be reported, not to end the program.
     StartToolkit(&argc, &argv);
     if (InitGlobalTable() != 0) {
         TerminateGlobalTable();

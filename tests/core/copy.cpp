@@ -9,7 +9,8 @@
 
 #include "child.h"
 #include "enginetest.h"
-#include "fnkfiles-directory.h"
+#include "fnkfiles-delete.h"
+#include "fnkutil-launch.h"
 #include "fnkutil.h"
 
 namespace {
@@ -480,6 +481,34 @@ TEST_F(CopyTest, NothingToCopyOrNowhereToPutItIsSaid)
     EXPECT_EQ(CopyFile("", files.At("file"), &flag), RESULT_NO_ARGUMENT);
     EXPECT_EQ(MoveFile(files.At("to"), files.At("file"), nullptr), RESULT_NO_ARGUMENT);
     EXPECT_EQ(files.Names(), std::vector<std::string>{"file"});
+}
+
+TEST_F(CopyTest, TheDeepestTreeThereCanBeArrivesAndGoes)
+{
+    ASSERT_EQ(RunInChild([this] {
+                  RaiseOpenFileLimit();
+                  const std::string destination = files.Directory("to-another-place");
+                  const std::size_t levels = (kMaxPathBytes - destination.size()) / 2 - 4;
+                  Descriptor place(open(files.Directory("d").c_str(), O_PATH));
+                  for (std::size_t i = 1; i < levels; ++i) {
+                      Require(mkdirat(place.Get(), "d", 0755) == 0, "mkdirat");
+                      place = Descriptor(openat(place.Get(), "d", O_PATH));
+                  }
+                  Require(mknodat(place.Get(), "f", S_IFREG | 0640, 0) == 0, "mknodat");
+                  EXPECT_EQ(Copy("to-another-place", {"d/"}), RESULT_DONE);
+                  EXPECT_EQ(answers.asked, Asked());
+                  std::string leaf = destination;
+                  for (std::size_t i = 0; i < levels; ++i) {
+                      leaf += "/d";
+                  }
+                  struct stat st = {};
+                  EXPECT_EQ(lstat((leaf + "/f").c_str(), &st), 0);
+                  EXPECT_EQ(CountOperationFile(destination + "/"), 1);
+                  Result answer = RESULT_YES_ALL;
+                  EXPECT_EQ(RemoveFile(destination + "/", &answer), RESULT_DONE);
+                  EXPECT_FALSE(Exists("to-another-place"));
+              }),
+              CHILD_PASSED);
 }
 
 TEST_F(CopyTest, DirectoriesSwappedForLinksUnderWayHarmNothingOutside)
