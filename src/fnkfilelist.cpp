@@ -430,6 +430,20 @@ void on_FileList_click_column(int column)
     batch_changed = true;  // The summary under way knows the rows by their old places.
 }
 
+void ShowListRow(const std::string& name)
+{
+    std::size_t row = 0;
+    while (row < ListRows().Count() && name != ListRows().Name(row)) {
+        ++row;
+    }
+    if (row < ListRows().Count()) {
+        // The toolkit's way: a list just filled may still wait for its turn to scroll, and this
+        // takes the place of that.
+        const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
+        gtk_tree_view_scroll_to_cell(MainList(), path.get(), nullptr, FALSE, 0.0F, 0.0F);
+    }
+}
+
 void ActivateListRow(std::size_t index)
 {
     const FileRows& rows = ListRows();

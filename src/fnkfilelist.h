@@ -29,6 +29,9 @@ int DisplayFileList(const std::string& path);
 /// Sorts by the column, or the other way round when it is sorted by it already.
 void on_FileList_click_column(int column);
 
+/// Scrolls the row of that name into view; nothing happens when there is none.
+void ShowListRow(const std::string& name);
+
 /// What a double click on the row does: opens the entry, or the parent for "..".
 void ActivateListRow(std::size_t index);
 

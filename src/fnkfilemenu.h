@@ -9,6 +9,8 @@ void on_Menu_File_activate(GtkWidget* item, gpointer data);
 void on_Menu_CreateNewWindow_activate(GtkWidget* item, gpointer data);
 /// Opens the selected row, or else expands the selected directory of the tree.
 void on_Menu_Open_activate(GtkWidget* item, gpointer data);
+void on_Menu_NewDirectory_activate(GtkWidget* item, gpointer data);
+void on_Menu_NewFile_activate(GtkWidget* item, gpointer data);
 /// Deletes the selection, after a question if the settings say so.
 void on_Menu_Delete_activate(GtkWidget* item, gpointer data);
 void on_Menu_CloseWindow_activate(GtkWidget* item, gpointer data);

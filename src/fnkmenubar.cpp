@@ -57,8 +57,8 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Manual(_M)...")},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Abort(_A)...")},
-    {MENU_ITEM, N_("Directory(_D)...")},
-    {MENU_ITEM, N_("File(_F)...")},
+    {MENU_ITEM, N_("Directory(_D)..."), on_Menu_NewDirectory_activate},
+    {MENU_ITEM, N_("File(_F)..."), on_Menu_NewFile_activate},
 }};
 constexpr std::size_t kSubmenuBegin = MENU_STORED_COUNT;
 

@@ -43,15 +43,6 @@ void on_ProgressCancelButton_clicked(GtkWidget*, gpointer)
     }
 }
 
-void GuardInput()
-{
-    if (input_guard == nullptr) {
-        input_guard = gtk_invisible_new();
-        gtk_widget_show(input_guard);
-        gtk_grab_add(input_guard);
-    }
-}
-
 void ReleaseInput()
 {
     if (input_guard != nullptr) {
@@ -100,12 +91,21 @@ GtkWidget* CreateProgressDlg(OperationKind kind)
 
 }  // namespace
 
+void SetupQuietRun()
+{
+    if (input_guard == nullptr) {
+        input_guard = gtk_invisible_new();
+        gtk_widget_show(input_guard);
+        gtk_grab_add(input_guard);
+    }
+}
+
 void SetupProgress(const std::vector<std::string>& items, OperationKind kind)
 {
     if (items.empty()) {
         return;
     }
-    GuardInput();
+    SetupQuietRun();
     if (!pGTable->ShowProgress) {
         return;
     }

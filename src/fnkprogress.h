@@ -2,7 +2,7 @@
 // The course of a file operation. The engine reports through these declarations, which know no
 // toolkit; the windows show a dialog, the engine's tests count along.
 //
-// A command calls SetupProgress, the engine for each item, DestroyProgressDlg when an item returned
+// A command calls SetupProgress or SetupQuietRun, the engine for each item, DestroyProgressDlg when an item returned
 // RESULT_CANCEL, and EndProgress in every case. Between the first and the last nothing but the
 // dialog, or boxes over it, takes input, whether the settings show a dialog or not.
 
@@ -13,6 +13,9 @@ enum OperationKind { OPERATION_COPY = 2, OPERATION_MOVE = 3, OPERATION_DELETE = 
 
 /// Starts a run over the items, paths of which directories end in "/", and counts their steps.
 void SetupProgress(const std::vector<std::string>& items, OperationKind kind);
+
+/// Starts a run without a dialog and without steps, for a change that is done in a moment.
+void SetupQuietRun();
 
 /// Reports one step done. RESULT_CANCEL, once, when Cancel was pressed, else 0.
 int UpdateProgress();

@@ -1,0 +1,9 @@
+#pragma once
+// Creating directories and empty files.
+
+#include <string>
+
+/// Creates one directory; a failure is reported. The change is noted, but not flushed.
+bool CreateNewDirectory(const std::string& path);
+/// The same for an empty file. What is there already, if only since a moment, is never touched.
+bool CreateNewFile(const std::string& path);
