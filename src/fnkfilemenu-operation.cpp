@@ -1,8 +1,13 @@
 #include "fnkfilemenu-operation.h"
 
+#include <sys/stat.h>
+
 #include <array>
 
 #include "fnkdirtree.h"
+#include "fnkfilemenu-new.h"
+#include "fnkfilemenu-targets.h"
+#include "fnkfiles-copy.h"
 #include "fnkmainwindow-record.h"
 #include "fnkmessage-box.h"
 #include "fnkselfile.h"
@@ -118,4 +123,118 @@ void on_FileOperation_OKButton_clicked(GtkWidget*, gpointer data)
     *state->path = std::move(path);
     state->result = RESULT_OK;
     gtk_main_quit();
+}
+
+Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step)
+{
+    Result result = RESULT_DONE;
+    SetupProgress(paths, kind);
+    for (const std::string& path : paths) {
+        // Cancel may have been pressed while the files were counted: then nothing is touched.
+        result = KeepPainting() ? RESULT_CANCEL : step(path);
+        if (result == RESULT_CANCEL) {
+            DestroyProgressDlg();
+            break;
+        }
+    }
+    EndProgress();
+    return result;
+}
+
+namespace {
+
+/// Several sources need a directory to go into: given one by one to a name that is still free,
+/// each would replace the one before. That directory is made, anything else in its place refused.
+bool HasRoomFor(const std::vector<std::string>& sources, const std::string& destination)
+{
+    struct stat st = {};
+    if (sources.size() == 1) {
+        return true;
+    }
+    if (lstat(destination.c_str(), &st) != 0) {
+        return CreateNewDirectory(destination);
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        FileExistMessageBox(PATH_FILE, nullptr);
+        return false;
+    }
+    return true;
+}
+
+/// The parent, but never a directory above the top of the tree.
+std::string ParentInTree(const std::string& path)
+{
+    const std::string parent = GetParentDirectory(path);
+    return CheckChildDirectory(parent) == 0 ? parent : pGTable->RootDir;
+}
+
+}  // namespace
+
+void FileOperation(OperationKind kind)
+{
+    std::vector<std::string> sources;
+    std::string description;
+    std::string destination;
+    const auto mode = static_cast<OperationMode>(kind);
+    if (GetFileOperationString(sources, &description) == SELECTION_NONE ||
+        CreateFileOperationDlg(mode, description, &destination) != RESULT_OK || !HasRoomFor(sources, destination)) {
+        return;
+    }
+    const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
+    int flag = 0;
+    const Result result =
+        RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });
+    const std::string parent = ParentInTree(destination);
+    if (kind == OPERATION_MOVE) {
+        RescanTree(MainTree(), ParentInTree(sources.front()));
+    }
+    RescanTree(MainTree(), parent);
+    const bool is_inside = result == RESULT_DONE && IsDirectory(destination);
+    OpenChildTree(MainTree(), is_inside ? destination : parent, EXPAND_LAST_YES);
+}
+
+namespace {
+
+constexpr int kPopupBorder = 2;
+
+/// What was chosen, until a handler says otherwise.
+PopupChoice popup_choice = POPUP_NOTHING;
+
+void on_PopupCopy_activate(GtkWidget*, gpointer)
+{
+    popup_choice = POPUP_COPY;
+}
+
+void on_PopupMove_activate(GtkWidget*, gpointer)
+{
+    popup_choice = POPUP_MOVE;
+}
+
+void AddPopupItem(GtkWidget* menu, const char* label, GCallback handler)
+{
+    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(label);
+    g_signal_connect(item, "activate", handler, nullptr);
+    gtk_menu_shell_append(GTK_MENU_SHELL(menu), item);
+    gtk_widget_show(item);
+}
+
+}  // namespace
+
+PopupChoice CreateFileOperationPopup(const GdkEvent* event)
+{
+    GtkWidget* const menu = gtk_menu_new();
+    g_object_ref_sink(menu);
+    gtk_container_set_border_width(GTK_CONTAINER(menu), kPopupBorder);
+    AddPopupItem(menu, _("Copy(_C)"), G_CALLBACK(on_PopupCopy_activate));
+    AddPopupItem(menu, _("Move(_M)"), G_CALLBACK(on_PopupMove_activate));
+    // The item's own signal comes after this one, but before the loop is back at its head.
+    g_signal_connect(menu, "deactivate", G_CALLBACK(on_CancelButton_clicked), nullptr);
+    popup_choice = POPUP_NOTHING;
+    gtk_menu_popup_at_pointer(GTK_MENU(menu), event);
+    if (gtk_widget_get_mapped(menu)) {
+        gtk_main();
+    }
+    gtk_widget_destroy(menu);
+    g_object_unref(menu);
+    return popup_choice;
 }

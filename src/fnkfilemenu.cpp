@@ -3,6 +3,7 @@
 #include "fnkdirtree-walk.h"
 #include "fnkdirtree.h"
 #include "fnkfilelist.h"
+#include "fnkfilemenu-operation.h"
 #include "fnkfilemenu-targets.h"
 #include "fnkfiles-delete.h"
 #include "fnkmainwindow-record.h"
@@ -26,7 +27,7 @@ bool HasOpenableTarget()
     return walk.HasChildren(node) && !walk.IsExpanded(node);
 }
 
-/// The top directory itself cannot be deleted, or be gone from.
+/// The top directory itself is not copied, moved or deleted.
 bool HasChangeableTarget()
 {
     if (CountListSelection() > 0) {
@@ -41,30 +42,14 @@ bool ConfirmDelete(const std::string& description)
                                               STYLE_DELETE_QUESTION) == RESULT_OK;
 }
 
-void DeletePaths(const std::vector<std::string>& paths, const std::string& parent)
-{
-    Result answer = RESULT_CANCEL;
-    for (const std::string& path : paths) {
-        // Cancel may have been pressed while the files were counted: then not even one is deleted.
-        if (KeepPainting() || RemoveFile(path, &answer) == RESULT_CANCEL) {
-            DestroyProgressDlg();
-            return;
-        }
-        if (answer == RESULT_OK) {
-            answer = RESULT_CANCEL;  // It was for this item only.
-        }
-        if (path == pGTable->CurrentDir && !IsDirectory(path)) {
-            pGTable->CurrentDir = parent;
-        }
-    }
-}
-
 }  // namespace
 
 void on_Menu_File_activate(GtkWidget*, gpointer)
 {
     gtk_widget_set_sensitive(pMainW->MenuItem[MENU_OPEN], HasOpenableTarget());
-    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_DELETE], HasChangeableTarget());
+    for (const MenuEntry entry : {MENU_COPY, MENU_MOVE, MENU_DELETE}) {
+        gtk_widget_set_sensitive(pMainW->MenuItem[entry], HasChangeableTarget());
+    }
     SensitivePropertyButton();
 }
 
@@ -86,6 +71,20 @@ void on_Menu_Open_activate(GtkWidget*, gpointer)
     }
 }
 
+void on_Menu_Copy_activate(GtkWidget*, gpointer)
+{
+    if (HasChangeableTarget()) {
+        FileOperation(OPERATION_COPY);
+    }
+}
+
+void on_Menu_Move_activate(GtkWidget*, gpointer)
+{
+    if (HasChangeableTarget()) {
+        FileOperation(OPERATION_MOVE);
+    }
+}
+
 void on_Menu_Delete_activate(GtkWidget*, gpointer)
 {
     std::vector<std::string> paths;
@@ -95,9 +94,17 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
         return;
     }
     const std::string parent = GetParentDirectory(paths.front());
-    SetupProgress(paths, OPERATION_DELETE);
-    DeletePaths(paths, parent);
-    EndProgress();
+    Result answer = RESULT_CANCEL;
+    RunOperation(OPERATION_DELETE, paths, [&](const std::string& path) {
+        const Result result = RemoveFile(path, &answer);
+        if (answer == RESULT_OK) {
+            answer = RESULT_CANCEL;  // It was for this item only.
+        }
+        if (path == pGTable->CurrentDir && !IsDirectory(path)) {
+            pGTable->CurrentDir = parent;
+        }
+        return result;
+    });
     RescanTree(MainTree(), parent);
     OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
 }

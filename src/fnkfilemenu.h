@@ -11,6 +11,9 @@ void on_Menu_CreateNewWindow_activate(GtkWidget* item, gpointer data);
 void on_Menu_Open_activate(GtkWidget* item, gpointer data);
 void on_Menu_NewDirectory_activate(GtkWidget* item, gpointer data);
 void on_Menu_NewFile_activate(GtkWidget* item, gpointer data);
+/// Each works on the selection, and asks where to.
+void on_Menu_Copy_activate(GtkWidget* item, gpointer data);
+void on_Menu_Move_activate(GtkWidget* item, gpointer data);
 /// Deletes the selection, after a question if the settings say so.
 void on_Menu_Delete_activate(GtkWidget* item, gpointer data);
 void on_Menu_CloseWindow_activate(GtkWidget* item, gpointer data);
