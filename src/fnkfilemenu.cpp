@@ -4,6 +4,7 @@
 #include "fnkdirtree.h"
 #include "fnkfilelist.h"
 #include "fnkfilemenu-operation.h"
+#include "fnkfilemenu-property.h"
 #include "fnkfilemenu-targets.h"
 #include "fnkfiles-delete.h"
 #include "fnkmainwindow-record.h"
@@ -107,6 +108,11 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
     });
     RescanTree(MainTree(), parent);
     OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
+}
+
+void on_Menu_Property_activate(GtkWidget*, gpointer)
+{
+    CreatePropertyDlg();
 }
 
 void on_Menu_CloseWindow_activate(GtkWidget*, gpointer)

@@ -16,4 +16,5 @@ void on_Menu_Copy_activate(GtkWidget* item, gpointer data);
 void on_Menu_Move_activate(GtkWidget* item, gpointer data);
 /// Deletes the selection, after a question if the settings say so.
 void on_Menu_Delete_activate(GtkWidget* item, gpointer data);
+void on_Menu_Property_activate(GtkWidget* item, gpointer data);
 void on_Menu_CloseWindow_activate(GtkWidget* item, gpointer data);

@@ -39,7 +39,7 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Move(_M)..."), on_Menu_Move_activate},
     {MENU_ITEM, N_("Delete(_D)..."), on_Menu_Delete_activate},
     {MENU_SEPARATOR},
-    {MENU_ITEM, N_("Property(_P)...")},
+    {MENU_ITEM, N_("Property(_P)..."), on_Menu_Property_activate},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Close window(_X)"), on_Menu_CloseWindow_activate, GDK_KEY_W, GDK_CONTROL_MASK},
     {MENU_ITEM, N_("Select all(_A)"), on_Menu_SelectAll_activate, GDK_KEY_A, GDK_CONTROL_MASK},

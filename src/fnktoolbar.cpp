@@ -132,9 +132,7 @@ GtkWidget* CreateToolBar(GtkWidget* box)
 
 void SensitivePropertyButton()
 {
-    // The dialog itself is not there yet, so nothing may lead to it.
-    constexpr bool kHasPropertyDialog = false;
-    const bool one_target = kHasPropertyDialog && CountFileOperationTargets() == 1;
+    const bool one_target = CountFileOperationTargets() == 1;
     gtk_widget_set_sensitive(pMainW->MenuItem[MENU_PROPERTY], one_target);
     SetToolSensitive(TOOL_PROPERTY, one_target);
 }
