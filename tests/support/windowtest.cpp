@@ -1,6 +1,7 @@
 #include "windowtest.h"
 
 #include <fnmatch.h>
+#include <grp.h>
 
 #include <clocale>
 #include <cstring>
@@ -202,11 +203,9 @@ void SendKey(GtkWidget* window, guint key, guint state)
     gdk_event_free(event);
 }
 
-GtkWidget* FindByText(GtkWidget* widget, const std::string& text)
+GtkWidget* FindWidget(GtkWidget* widget, const std::function<bool(GtkWidget*)>& condition)
 {
-    const bool is_button = GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) != nullptr;
-    if ((is_button && gtk_button_get_label(GTK_BUTTON(widget)) == text) ||
-        (GTK_IS_LABEL(widget) && gtk_label_get_text(GTK_LABEL(widget)) == text)) {
+    if (condition(widget)) {
         return widget;
     }
     GtkWidget* found = nullptr;
@@ -214,10 +213,19 @@ GtkWidget* FindByText(GtkWidget* widget, const std::string& text)
         const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(widget)),
                                                                       &g_list_free);
         for (GList* child = children.get(); child != nullptr && found == nullptr; child = child->next) {
-            found = FindByText(GTK_WIDGET(child->data), text);
+            found = FindWidget(GTK_WIDGET(child->data), condition);
         }
     }
     return found;
+}
+
+GtkWidget* FindByText(GtkWidget* widget, const std::string& text)
+{
+    return FindWidget(widget, [&text](GtkWidget* one) {
+        const bool is_button = GTK_IS_BUTTON(one) && gtk_button_get_label(GTK_BUTTON(one)) != nullptr;
+        return (is_button && gtk_button_get_label(GTK_BUTTON(one)) == text) ||
+               (GTK_IS_LABEL(one) && gtk_label_get_text(GTK_LABEL(one)) == text);
+    });
 }
 
 void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act)
@@ -243,6 +251,45 @@ void DuringDialog(const std::function<void()>& open, const std::function<void(Gt
     }
 }
 
+namespace {
+
+/// Acts left to be done, and the source that looks for the next dialog.
+struct DialogQueue {
+    std::vector<std::function<void(GtkWidget*)>> acts;
+    std::size_t next = 0;
+    guint source = 0;
+};
+
+gboolean ActOnDialog(gpointer data)
+{
+    auto* const queue = static_cast<DialogQueue*>(data);
+    GtkWidget* const dialog = gtk_grab_get_current();
+    const bool is_there = dialog != nullptr && GTK_IS_DIALOG(dialog) && dialog != pGTable->ProgressDlg &&
+                          gtk_window_is_active(GTK_WINDOW(dialog));
+    if (!is_there) {
+        return G_SOURCE_CONTINUE;
+    }
+    // The act may run until the next dialog is answered, which takes a source of its own.
+    const std::size_t now = queue->next++;
+    queue->source = queue->next < queue->acts.size() ? g_timeout_add(1, ActOnDialog, queue) : 0;
+    queue->acts[now](dialog);
+    return G_SOURCE_REMOVE;
+}
+
+}  // namespace
+
+void DuringDialogs(const std::function<void()>& open, const DialogActs& acts)
+{
+    DialogQueue queue{acts};
+    queue.source = acts.empty() ? 0 : g_timeout_add(1, ActOnDialog, &queue);
+    open();
+    EXPECT_EQ(queue.next, acts.size()) << "acts have found a dialog";
+    if (queue.source != 0) {
+        g_source_remove(queue.source);
+    }
+    EXPECT_EQ(gtk_grab_get_current(), nullptr);
+}
+
 OrdinaryUser::OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
 {
     if (geteuid() != 0) {
@@ -254,13 +301,17 @@ OrdinaryUser::OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
             Require(lchown(entry.path().c_str(), kNobody, kNobody) == 0, "chown");
         }
     }
-    Require(seteuid(kNobody) == 0, "seteuid");
+    groups_.resize(static_cast<std::size_t>(getgroups(0, nullptr)));
+    Require(getgroups(static_cast<int>(groups_.size()), groups_.data()) >= 0, "getgroups");
+    Require(setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, 0) == 0 && setresuid(kNobody, kNobody, 0) == 0,
+            "setresuid");
     changed_ = true;
 }
 
 OrdinaryUser::~OrdinaryUser()
 {
-    if (changed_ && seteuid(0) != 0) {
+    if (changed_ &&
+        (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0 || setgroups(groups_.size(), groups_.data()) != 0)) {
         std::abort();
     }
 }

@@ -35,6 +35,9 @@ void SendKey(GtkWidget* window, guint key, guint state = 0);
 /// What the window manager's close button sends to the window.
 void SendClose(GtkWidget* window);
 
+/// The first widget for which the condition holds, the widget itself or anywhere below it.
+GtkWidget* FindWidget(GtkWidget* widget, const std::function<bool(GtkWidget*)>& condition);
+
 /// The button of that label, or the label of that text, anywhere below the widget.
 GtkWidget* FindByText(GtkWidget* widget, const std::string& text);
 
@@ -42,7 +45,13 @@ GtkWidget* FindByText(GtkWidget* widget, const std::string& text);
 /// the dialog, now or by and by.
 void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act);
 
-/// While it lives, files are read with the rights of a user whom permissions stop. The display was
+/// What to do with the modal dialogs that come up, one after the other; a dialog that stays gets
+/// more than one act. Not counted is the one that shows progress.
+using DialogActs = std::vector<std::function<void(GtkWidget*)>>;
+/// Does what opens them and acts on each as soon as it is on the screen.
+void DuringDialogs(const std::function<void()>& open, const DialogActs& acts);
+
+/// While it lives, the program runs with the ids of a user whom permissions stop. The display was
 /// connected before and stays so. The directories are given to that user.
 class OrdinaryUser {
 public:
@@ -53,6 +62,7 @@ public:
 
 private:
     bool changed_ = false;
+    std::vector<gid_t> groups_;
 };
 
 /// Whether the directories on disk are still those that the window read.
