@@ -276,13 +276,26 @@ gboolean ActOnDialog(gpointer data)
     return G_SOURCE_REMOVE;
 }
 
+/// A dialog that nobody expected would never end.
+gboolean CloseLeftDialog(gpointer)
+{
+    GtkWidget* const dialog = gtk_grab_get_current();
+    ADD_FAILURE() << "the dialogs did not end";
+    if (dialog != nullptr && GTK_IS_DIALOG(dialog)) {
+        SendClose(dialog);
+    }
+    return G_SOURCE_CONTINUE;
+}
+
 }  // namespace
 
 void DuringDialogs(const std::function<void()>& open, const DialogActs& acts)
 {
     DialogQueue queue{acts};
     queue.source = acts.empty() ? 0 : g_timeout_add(1, ActOnDialog, &queue);
+    const guint deadline = g_timeout_add(kDeadlineMilliseconds, CloseLeftDialog, nullptr);
     open();
+    g_source_remove(deadline);
     EXPECT_EQ(queue.next, acts.size()) << "acts have found a dialog";
     if (queue.source != 0) {
         g_source_remove(queue.source);

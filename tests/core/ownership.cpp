@@ -1,0 +1,117 @@
+// Changing modes and owners: exactly the file that was meant, and nothing lost on the way.
+
+#include <grp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "child.h"
+#include "fnkfilemenu-property-change.h"
+#include "scratch.h"
+
+namespace {
+
+class Ownership : public ::testing::Test {
+protected:
+    mode_t Mode(const std::string& name) const { return files.Status(name).st_mode & 07777; }
+
+    ScratchDirectory files;
+};
+
+TEST_F(Ownership, AModeChangesOnFilesOfEveryKindWithoutOpeningThem)
+{
+    files.File("file", "text", 0000);
+    files.Directory("dir");
+    files.Node("fifo", S_IFIFO);
+    files.Node("socket", S_IFSOCK);
+    for (const char* const name : {"file", "dir", "fifo", "socket"}) {
+        const mode_t type = files.Status(name).st_mode & S_IFMT;
+        EXPECT_TRUE(ChangeMode(files.At(name), type | 01750)) << name;
+        EXPECT_EQ(Mode(name), 01750U) << name;
+    }
+    EXPECT_TRUE(ChangeMode(files.At("dir/"), S_IFDIR | 0700)) << "as the dialog names a directory";
+    EXPECT_EQ(Mode("dir"), 0700U);
+}
+
+TEST_F(Ownership, WhatTookTheNameMeanwhileKeepsItsMode)
+{
+    files.File("target", "", 0600);
+    files.Link("link", "target");
+    files.Directory("dir");
+    files.SetMode("dir", 0755);
+    EXPECT_FALSE(ChangeMode(files.At("link"), S_IFREG | 0777)) << "a file until a moment ago";
+    EXPECT_FALSE(ChangeMode(files.At("link"), S_IFLNK | 0777));
+    EXPECT_FALSE(ChangeMode(files.At("dir"), S_IFREG | 0777));
+    EXPECT_FALSE(ChangeMode(files.At("gone"), S_IFREG | 0777));
+    EXPECT_EQ(Mode("target"), 0600U);
+    EXPECT_EQ(Mode("dir"), 0755U);
+}
+
+TEST_F(Ownership, ANewOwnerKeepsTheSetIdBitsAndALinkIsGivenItself)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the super-user gives files away";
+    }
+    files.File("program", "", 0755);
+    files.SetMode("program", 06755);
+    files.Link("link", "program");
+    EXPECT_TRUE(ChangeOwner(files.At("program"), 12345, 54321));
+    EXPECT_EQ(files.Status("program").st_uid, 12345U);
+    EXPECT_EQ(files.Status("program").st_gid, 54321U);
+    EXPECT_EQ(Mode("program"), 06755U);
+    EXPECT_TRUE(ChangeOwner(files.At("link"), 1, 2));
+    EXPECT_EQ(files.Status("link").st_uid, 1U);
+    EXPECT_EQ(files.Status("link").st_gid, 2U);
+    EXPECT_EQ(files.Status("program").st_uid, 12345U);
+    EXPECT_FALSE(ChangeOwner(files.At("gone"), 1, 2));
+}
+
+TEST_F(Ownership, ABitThatTheSystemDropsIsAFailure)
+{
+    files.File("foreign-group");
+    const bool has_foreign_group = geteuid() == 0;
+    if (!has_foreign_group) {
+        GTEST_SKIP() << "only the super-user makes a file of a group that one is not in";
+    }
+    EXPECT_EQ(RunInChild([this] {
+                  BecomeOrdinaryUser(files);
+                  EXPECT_FALSE(ChangeMode(files.At("foreign-group"), S_IFREG | 0755)) << "another's";
+              }),
+              CHILD_PASSED);
+    Require(chown(files.At("foreign-group").c_str(), 65534, 54321) == 0, "chown");
+    EXPECT_EQ(RunInChild([this] {
+                  BecomeOrdinaryUser(files);
+                  EXPECT_TRUE(ChangeMode(files.At("foreign-group"), S_IFREG | 0755));
+                  EXPECT_FALSE(ChangeMode(files.At("foreign-group"), S_IFREG | 02755));
+              }),
+              CHILD_PASSED);
+}
+
+TEST_F(Ownership, GroupsAreOfferedOnceTheFilesOwnFirst)
+{
+    const auto names_of = [](std::initializer_list<gid_t> groups) {
+        History names;
+        for (const gid_t group : groups) {
+            names.push_back(FindGroupName(group));
+        }
+        return names;
+    };
+    ASSERT_EQ(FindGroupName(0), "root");
+    EXPECT_EQ(FindGroupName(54321), "");
+    EXPECT_EQ(FindGroupId("root"), gid_t(0));
+    EXPECT_EQ(FindGroupId(""), std::nullopt);
+    EXPECT_EQ(FindUserName(0), "root");
+    EXPECT_EQ(FindUserId("no such user"), std::nullopt);
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the super-user can choose groups to be in";
+    }
+    EXPECT_GT(ListOfferedGroups(54321).size(), 10U) << "the super-user gets them all";
+    EXPECT_EQ(RunInChild([&] {
+                  const gid_t groups[] = {12, 54321, 4, 3};
+                  Require(setgroups(std::size(groups), groups) == 0 && setgid(2) == 0 && setuid(65534) == 0, "setuid");
+                  EXPECT_EQ(ListOfferedGroups(4), names_of({4, 2, 3, 12}));
+                  EXPECT_EQ(ListOfferedGroups(54321), names_of({2, 3, 4, 12}));
+              }),
+              CHILD_PASSED);
+}
+
+}  // namespace
