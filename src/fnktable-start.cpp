@@ -10,6 +10,18 @@ std::string ArgumentAt(int argc, char** argv, int index)
     return index < argc ? argv[index] : "";
 }
 
+/// What is relative counts from where the program was started, and is told from the top, as all
+/// paths are here.
+std::string DirectoryAt(int argc, char** argv, int index)
+{
+    const std::string argument = ArgumentAt(argc, argv, index);
+    if (argument.empty() || argument.front() == '/') {
+        return argument;
+    }
+    const std::string real = GetRealDirectory(argument);
+    return real.empty() ? argument : real;
+}
+
 }  // namespace
 
 CommandLine ParseCommandLine(int argc, char** argv)
@@ -20,13 +32,13 @@ CommandLine ParseCommandLine(int argc, char** argv)
         result.version = true;
     } else if (option == "--root") {
         result.root = "/";
-        result.start = ArgumentAt(argc, argv, 2);
+        result.start = DirectoryAt(argc, argv, 2);
     } else if (option == "--home") {
-        const std::string root = ArgumentAt(argc, argv, 2);
+        const std::string root = DirectoryAt(argc, argv, 2);
         if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
             result.root = root;
         }
-        result.start = ArgumentAt(argc, argv, 3);
+        result.start = DirectoryAt(argc, argv, 3);
     }
     if (result.root.empty()) {
         result.root = GetHomeDirectory();

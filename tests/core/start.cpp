@@ -44,6 +44,17 @@ TEST_F(Start, OnlyTheFirstArgumentIsAnOption)
     EXPECT_EQ(Parse({}).root, "/");
 }
 
+TEST_F(Start, RelativeDirectoriesCountFromWhereOneIs)
+{
+    files.Directory("root/dir");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(files.At("root"));
+    const CommandLine parsed = Parse({"--home", "../root/.", "dir"});
+    std::filesystem::current_path(before);
+    EXPECT_EQ(parsed.root, files.At("root/"));
+    EXPECT_EQ(parsed.start, files.At("root/dir/"));
+}
+
 TEST_F(Start, StartsInsideTheRootOrAtIt)
 {
     const std::string dir = files.Directory("root/dir");
