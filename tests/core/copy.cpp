@@ -443,6 +443,19 @@ TEST_F(CopyTest, FullDisksAndLimitsLeaveTheOldFile)
         EXPECT_EQ(files.Contents("disk/big") + files.Contents("moving/big"), "oldnew");
         EXPECT_EQ(IsDirectory(files.At("disk/empty/moving/big")), 1) << "given back";
 
+        // A file system that takes no changes.
+        Require(mount("none", files.At("disk").c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0, "remount");
+        answers.asked.clear();
+        EXPECT_EQ(Copy("disk/new", {"moving/big"}), RESULT_DONE);
+        EXPECT_EQ(Copy("disk", {"moving/big"}), RESULT_OK);
+        answers.to_messages = {RESULT_OK, RESULT_OK};
+        EXPECT_EQ(Copy("disk/tree", {"moving/"}), RESULT_CANCEL);
+        EXPECT_EQ(answers.asked,
+                  (Asked{Failure("copy", "disk/new", "Read-only file system"),
+                         Failure("delete", "disk/big", "Read-only file system"),
+                         "Error: Cannot create directory " + files.At("disk/tree") + "\ncause:Read-only file system"}));
+        EXPECT_EQ(files.Contents("disk/big") + files.Contents("moving/big"), "oldnew");
+
         // A limit on the size of files.
         std::signal(SIGXFSZ, SIG_IGN);
         files.File("wide", std::string(200'000, 'x'));
