@@ -181,6 +181,9 @@ void FileOperation(OperationKind kind)
         return;
     }
     const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
+    if (sources.size() > 1) {
+        destination = WithSlash(destination);
+    }
     int flag = 0;
     const Result result =
         RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });

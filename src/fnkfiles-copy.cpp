@@ -421,7 +421,12 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
         return FileErrorMessage(kind, destination, errno);  // Better than to take a directory for none.
     }
-    const std::string target = TargetPath(destination, source, exists && S_ISDIR(destination_st.st_mode));
+    const bool is_directory = exists && S_ISDIR(destination_st.st_mode);
+    if (!is_directory && destination.ends_with('/') && !S_ISDIR(st.st_mode)) {
+        // Of several items, each would replace the one before under the name of what has gone.
+        return FileErrorMessage(kind, destination, exists ? ENOTDIR : ENOENT);
+    }
+    const std::string target = TargetPath(destination, source, is_directory);
     if (target.size() > kMaxPathBytes) {
         return FileErrorMessage(kind, target, ENAMETOOLONG);
     }

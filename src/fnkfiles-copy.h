@@ -21,7 +21,8 @@ std::string ProofDstPath(const std::string& destination, const std::string& sour
 /// of, which is reported; 0 when it may go there. A place is known under any spelling.
 Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode);
 
-/// Copies source to destination. The path of a directory ends in "/". Permission bits are copied;
+/// Copies source to destination; a "/" at the end of that says that it is meant as a directory,
+/// and no file is copied when it is none. The path of a directory ends in "/". Permission bits are copied;
 /// owner, group and times are not. Devices, pipes and sockets become empty files.
 Result CopyFile(const std::string& destination, const std::string& source, int* flag);
 

@@ -410,6 +410,29 @@ TEST_F(CopyTest, WhatCannotBeReadOrWrittenIsReportedAndTheRestGoesOn)
         CHILD_PASSED);
 }
 
+TEST_F(CopyTest, InADirectoryThatAllShareTheFilesOfOthersStay)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "takes two users";
+    }
+    files.File("shared/file", "theirs");
+    files.SetMode("shared", 01777);
+    ASSERT_EQ(RunInChild([this] {
+                  BecomeOrdinaryUser(files);
+                  answers.to_messages = {RESULT_OK};
+                  files.File("file", "mine");
+                  for (const bool move : {false, true}) {
+                      answers.asked.clear();
+                      EXPECT_EQ(move ? Move("shared", {"file"}) : Copy("shared", {"file"}), RESULT_OK);
+                      EXPECT_EQ(answers.asked, (Asked{Question("shared/file"),
+                                                      Failure("delete", "shared/file", "Operation not permitted")}));
+                  }
+                  EXPECT_EQ(files.Contents("shared/file") + files.Contents("file"), "theirsmine");
+                  EXPECT_EQ(TemporariesIn("shared"), Tree());
+              }),
+              CHILD_PASSED);
+}
+
 TEST_F(CopyTest, FullDisksAndLimitsLeaveTheOldFile)
 {
     const ChildResult result = RunInChild([this] {
@@ -493,6 +516,12 @@ TEST_F(CopyTest, NothingToCopyOrNowhereToPutItIsSaid)
     int flag = 0;
     EXPECT_EQ(CopyFile("", files.At("file"), &flag), RESULT_NO_ARGUMENT);
     EXPECT_EQ(MoveFile(files.At("to"), files.At("file"), nullptr), RESULT_NO_ARGUMENT);
+    // A "/" at the end means a directory: where that is gone, no file takes its name.
+    answers.asked.clear();
+    EXPECT_EQ(Copy("gone/", {"file"}), RESULT_DONE);
+    EXPECT_EQ(Move("file/", {"file"}), RESULT_DONE);
+    EXPECT_EQ(answers.asked, (Asked{Failure("copy", "gone/", "No such file or directory"),
+                                    Failure("move", "file/", "Not a directory")}));
     EXPECT_EQ(files.Names(), std::vector<std::string>{"file"});
 }
 
