@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fnkdirtree-drag.h"
 #include "fnkdirtree-view.h"
 #include "fnkdirtree-walk.h"
 #include "fnkmainwindow-record.h"
@@ -148,6 +149,7 @@ GtkWidget* CreateDirTree(GtkWidget* paned)
         return nullptr;
     }
     gtk_paned_pack1(GTK_PANED(paned), pMainW->TreeScroll, FALSE, TRUE);
+    ConnectTreeDrag(MainTree());
     pGTable->CurrentDir = pGTable->StartDir.empty() ? pGTable->RootDir : pGTable->StartDir;
     shown_directory.clear();
     SetEntryBytes(ComboEntry(pMainW->LocationCombo), pGTable->RootDir);

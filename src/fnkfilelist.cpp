@@ -4,6 +4,7 @@
 #include <array>
 
 #include "fnkdirtree.h"
+#include "fnkfilelist-drag.h"
 #include "fnkfilelist-model.h"
 #include "fnkfilelist-sort.h"
 #include "fnkfilelist-status.h"
@@ -312,6 +313,7 @@ GtkTreeView* NewListView()
     g_signal_connect(selection, "changed", G_CALLBACK(on_FileList_selection_changed), nullptr);
     g_signal_connect(list, "button-press-event", G_CALLBACK(on_FileList_button_press), nullptr);
     g_signal_connect(list, "row-activated", G_CALLBACK(on_FileList_row_activated), nullptr);
+    ConnectListDrag(list);
     return list;
 }
 

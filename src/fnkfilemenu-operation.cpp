@@ -161,13 +161,6 @@ bool HasRoomFor(const std::vector<std::string>& sources, const std::string& dest
     return true;
 }
 
-/// The parent, but never a directory above the top of the tree.
-std::string ParentInTree(const std::string& path)
-{
-    const std::string parent = GetParentDirectory(path);
-    return CheckChildDirectory(parent) == 0 ? parent : pGTable->RootDir;
-}
-
 }  // namespace
 
 void FileOperation(OperationKind kind)

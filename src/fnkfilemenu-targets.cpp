@@ -51,3 +51,9 @@ std::size_t CountFileOperationTargets()
     const std::size_t rows = CountListSelection();
     return rows > 0 ? rows : GetTreeSelect(MainTree(), nullptr, nullptr) ? 1 : 0;
 }
+
+std::string ParentInTree(const std::string& path)
+{
+    const std::string parent = GetParentDirectory(path);
+    return CheckChildDirectory(parent) == 0 ? parent : pGTable->RootDir;
+}

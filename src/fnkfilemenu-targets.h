@@ -17,3 +17,6 @@ SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::strin
 
 /// How many paths the above would append.
 std::size_t CountFileOperationTargets();
+
+/// The parent of path, but never a directory above the top of the tree.
+std::string ParentInTree(const std::string& path);

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "fnkdirtree.h"
+#include "fnkdragdrop.h"
 #include "fnkfilelist-status.h"
 #include "fnkfilelist.h"
+#include "fnkfilemenu-drop.h"
 #include "fnkfiles-settings.h"
 #include "fnklocationbar.h"
 #include "fnkmainwindow-keys.h"
@@ -144,6 +146,7 @@ GtkWidget* CreateMainWindow()
 {
     OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
     OnFileList = {.SelectionChanged = SensitivePropertyButton, .FileActivated = ExecApplication};
+    OnFilesDropped = UIFileDragDrop;
     ReadLiveLayout = ReadLayout;
 
     GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);

@@ -75,6 +75,9 @@ struct GTable {
     std::vector<AppInfo> ExtensionList;    ///< Which program opens a file; the first that fits counts.
     std::vector<AppInfo> ApplicationList;  ///< What the user can choose from when none does.
 
+    unsigned ScrollTimer = 0;  ///< Scrolls the tree during a drag over its edge; 0 for none.
+    unsigned ExpandTimer = 0;  ///< Expands the node that a drag rests on; 0 for none.
+
     GtkWidget* ProgressDlg = nullptr;  ///< While a file operation shows one.
     GtkWidget* ProgressBar = nullptr;
     int ProgressDone = 0;    ///< Steps reported.

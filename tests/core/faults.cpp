@@ -356,14 +356,20 @@ TEST_F(FaultTest, ADeleteTakesNothingElse)
 
 TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
 {
-    // A signal ends the process from inside the main loop that the engine runs.
-    files.File("from/large", std::string(32 << 20, 'x'));
+    // A signal ends the process from inside the main loop that the engine runs. What has a name so
+    // early is for nobody else to read.
+    files.File("from/large", std::string(32 << 20, 'x'), 0600);
     files.File("to/large", "old");
     const std::vector<std::string> before = files.Names("to");
     ASSERT_EQ(RunInChild([&] {
                   is_old_file_system = true;
                   table.ConfilmOverwrite = 0;
-                  answers.at_paint = [&] { std::exit(files.Names("to").size() == 2 ? CHILD_PASSED : CHILD_FAILED); };
+                  umask(0);
+                  answers.at_paint = [&] {
+                      const std::vector<std::string> names = files.Names("to");
+                      const bool is_private = (files.Status("to/" + names.front()).st_mode & 077) == 0;
+                      std::exit(names.size() == 2 && is_private ? CHILD_PASSED : CHILD_FAILED);
+                  };
                   Copy("to", {"from/large"});
                   ADD_FAILURE() << "was over too soon";
               }),

@@ -1,0 +1,209 @@
+// Dragging with a real pointer: what is carried, where it goes, and what the tree does meanwhile.
+
+#include <glib.h>
+
+#include "windowtest.h"
+
+namespace {
+
+/// A place on the screen.
+struct Spot {
+    int x;
+    int y;
+};
+
+class Drag : public WindowTest {
+protected:
+    void StartWithFiles()
+    {
+        files.File("from/a", "a");
+        files.File("from/b b", "b");
+        files.File("from/sub/c", "c");
+        files.Directory("to/deep");
+        Start();
+        Visit("from/");
+        Settle();
+    }
+
+    static Spot Middle(GtkTreeView* view, GtkTreePath* path)
+    {
+        GdkRectangle area;
+        gtk_tree_view_get_cell_area(view, path, gtk_tree_view_get_column(view, view == MainList() ? 1 : 0), &area);
+        Spot spot = {};
+        gdk_window_get_root_coords(gtk_tree_view_get_bin_window(view), area.x + 30, area.y + area.height / 2, &spot.x,
+                                   &spot.y);
+        return spot;
+    }
+    Spot Row(const std::string& name) const
+    {
+        const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(RowOf(name)), -1));
+        return Middle(MainList(), path.get());
+    }
+    Spot Node(const std::string& path) const { return Middle(MainTree(), NodePath(path).get()); }
+
+    /// Lets a real pointer do something, which may take a while; the id of the process.
+    static GPid Spawn(const std::string& actions)
+    {
+        GPid pid = 0;
+        const std::string command = "xdotool " + actions;
+        char** arguments = nullptr;
+        Require(g_shell_parse_argv(command.c_str(), nullptr, &arguments, nullptr), command);
+        constexpr auto kFlags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD);
+        Require(g_spawn_async(nullptr, arguments, nullptr, kFlags, nullptr, nullptr, &pid, nullptr), command);
+        g_strfreev(arguments);
+        return pid;
+    }
+    /// The same, and lets the window follow.
+    static void Pointer(const std::string& actions)
+    {
+        static bool is_over;
+        is_over = false;
+        const auto finish = [](GPid child, int, gpointer) {
+            g_spawn_close_pid(child);
+            is_over = true;
+        };
+        g_child_watch_add(Spawn(actions), finish, nullptr);
+        EXPECT_TRUE(Await([] { return is_over; }));
+        Settle();
+    }
+    static std::string MoveTo(Spot spot)
+    {
+        return "mousemove " + std::to_string(spot.x) + " " + std::to_string(spot.y) + " sleep 0.05 ";
+    }
+    /// Presses, moves in small steps and stays there.
+    static void DragFromTo(Spot from, Spot to, int button = 1)
+    {
+        std::string actions = MoveTo(from) + "mousedown " + std::to_string(button) + " sleep 0.05 ";
+        for (int step = 1; step <= 8; ++step) {
+            actions += MoveTo({from.x + (to.x - from.x) * step / 8, from.y + (to.y - from.y) * step / 8});
+        }
+        Pointer(actions + MoveTo({to.x + 1, to.y}));
+    }
+    static void Release(int button = 1) { Pointer("mouseup " + std::to_string(button)); }
+    /// Lets go, and presses a key for the popup, which runs a loop of its own.
+    static void ReleaseAndChoose(const char* key, int button = 1)
+    {
+        static std::string pressed;
+        pressed = std::string("key ") + key;
+        const auto press_key = [](gpointer) -> gboolean {
+            if (!GTK_IS_MENU(gtk_grab_get_current())) {
+                return G_SOURCE_CONTINUE;
+            }
+            g_spawn_close_pid(Spawn(pressed));
+            pressed.clear();
+            return G_SOURCE_REMOVE;
+        };
+        const guint watch = g_timeout_add(20, press_key, nullptr);
+        Release(button);
+        EXPECT_TRUE(Await([] { return pressed.empty() && gtk_grab_get_current() == nullptr; }));
+        if (!pressed.empty()) {
+            g_source_remove(watch);
+        }
+        Settle();
+    }
+};
+
+TEST_F(Drag, AllSelectedRowsGoToTheDirectoryUnderThePointer)
+{
+    StartWithFiles();
+    SelectNames({"a", "b b", "sub"});
+    const std::string shown = pGTable->CurrentDir;
+    DragFromTo(Row("b b"), Node(files.At("to/")));
+    EXPECT_EQ(SelectedNames().size(), 3U) << "the press must not select one row alone";
+    EXPECT_EQ(TreeSelected(), files.At("to/")) << "where it would go";
+    EXPECT_EQ(pGTable->CurrentDir, shown) << "but it is not entered";
+    ReleaseAndChoose("c");
+    EXPECT_TRUE(Await([this] { return files.Names("to").size() == 4; }));
+    EXPECT_EQ(files.Names("to"), (Names{"a", "b b", "deep", "sub"}));
+    EXPECT_EQ(files.Names("from"), (Names{"a", "b b", "sub"}));
+    EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("to/"); }));
+    ExpectConsistent();
+}
+
+TEST_F(Drag, ADirectoryOfTheTreeMovesIntoAnother)
+{
+    StartWithFiles();
+    SetExpanded(files.At("to/"), true);
+    ClickNode(files.At("from/"));
+    DragFromTo(Node(files.At("from/")), Node(files.At("to/deep/")));
+    ReleaseAndChoose("m");
+    EXPECT_TRUE(Await([this] { return files.Names() == Names{"to"}; }));
+    EXPECT_EQ(files.Names("to/deep/from"), (Names{"a", "b b", "sub"}));
+    EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("to/deep/"); }));
+    ExpectConsistent();
+}
+
+TEST_F(Drag, NothingHappensWithoutAChoiceOrInTheSameDirectory)
+{
+    StartWithFiles();
+    SelectNames({"a"});
+    DragFromTo(Row("a"), Node(files.At("to/")));
+    ReleaseAndChoose("Escape");
+    DragFromTo(Row("a"), Row("sub"));
+    Release();
+    EXPECT_TRUE(Await([] { return pGTable->TreeSelectSignal != 0; }));
+    EXPECT_EQ(gtk_grab_get_current(), nullptr) << "dropped where it came from: no question";
+    EXPECT_EQ(files.Names("from"), (Names{"a", "b b", "sub"}));
+    EXPECT_EQ(files.Names("to"), Names{"deep"});
+    // Choosing by hand enters directories again.
+    ClickNode(files.At("to/"));
+    EXPECT_EQ(pGTable->CurrentDir, files.At("to/"));
+    ExpectConsistent();
+}
+
+TEST_F(Drag, APressOnOneOfSeveralIsAClickWhenNoDragFollows)
+{
+    StartWithFiles();
+    SelectNames({"a", "b b", "sub"});
+    Pointer(MoveTo(Row("b b")) + "mousedown 1 sleep 0.05");
+    EXPECT_EQ(SelectedNames().size(), 3U);
+    Release();
+    EXPECT_TRUE(Await([this] { return SelectedNames() == Names{"b b"}; }));
+    // And as the first of a double click it opens.
+    SelectNames({"a", "sub"});
+    Pointer(MoveTo(Row("sub")) + "click --repeat 2 --delay 60 1");
+    EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("from/sub/"); }));
+}
+
+TEST_F(Drag, ARestingPointerExpandsAndTheEdgesScroll)
+{
+    for (int i = 0; i < 60; ++i) {
+        files.Directory("many/d" + std::to_string(100 + i) + "/x");
+    }
+    StartWithFiles();
+    SelectNames({"a"});
+    DragFromTo(Row("a"), Node(files.At("many/")));
+    EXPECT_NE(pGTable->ExpandTimer, 0U);
+    EXPECT_TRUE(Await([this] { return IsExpanded(files.At("many/")); }));
+    EXPECT_EQ(pGTable->ExpandTimer, 0U);
+    // Near the bottom it scrolls, row by row.
+    Spot bottom = {};
+    GtkWidget* const tree = GTK_WIDGET(MainTree());
+    gdk_window_get_root_coords(gtk_widget_get_window(tree), 60, gtk_widget_get_allocated_height(tree) - 8, &bottom.x,
+                               &bottom.y);
+    Pointer(MoveTo(bottom));
+    const TreePath first = GetFirstVisiblePath(MainTree());
+    EXPECT_NE(pGTable->ScrollTimer, 0U);
+    EXPECT_TRUE(Await([&first] {
+        const TreePath now = GetFirstVisiblePath(MainTree());
+        return gtk_tree_path_compare(now.get(), first.get()) > 0;
+    }));
+    // Leaving the tree stops it all.
+    Pointer(MoveTo(Row("b b")));
+    EXPECT_TRUE(Await([] { return pGTable->ScrollTimer == 0 && pGTable->ExpandTimer == 0; }));
+    Release();
+    EXPECT_TRUE(Await([] { return pGTable->TreeSelectSignal != 0; }));
+    EXPECT_EQ(pGTable->CurrentDir, files.At("from/"));
+}
+
+TEST_F(Drag, TheOtherButtonDragsWhatIsUnderIt)
+{
+    StartWithFiles();
+    SelectNames({"sub"});
+    DragFromTo(Row("a"), Node(files.At("to/")), 3);
+    EXPECT_EQ(SelectedNames(), Names{"a"});
+    ReleaseAndChoose("m", 3);
+    EXPECT_TRUE(Await([this] { return files.Names("to") == Names{"a", "deep"}; }));
+}
+
+}  // namespace
