@@ -1,7 +1,6 @@
 #include "fnkfilelist-rows.h"
 
 #include <fcntl.h>
-#include <fnmatch.h>
 #include <grp.h>
 #include <pwd.h>
 
@@ -164,7 +163,7 @@ int CheckFilter(const char* name)
     if (!pGTable->Filter || std::strcmp(name, "..") == 0) {
         return 1;
     }
-    return fnmatch(pGTable->FilterName.c_str(), name, 0) == 0 ? 1 : 0;
+    return MatchPattern(pGTable->FilterName, name) ? 1 : 0;
 }
 
 std::string SetPermission(mode_t mode)

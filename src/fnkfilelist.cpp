@@ -425,6 +425,11 @@ void on_FileList_click_column(int column)
         pGTable->SortColumn = column;
         pGTable->SortType = SORT_ASCENDING;
     }
+    SortFileList();
+}
+
+void SortFileList()
+{
     const ListSelectionBatch batch;
     SortModelRows(ModelOf(MainList()));
     UpdateSortArrows(MainList());

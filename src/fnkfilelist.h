@@ -29,6 +29,9 @@ int DisplayFileList(const std::string& path);
 /// Sorts by the column, or the other way round when it is sorted by it already.
 void on_FileList_click_column(int column);
 
+/// Puts the rows into the order that SortColumn and SortType say.
+void SortFileList();
+
 /// Scrolls the row of that name into view; nothing happens when there is none.
 void ShowListRow(const std::string& name);
 

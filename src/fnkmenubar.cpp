@@ -7,6 +7,7 @@
 #include "fnkeditmenu.h"
 #include "fnkfilelist-status.h"
 #include "fnkfilemenu.h"
+#include "fnklayoutmenu.h"
 #include "fnkmainwindow-record.h"
 #include "fnkstring.h"
 #include "fnktable.h"
@@ -52,8 +53,8 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Rescan directory(_R)"), on_Menu_RescanDirectory_activate},
     {MENU_ITEM, N_("Option(_O)...")},
-    {MENU_ITEM, N_("Sort column(_S)...")},
-    {MENU_ITEM, N_("Filter view(_F)...")},
+    {MENU_ITEM, N_("Sort column(_S)..."), on_Menu_Sort_activate},
+    {MENU_ITEM, N_("Filter view(_F)..."), on_Menu_FilterView_activate},
     {MENU_ITEM, N_("Manual(_M)...")},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Abort(_A)...")},

@@ -153,6 +153,15 @@ Result DeleteMessageBox(const std::string& name)
     return result;
 }
 
+void EntryMessageBox(const char* message, GtkWidget* entry)
+{
+    if (entry != nullptr) {
+        gtk_widget_grab_focus(entry);
+        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
+    }
+    MessageBox(_("Error"), message, STYLE_ERROR);
+}
+
 void FileExistMessageBox(PathStatus status, GtkWidget* entry)
 {
     constexpr std::array<const char*, 9> kMessages = {
@@ -166,10 +175,6 @@ void FileExistMessageBox(PathStatus status, GtkWidget* entry)
         N_("The specified file already exists."),
         N_("Internal error."),
     };
-    if (entry != nullptr) {
-        gtk_widget_grab_focus(entry);
-        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
-    }
     const auto index = static_cast<std::size_t>(status);
-    MessageBox(_("Error"), gettext(kMessages[std::min<std::size_t>(index, PATH_NULL)]), STYLE_ERROR);
+    EntryMessageBox(gettext(kMessages[std::min<std::size_t>(index, PATH_NULL)]), entry);
 }

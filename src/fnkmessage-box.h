@@ -5,6 +5,9 @@
 
 #include "fnkutil.h"
 
-/// Says what is wrong with a typed path. The entry, if one is given, gets the focus and its whole
-/// text selected, to be typed anew.
+/// Says what is wrong with what the entry says. The entry gets the focus and its whole text
+/// selected, to be typed anew.
+void EntryMessageBox(const char* message, GtkWidget* entry);
+
+/// Says what is wrong with a typed path. The entry, if one is given, is treated as above.
 void FileExistMessageBox(PathStatus status, GtkWidget* entry);

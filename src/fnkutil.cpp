@@ -1,6 +1,7 @@
 #include "fnkutil.h"
 
 #include <fcntl.h>
+#include <fnmatch.h>
 #include <glib.h>
 #include <langinfo.h>
 #include <limits.h>
@@ -366,6 +367,47 @@ PathStatus CheckFileExist(std::string* path)
     }
     *path = SpellFromRoot(resolved.path);
     return JudgeResolvedPath(*path);
+}
+
+namespace {
+
+/// UTF-8 of the text in which each byte that is part of no character is one of the characters at
+/// the very end of the code, which are nobody's.
+std::string WithBytesAsCharacters(const std::string& text)
+{
+    constexpr gunichar kByteCharacters = 0x10FF00;
+    std::string result;
+    for (const char *at = text.data(), *const end = at + text.size(); at < end;) {
+        const std::ptrdiff_t length = SequenceLength(at, end);
+        char buffer[6];
+        const int written =
+            length > 0 ? 0 : g_unichar_to_utf8(kByteCharacters + static_cast<unsigned char>(*at), buffer);
+        result.append(length > 0 ? at : buffer, static_cast<std::size_t>(length > 0 ? length : written));
+        at += std::max<std::ptrdiff_t>(1, length);
+    }
+    return result;
+}
+
+bool IsWellFormed(std::string_view text)
+{
+    return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+}
+
+}  // namespace
+
+bool MatchPattern(const std::string& pattern, const char* name)
+{
+    // The system's own comparison takes a text with one broken byte for bytes throughout, or for no
+    // text at all: "?" would then match a part of a letter, or nothing match anything.
+    if (IsUtf8Locale() && !(IsWellFormed(name) && IsWellFormed(pattern))) {
+        return fnmatch(WithBytesAsCharacters(pattern).c_str(), WithBytesAsCharacters(name).c_str(), 0) == 0;
+    }
+    return fnmatch(pattern.c_str(), name, 0) == 0;
+}
+
+bool IsPattern(const std::string& text)
+{
+    return !text.empty() && text.size() <= kMaxFilterBytes;
 }
 
 namespace {

@@ -103,8 +103,16 @@ std::string ConvertSize(std::uint64_t size);
 int CheckFileName(std::string_view name);
 
 /// Judges a typed path and replaces it by its absolute form, for PATH_OUTSIDE_ROOT and from
-/// PATH_NO_PARENT to PATH_FILE by its canonical form, told from RootDir if it is inside. Relative text counts from CurrentDir.
+/// PATH_NO_PARENT to PATH_FILE by its canonical form, told from RootDir if it is inside. Relative text counts from
+/// CurrentDir.
 PathStatus CheckFileExist(std::string* path);
+
+/// Whether a name, bytes, matches a shell's wildcard pattern as a whole; case counts, and a leading
+/// "." is nothing special. In a UTF-8 locale a byte that is part of no character counts as one, as
+/// it does where names are shown.
+bool MatchPattern(const std::string& pattern, const char* name);
+/// Whether a typed text can be a pattern: it is not empty, and short enough to be stored.
+bool IsPattern(const std::string& text);
 
 /// Class of an entry of CurrentDir, st being its lstat record.
 FileType GetFileType(const std::string& path, const struct stat& st);
