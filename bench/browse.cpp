@@ -14,6 +14,7 @@
 #include <string>
 
 #include "fnkdirtree.h"
+#include "fnkeditmenu-select.h"
 #include "fnkfilelist-sort.h"
 #include "fnkfilelist.h"
 #include "fnkmainwindow-record.h"
@@ -149,6 +150,28 @@ void SelectAll(benchmark::State& state)
     }
 }
 
+/// Every other row or so: as many single rows as there can be.
+constexpr const char* kScattered = "*[13579].dat";
+
+void SelectScattered(benchmark::State& state)
+{
+    for (auto _ : state) {
+        SelectMatchingRows(kScattered);
+        state.PauseTiming();
+        UnselectAllListRows();
+        state.ResumeTiming();
+    }
+}
+
+void InvertScattered(benchmark::State& state)
+{
+    SelectMatchingRows(kScattered);
+    for (auto _ : state) {
+        InvertListSelection();
+    }
+    UnselectAllListRows();
+}
+
 void KeyWithAllSelected(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -209,6 +232,8 @@ BENCHMARK(ListDisplayFileList)->Unit(benchmark::kMillisecond);
 BENCHMARK(ListDisplayAndPaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(SortByColumn)->DenseRange(COLUMN_NAME, COLUMN_INODE)->Unit(benchmark::kMillisecond);
 BENCHMARK(SelectAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(SelectScattered)->Unit(benchmark::kMillisecond);
+BENCHMARK(InvertScattered)->Unit(benchmark::kMillisecond);
 BENCHMARK(KeyWithAllSelected)->Unit(benchmark::kMillisecond)->Iterations(10);
 BENCHMARK(ExpandBare)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ExpandInTree, read, false)->Unit(benchmark::kMillisecond)->Iterations(10);

@@ -1,12 +1,7 @@
 #include "fnkeditmenu.h"
 
 #include "fnkdirtree.h"
-#include "fnkfilelist.h"
-
-void on_Menu_SelectAll_activate(GtkWidget*, gpointer)
-{
-    SelectAllListRows();
-}
+#include "fnktable.h"
 
 void on_Menu_RescanDirectory_activate(GtkWidget*, gpointer)
 {

@@ -551,6 +551,28 @@ void UnselectAllListRows()
     gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(MainList()));
 }
 
+namespace {
+
+gboolean IsChosenRow(GtkTreeSelection*, GtkTreeModel*, GtkTreePath* path, gboolean, gpointer chosen)
+{
+    return (
+        *static_cast<const std::vector<bool>*>(chosen))[static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0])];
+}
+
+}  // namespace
+
+void SetListSelection(std::vector<bool> chosen)
+{
+    GtkTreeSelection* const selection = gtk_tree_view_get_selection(MainList());
+    const ListSelectionBatch batch;
+    const DrawingPause pause;
+    UnselectAllListRows();
+    // In one walk over all rows: naming them singly has the toolkit look for each of them anew.
+    gtk_tree_selection_set_select_function(selection, IsChosenRow, &chosen, nullptr);
+    gtk_tree_selection_select_all(selection);
+    gtk_tree_selection_set_select_function(selection, nullptr, nullptr, nullptr);
+}
+
 void SelectListRows(std::size_t first, std::size_t last)
 {
     const DrawingPause pause;

@@ -62,5 +62,7 @@ public:
 /// Every row but "..".
 void SelectAllListRows();
 void UnselectAllListRows();
+/// Selects the rows that chosen is true for, one value a row, and no others. ".." is never selected.
+void SetListSelection(std::vector<bool> chosen);
 /// Adds the rows first to last to the selection.
 void SelectListRows(std::size_t first, std::size_t last);

@@ -81,10 +81,20 @@ TEST_F(Menus, WhatIsNotBuiltIsInsensitive)
 {
     files.File("a");
     Start();
-    const std::set<std::size_t> built = {
-        MENU_NEW_WINDOW,  MENU_NEW,        MENU_OPEN,         MENU_COPY,       MENU_MOVE,
-        MENU_DELETE,      MENU_PROPERTY,   MENU_CLOSE_WINDOW, MENU_SELECT_ALL, MENU_RESCAN_DIRECTORY,
-        MENU_SORT_COLUMN, MENU_FILTER_VIEW};
+    const std::set<std::size_t> built = {MENU_NEW_WINDOW,
+                                         MENU_NEW,
+                                         MENU_OPEN,
+                                         MENU_COPY,
+                                         MENU_MOVE,
+                                         MENU_DELETE,
+                                         MENU_PROPERTY,
+                                         MENU_CLOSE_WINDOW,
+                                         MENU_SELECT_ALL,
+                                         MENU_SELECT_FILES,
+                                         MENU_INVERT_SELECTION,
+                                         MENU_RESCAN_DIRECTORY,
+                                         MENU_SORT_COLUMN,
+                                         MENU_FILTER_VIEW};
     const auto expect_sensitive = [&] {
         for (std::size_t i = 0; i < pMainW->MenuItem.size(); ++i) {
             EXPECT_EQ(gtk_widget_get_sensitive(pMainW->MenuItem[i]), built.contains(i)) << i;
