@@ -1,7 +1,14 @@
 #include "fnkeditmenu.h"
 
 #include "fnkdirtree.h"
+#include "fnkfilemenu-targets.h"
+#include "fnkmainwindow-record.h"
 #include "fnktable.h"
+
+void on_Menu_Edit_activate(GtkWidget*, gpointer)
+{
+    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_SYMBOLIC_LINK], CountFileOperationTargets() == 1);
+}
 
 void on_Menu_RescanDirectory_activate(GtkWidget*, gpointer)
 {

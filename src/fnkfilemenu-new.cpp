@@ -67,6 +67,16 @@ bool CreateNewFile(const std::string& path)
     return ReportCreation(static_cast<bool>(file), _("Cannot create file %s\ncause:%s"), path);
 }
 
+void ShowNewFile(const std::string& path)
+{
+    PutOnDisk();
+    const std::string parent = GetParentDirectory(path);
+    OpenChildTree(MainTree(), parent, EXPAND_LAST_NO);
+    if (pGTable->CurrentDir == parent) {
+        ShowListRow(GetLastPath(path));
+    }
+}
+
 void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
 {
     std::string path;
@@ -84,10 +94,5 @@ void on_Menu_NewFile_activate(GtkWidget*, gpointer)
     if (!AskForNewPath(MODE_NEW_FILE, &path) || !CreateNewFile(path)) {
         return;
     }
-    PutOnDisk();
-    const std::string parent = GetParentDirectory(path);
-    OpenChildTree(MainTree(), parent, EXPAND_LAST_NO);
-    if (pGTable->CurrentDir == parent) {
-        ShowListRow(GetLastPath(path));
-    }
+    ShowNewFile(path);
 }

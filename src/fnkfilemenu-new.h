@@ -7,3 +7,6 @@
 bool CreateNewDirectory(const std::string& path);
 /// The same for an empty file. What is there already, if only since a moment, is never touched.
 bool CreateNewFile(const std::string& path);
+
+/// Puts the change on the disk and shows the file that it made, in its directory.
+void ShowNewFile(const std::string& path);

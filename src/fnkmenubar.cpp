@@ -49,7 +49,7 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Find file(_F)...")},
     {MENU_SEPARATOR},
-    {MENU_ITEM, N_("Symbolic link(_L)...")},
+    {MENU_ITEM, N_("Symbolic link(_L)..."), on_Menu_SymbolicLink_activate},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Rescan directory(_R)"), on_Menu_RescanDirectory_activate},
     {MENU_ITEM, N_("Option(_O)...")},
@@ -71,7 +71,7 @@ struct MenuTitle {
 
 constexpr std::array<MenuTitle, 5> kTitles = {{
     {N_("File(_F)"), 10, on_Menu_File_activate},
-    {N_("Edit(_E)"), 9, nullptr},
+    {N_("Edit(_E)"), 9, on_Menu_Edit_activate},
     {N_("Setting(_S)"), 1, nullptr},
     {N_("Layout(_L)"), 2, nullptr},
     {N_("Help(_H)"), 3, nullptr},

@@ -92,6 +92,7 @@ TEST_F(Menus, WhatIsNotBuiltIsInsensitive)
                                          MENU_SELECT_ALL,
                                          MENU_SELECT_FILES,
                                          MENU_INVERT_SELECTION,
+                                         MENU_SYMBOLIC_LINK,
                                          MENU_RESCAN_DIRECTORY,
                                          MENU_SORT_COLUMN,
                                          MENU_FILTER_VIEW};
