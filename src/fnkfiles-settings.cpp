@@ -3,17 +3,12 @@
 #include <array>
 
 #include "fnkutil.h"
+#include "fnkversion.h"
 
 namespace {
 
 constexpr const char* kFileName = ".fennick";
-constexpr const char* kHeader =
-    "#\n"
-    "# Fennick\n"
-    "# Configuration file.\n"
-    "# Copyright (C) 2026 The Fennick developers\n"
-    "# Do not edit.\n"
-    "#\n";
+constexpr const char* kHeader = "#\n# Fennick\n# Configuration file.\n# %s\n# Do not edit.\n#\n";
 
 constexpr const char* kInit = "[Init]";
 constexpr const char* kMainWindow = "[Main Window]";
@@ -233,7 +228,7 @@ FileResult SetGTable(const LiveLayout& layout)
         return FILE_NO_ARGUMENT;
     }
     TakeLayout(*pGTable, layout);
-    std::string text = kHeader;
+    std::string text = FormatText(kHeader, kRights);
     for (const Setting& setting : kSettings) {
         if (!std::visit(Writer{text, setting, *pGTable}, setting.value)) {
             return FILE_NOT_BUILT;

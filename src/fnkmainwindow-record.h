@@ -22,6 +22,8 @@ enum MenuEntry {
     MENU_RESCAN_DIRECTORY = 18,
     MENU_SORT_COLUMN = 20,
     MENU_FILTER_VIEW = 21,
+    MENU_MANUAL = 22,
+    MENU_ABORT = 24,
     MENU_STORED_COUNT = 25,
 };
 

@@ -7,6 +7,7 @@
 #include "fnkeditmenu.h"
 #include "fnkfilelist-status.h"
 #include "fnkfilemenu.h"
+#include "fnkhelpmenu.h"
 #include "fnklayoutmenu.h"
 #include "fnkmainwindow-record.h"
 #include "fnkstring.h"
@@ -55,9 +56,9 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Option(_O)...")},
     {MENU_ITEM, N_("Sort column(_S)..."), on_Menu_Sort_activate},
     {MENU_ITEM, N_("Filter view(_F)..."), on_Menu_FilterView_activate},
-    {MENU_ITEM, N_("Manual(_M)...")},
+    {MENU_ITEM, N_("Manual(_M)..."), on_Menu_Manual_activate},
     {MENU_SEPARATOR},
-    {MENU_ITEM, N_("Abort(_A)...")},
+    {MENU_ITEM, N_("Abort(_A)..."), on_Menu_Abort_activate},
     {MENU_ITEM, N_("Directory(_D)..."), on_Menu_NewDirectory_activate},
     {MENU_ITEM, N_("File(_F)..."), on_Menu_NewFile_activate},
 }};

@@ -18,12 +18,9 @@
 #include "fnktable.h"
 #include "fnkutil-launch.h"
 #include "fnkutil-widget.h"
+#include "fnkversion.h"
 
 namespace {
-
-constexpr const char* kVersion = "1.01";
-constexpr const char* kVersionDate = "2001/07/27";
-constexpr const char* kRights = "Copyright (C) 2026 The Fennick developers";
 
 int signal_pipe[2] = {-1, -1};
 

@@ -95,7 +95,9 @@ TEST_F(Menus, WhatIsNotBuiltIsInsensitive)
                                          MENU_SYMBOLIC_LINK,
                                          MENU_RESCAN_DIRECTORY,
                                          MENU_SORT_COLUMN,
-                                         MENU_FILTER_VIEW};
+                                         MENU_FILTER_VIEW,
+                                         MENU_MANUAL,
+                                         MENU_ABORT};
     const auto expect_sensitive = [&] {
         for (std::size_t i = 0; i < pMainW->MenuItem.size(); ++i) {
             EXPECT_EQ(gtk_widget_get_sensitive(pMainW->MenuItem[i]), built.contains(i)) << i;
