@@ -97,7 +97,8 @@ PathStatus CheckLinkName(std::string* name)
     std::string place = name->starts_with('/') ? *name : pGTable->CurrentDir + *name;
     const PathStatus status = CheckFileExist(name);
     place.erase(place.find_last_not_of('/') + 1);
-    return status == PATH_NEW && lstat(place.c_str(), &st) == 0 ? PATH_FILE : status;
+    const bool may_be_link = status == PATH_NEW || status == PATH_INVALID;
+    return may_be_link && lstat(place.c_str(), &st) == 0 ? PATH_FILE : status;
 }
 
 }  // namespace
