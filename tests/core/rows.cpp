@@ -66,6 +66,19 @@ TEST_F(Rows, FilterIsOnePattern)
     }
 }
 
+TEST_F(Rows, PatternsTakeBrokenBytesForCharacters)
+{
+    for (const auto& [locale, letter] : {std::pair(kTwoByteLocale, "??"), std::pair(kUtf8Locale, "?")}) {
+        SetLocale(locale);
+        const std::string pattern = letter;
+        EXPECT_TRUE(MatchPattern(pattern, "\xC3\xA4")) << locale;
+        EXPECT_TRUE(MatchPattern(pattern + "?.txt", "\xC3\xA4\xFF.txt")) << locale;
+        EXPECT_FALSE(MatchPattern(pattern + ".txt", "\xC3\xA4\xFF.txt")) << locale;
+        EXPECT_TRUE(MatchPattern("*\xFF", "\xC3\xA4\xFF")) << locale;
+        EXPECT_FALSE(MatchPattern("\xFF", "\xFE")) << locale;
+    }
+}
+
 TEST_F(Rows, OddNamesKeepTheirBytes)
 {
     const Names odd = {" ", "line\nfeed", "mad\xFE\xFF", "\xE6\x97\xA5", "\xB0\x41", std::string(255, 'x'), "*", "\\"};

@@ -2,12 +2,10 @@
 
 #include "fnkfilemenu-operation.h"
 
-#include <gdk/gdkkeysyms.h>
-
 #include <filesystem>
 
+#include "acts.h"
 #include "fnkfilemenu-new.h"
-#include "windowtest.h"
 
 namespace {
 
@@ -39,40 +37,6 @@ protected:
     static void Copy() { Choose(MENU_COPY); }
     static void Move() { Choose(MENU_MOVE); }
 
-    using Act = DialogActs::value_type;
-    /// Types over what is selected in the entry that has the focus, and presses Return.
-    static Act Enter(const std::string& text)
-    {
-        return [text](GtkWidget* dialog) {
-            GtkWidget* const entry = gtk_window_get_focus(GTK_WINDOW(dialog));
-            ASSERT_TRUE(GTK_IS_ENTRY(entry));
-            gtk_editable_delete_selection(GTK_EDITABLE(entry));
-            int end = -1;
-            gtk_editable_insert_text(GTK_EDITABLE(entry), text.c_str(), -1, &end);
-            EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(entry)), text) << "something was left of what was there";
-            SendKey(dialog, GDK_KEY_Return);
-        };
-    }
-    static Act Press(const char* label)
-    {
-        return [label](GtkWidget* dialog) {
-            GtkWidget* const button = FindByText(dialog, label);
-            ASSERT_NE(button, nullptr) << label;
-            gtk_button_clicked(GTK_BUTTON(button));
-        };
-    }
-    /// Closes a box that says so.
-    static Act Read(const std::string& message)
-    {
-        return [message](GtkWidget* box) {
-            EXPECT_NE(FindByText(box, message), nullptr) << message;
-            Press("OK")(box);
-        };
-    }
-    static Act Escape()
-    {
-        return [](GtkWidget* dialog) { SendKey(dialog, GDK_KEY_Escape); };
-    }
     bool Exists(const std::string& name) const { return std::filesystem::exists(files.At(name)); }
 };
 
@@ -87,16 +51,16 @@ TEST_F(Operations, ANewDirectoryIsMadeWhereTheUserIsAndEntered)
                       GtkWidget* const entry = gtk_window_get_focus(GTK_WINDOW(dialog));
                       EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(entry)), files.At("a/"));
                       EXPECT_EQ(gtk_window_get_default_widget(GTK_WINDOW(dialog)), FindByText(dialog, "Cancel"));
-                      Enter("b\xC3\xA4r")(dialog);
+                      EnterText("b\xC3\xA4r")(dialog);
                   }});
     EXPECT_EQ(pGTable->CurrentDir, files.At("a/b\xC3\xA4r/"));
     const mode_t mask = umask(0);
     umask(mask);
     EXPECT_EQ(files.Status("a/b\xC3\xA4r").st_mode & 07777U, 0775U & ~mask);
     ExpectConsistent();
-    DuringDialogs(NewDirectory, {Enter("../c")});
+    DuringDialogs(NewDirectory, {EnterText("../c")});
     EXPECT_EQ(pGTable->CurrentDir, files.At("a/c/"));
-    DuringDialogs(NewDirectory, {Enter(files.At("d"))});
+    DuringDialogs(NewDirectory, {EnterText(files.At("d"))});
     EXPECT_EQ(pGTable->CurrentDir, files.At("d/"));
     ExpectConsistent();
 }
@@ -107,21 +71,23 @@ TEST_F(Operations, WhatCannotBeMadeIsSaidAndNothingChanges)
     files.Directory("closed");
     Start();
     // A path that no command could use keeps the dialog open, to be typed anew.
-    DuringDialogs(NewDirectory, {Enter("/elsewhere"), Read("The specified path cannot be operated."), Enter("no/such"),
-                                 Read("Path is inaccurate."), Enter(""), Read("Path is too short."), Enter("closed"),
-                                 Read("The specified directory already exists.")});
-    DuringDialogs(NewFile, {Enter("taken"), Read("The specified file already exists.")});
-    DuringDialogs(NewFile, {Enter("given//up"), Read("Path is inaccurate."), Escape()});
+    DuringDialogs(NewDirectory,
+                  {EnterText("/elsewhere"), ReadBox("The specified path cannot be operated."), EnterText("no/such"),
+                   ReadBox("Path is inaccurate."), EnterText(""), ReadBox("Path is too short."), EnterText("closed"),
+                   ReadBox("The specified directory already exists.")});
+    DuringDialogs(NewFile, {EnterText("taken"), ReadBox("The specified file already exists.")});
+    DuringDialogs(NewFile, {EnterText("given//up"), ReadBox("Path is inaccurate."), PressEscape()});
     DuringDialogs(NewFile, {SendClose});
     // It appeared since the dialog was closed.
     DuringDialogs([&] { EXPECT_FALSE(CreateNewFile(files.At("taken"))); },
-                  {Read("Cannot create file " + files.At("taken") + "\ncause:" + g_strerror(EEXIST))});
+                  {ReadBox("Cannot create file " + files.At("taken") + "\ncause:" + g_strerror(EEXIST))});
     EXPECT_EQ(files.Contents("taken"), "kept");
     const OrdinaryUser user({&files, &home});
     files.SetMode("closed", 0555);
     for (const auto& [command, what] : {std::pair(&NewFile, "file"), std::pair(&NewDirectory, "directory")}) {
-        DuringDialogs(command, {Enter("closed/x"), Read(std::string("Cannot create ") + what + " " +
-                                                        files.At("closed/x") + "\ncause:" + g_strerror(EACCES))});
+        DuringDialogs(
+            command, {EnterText("closed/x"), ReadBox(std::string("Cannot create ") + what + " " + files.At("closed/x") +
+                                                     "\ncause:" + g_strerror(EACCES))});
     }
     EXPECT_EQ(files.Names(), (Names{"closed", "taken"}));
     ExpectConsistent();
@@ -134,16 +100,16 @@ TEST_F(Operations, ANewFileComesIntoViewUnlessItIsHidden)
     }
     Start();
     Visit("many\xFF");
-    DuringDialogs(NewFile, {Enter("zz")});
+    DuringDialogs(NewFile, {EnterText("zz")});
     EXPECT_EQ(files.Status("many\xFF/zz").st_size, 0);
     EXPECT_TRUE(Await([&] { return RowVisibilityOf(RowOf("zz")) == ROW_VISIBLE; }));
-    DuringDialogs(NewFile, {Enter("00")});
+    DuringDialogs(NewFile, {EnterText("00")});
     EXPECT_TRUE(Await([&] { return RowVisibilityOf(RowOf("00")) == ROW_VISIBLE; }));
-    DuringDialogs(NewFile, {Enter(".hidden")});
+    DuringDialogs(NewFile, {EnterText(".hidden")});
     EXPECT_TRUE(Exists("many\xFF/.hidden"));
     ExpectConsistent();
     // In another directory it is shown there.
-    DuringDialogs(NewFile, {Enter("../beside")});
+    DuringDialogs(NewFile, {EnterText("../beside")});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(ListNames(), (Names{"..", "many\xFF", "beside"}));
     ExpectConsistent();
@@ -159,7 +125,7 @@ TEST_F(Operations, SeveralGoIntoADirectoryWhichIsMadeWhenItIsMissing)
     DuringDialogs(Copy, {[](GtkWidget* dialog) {
                       EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Copy");
                       EXPECT_NE(FindByText(dialog, "Copy 3 file/directory to:"), nullptr);
-                      Enter("new")(dialog);
+                      EnterText("new")(dialog);
                   }});
     EXPECT_EQ(pGTable->CurrentDir, files.At("new/"));
     EXPECT_EQ(ListNames(), (Names{"..", "dir", "a", "b"}));
@@ -170,14 +136,14 @@ TEST_F(Operations, SeveralGoIntoADirectoryWhichIsMadeWhenItIsMissing)
     SelectNames({"a", "b"});
     files.File("new/a", "4");
     files.File("new/b", "5");
-    DuringDialogs(Move, {Enter(files.Path()), Press("Yes")});
+    DuringDialogs(Move, {EnterText(files.Path()), PressButton("Yes")});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(files.Contents("a") + files.Contents("b"), "45");
     EXPECT_EQ(files.Names("new"), Names{"dir"});
     ExpectConsistent();
     // Onto a file they would replace one another.
     SelectNames({"dir", "b"});
-    DuringDialogs(Move, {Enter("a"), Read("The specified file already exists.")});
+    DuringDialogs(Move, {EnterText("a"), ReadBox("The specified file already exists.")});
     EXPECT_EQ(files.Contents("a") + files.Contents("b"), "45");
     EXPECT_EQ(SelectedNames(), (Names{"dir", "b"}));
     ExpectConsistent();
@@ -192,8 +158,8 @@ TEST_F(Operations, ADirectoryForSeveralThatCannotBeMadeStopsThem)
     const OrdinaryUser user({&files, &home});
     files.SetMode("closed", 0555);
     SelectNames({"a", "b"});
-    DuringDialogs(Move, {Enter("closed/x"),
-                         Read("Cannot create directory " + files.At("closed/x") + "\ncause:" + g_strerror(EACCES))});
+    DuringDialogs(Move, {EnterText("closed/x"),
+                         ReadBox("Cannot create directory " + files.At("closed/x") + "\ncause:" + g_strerror(EACCES))});
     EXPECT_EQ(files.Names(), (Names{"a", "b", "closed"}));
     ExpectConsistent();
 }
@@ -204,17 +170,17 @@ TEST_F(Operations, OneTakesTheNameThatItIsGiven)
     files.File("up/shown/file");
     Start();
     SelectNames({"a\xFF"});
-    DuringDialogs(Copy, {Enter("copy")});
+    DuringDialogs(Copy, {EnterText("copy")});
     EXPECT_EQ(ListNames(), (Names{"..", "up", "a\xFF", "copy"}));
     EXPECT_EQ(files.Contents("copy"), "1");
     ExpectConsistent();
     SelectNames({"copy"});
-    DuringDialogs(Move, {Enter("moved")});
+    DuringDialogs(Move, {EnterText("moved")});
     EXPECT_EQ(ListNames(), (Names{"..", "up", "a\xFF", "moved"}));
     ExpectConsistent();
     // The directory that is shown: the window goes along.
     Visit("up/shown");
-    DuringDialogs(Move, {Enter(files.At("here"))});
+    DuringDialogs(Move, {EnterText(files.At("here"))});
     EXPECT_EQ(pGTable->CurrentDir, files.At("here/"));
     EXPECT_EQ(ListNames(), (Names{"..", "file"}));
     EXPECT_FALSE(Exists("up/shown"));
@@ -223,13 +189,13 @@ TEST_F(Operations, OneTakesTheNameThatItIsGiven)
     files.Directory("up/dir");
     Visit("up");
     SelectNames({"dir"});
-    DuringDialogs(Move, {Enter(files.Path())});
+    DuringDialogs(Move, {EnterText(files.Path())});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(ListNames(), (Names{"..", "dir", "here", "up", "a\xFF", "moved"}));
     ExpectConsistent();
     // Into itself: refused by the engine.
     SelectNames({"dir"});
-    DuringDialogs(Move, {Enter("dir/inside"), Read("Cannot move to a sub directory.")});
+    DuringDialogs(Move, {EnterText("dir/inside"), ReadBox("Cannot move to a sub directory.")});
     EXPECT_TRUE(Exists("dir"));
     ExpectConsistent();
 }
@@ -241,7 +207,7 @@ TEST_F(Operations, GivingUpChangesNothing)
     files.Directory("dir");
     Start();
     SelectNames({"a", "b"});
-    for (const Act& act : {Act(SendClose), Escape(), Press("Cancel")}) {
+    for (const DialogAct& act : {DialogAct(SendClose), PressEscape(), PressButton("Cancel")}) {
         DuringDialogs(Copy, {act});
         DuringDialogs(Move, {act});
         EXPECT_EQ(SelectedNames(), (Names{"a", "b"}));
@@ -257,7 +223,7 @@ TEST_F(Operations, GivingUpChangesNothing)
                               return G_SOURCE_CONTINUE;
                           },
                           nullptr);
-                      Enter("dir")(dialog);
+                      EnterText("dir")(dialog);
                   }});
     EXPECT_EQ(files.Names(), (Names{"a", "b", "dir"}));
     EXPECT_TRUE(files.Names("dir").empty());

@@ -7,14 +7,12 @@
 
 #include <filesystem>
 
-#include "windowtest.h"
+#include "acts.h"
 
 namespace {
 
 class Property : public WindowTest {
 protected:
-    using Act = DialogActs::value_type;
-
     static void Open() { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_PROPERTY])); }
     /// Opens the dialog for one entry of the list.
     void Open(const std::string& name, const DialogActs& acts)
@@ -22,47 +20,25 @@ protected:
         SelectNames({name});
         DuringDialogs([] { Open(); }, acts);
     }
-    /// The widget that screen readers call so.
-    static GtkWidget* Named(GtkWidget* dialog, const std::string& name)
-    {
-        GtkWidget* const found = FindWidget(dialog, [&name](GtkWidget* widget) {
-            const char* const accessible = atk_object_get_name(gtk_widget_get_accessible(widget));
-            return (GTK_IS_ENTRY(widget) || GTK_IS_TOGGLE_BUTTON(widget)) && accessible != nullptr &&
-                   accessible == name;
-        });
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
     static std::string Text(GtkWidget* dialog, const char* name)
     {
-        return gtk_entry_get_text(GTK_ENTRY(Named(dialog, name)));
+        return gtk_entry_get_text(GTK_ENTRY(FindNamed(dialog, name)));
     }
     static bool Says(GtkWidget* dialog, const std::string& text) { return FindByText(dialog, text) != nullptr; }
     static void Toggle(GtkWidget* dialog, const char* name)
     {
-        GtkToggleButton* const toggle = GTK_TOGGLE_BUTTON(Named(dialog, name));
+        GtkToggleButton* const toggle = GTK_TOGGLE_BUTTON(FindNamed(dialog, name));
         gtk_toggle_button_set_active(toggle, !gtk_toggle_button_get_active(toggle));
     }
     static void Fill(GtkWidget* dialog, const char* name, const std::string& text)
     {
-        gtk_entry_set_text(GTK_ENTRY(Named(dialog, name)), text.c_str());
+        gtk_entry_set_text(GTK_ENTRY(FindNamed(dialog, name)), text.c_str());
     }
-    static Act Press(const char* label)
-    {
-        return [label](GtkWidget* dialog) { gtk_button_clicked(GTK_BUTTON(FindByText(dialog, label))); };
-    }
-    static Act Read(const std::string& message)
-    {
-        return [message](GtkWidget* box) {
-            EXPECT_TRUE(Says(box, message)) << message;
-            Press("OK")(box);
-        };
-    }
-    static Act Rename(const std::string& name)
+    static DialogAct Rename(const std::string& name)
     {
         return [name](GtkWidget* dialog) {
             Fill(dialog, "File name:", name);
-            Press("OK")(dialog);
+            PressButton("OK")(dialog);
         };
     }
     mode_t Mode(const std::string& name) const { return files.Status(name).st_mode & 07777; }
@@ -91,7 +67,7 @@ TEST_F(Property, ItShowsWhatThereIsToKnow)
              EXPECT_EQ(Text(dialog, "Owner"), getuid() == 0 ? "root" : Text(dialog, "Owner"));
              std::string set;
              for (const char* const name : kToggles) {
-                 set += gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(Named(dialog, name))) ? '1' : '0';
+                 set += gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(FindNamed(dialog, name))) ? '1' : '0';
              }
              EXPECT_EQ(set, "111110101010");
              SendKey(dialog, GDK_KEY_Escape);
@@ -100,11 +76,11 @@ TEST_F(Property, ItShowsWhatThereIsToKnow)
     Open("link", {[](GtkWidget* dialog) {
              EXPECT_TRUE(Says(dialog, "Stalled link file (Exist file:no\uFFFDwhere)"));
              for (const char* const name : kToggles) {
-                 EXPECT_FALSE(gtk_widget_is_sensitive(Named(dialog, name))) << name;
+                 EXPECT_FALSE(gtk_widget_is_sensitive(FindNamed(dialog, name))) << name;
              }
-             EXPECT_TRUE(gtk_widget_is_sensitive(Named(dialog, "File name:")));
-             EXPECT_TRUE(gtk_widget_is_sensitive(Named(dialog, "Group")));
-             Press("OK")(dialog);
+             EXPECT_TRUE(gtk_widget_is_sensitive(FindNamed(dialog, "File name:")));
+             EXPECT_TRUE(gtk_widget_is_sensitive(FindNamed(dialog, "Group")));
+             PressButton("OK")(dialog);
          }});
     EXPECT_EQ(files.Status("link").st_ctime, before.st_ctime);
     ExpectConsistent();
@@ -120,13 +96,13 @@ TEST_F(Property, KeysAloneReachEveryToggle)
              SendKey(dialog, GDK_KEY_Right);
              for (std::size_t i = 0; i < std::size(kToggles); ++i) {
                  SendKey(dialog, GDK_KEY_Tab);
-                 EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), Named(dialog, kToggles[i])) << kToggles[i];
+                 EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), FindNamed(dialog, kToggles[i])) << kToggles[i];
                  if (i == 2 || i == 5) {
                      SendKey(dialog, GDK_KEY_space);
                      EXPECT_TRUE(Await([&] { return Says(dialog, i == 2 ? "0744" : "0764"); }));
                  }
              }
-             Press("OK")(dialog);
+             PressButton("OK")(dialog);
          }});
     EXPECT_EQ(Mode("file"), 0764U);
     ExpectConsistent();
@@ -143,17 +119,17 @@ TEST_F(Property, OnlyWhatDiffersIsChanged)
              EXPECT_TRUE(Says(dialog, "0744"));
              Toggle(dialog, "User Exec");
              EXPECT_TRUE(Says(dialog, "0644"));
-             Press("OK")(dialog);
+             PressButton("OK")(dialog);
          }});
     EXPECT_EQ(files.Status("file\xFF").st_ctim.tv_nsec, before.st_ctim.tv_nsec) << "nothing was to be done";
     Open("file\xFF", {[](GtkWidget* dialog) {
              Toggle(dialog, "User Exec");
-             Press("Cancel")(dialog);
+             PressButton("Cancel")(dialog);
          }});
     EXPECT_EQ(Mode("file\xFF"), 0644U);
     Open("file\xFF", {[](GtkWidget* dialog) {
              Toggle(dialog, "User Exec");
-             Press("OK")(dialog);
+             PressButton("OK")(dialog);
          }});
     EXPECT_EQ(Mode("file\xFF"), 0744U);
     EXPECT_EQ(ListNames(), (Names{"..", "file\xFF", "other"})) << "the name has kept its bytes";
@@ -168,13 +144,13 @@ TEST_F(Property, ANewNameMustBeFree)
     files.Directory("dir");
     files.Link("dangling", "dir/new");
     Start();
-    Open("bad\xFF", {Rename("taken"), Read("The specified file already exists."), Rename("dir"),
-                     Read("The specified directory already exists."), Rename("dangling"),
-                     Read("The specified file already exists."), Rename(""), Read("Path is too short."), Rename("."),
-                     Read("The specified directory already exists."), Rename("/x"), Read("Path is inaccurate."),
-                     Rename("no/such"), Read("Path is inaccurate."), Rename("../x"),
-                     Read("The specified path cannot be operated."), [](GtkWidget* dialog) {
-                         GtkWidget* const entry = Named(dialog, "File name:");
+    Open("bad\xFF", {Rename("taken"), ReadBox("The specified file already exists."), Rename("dir"),
+                     ReadBox("The specified directory already exists."), Rename("dangling"),
+                     ReadBox("The specified file already exists."), Rename(""), ReadBox("Path is too short."),
+                     Rename("."), ReadBox("The specified directory already exists."), Rename("/x"),
+                     ReadBox("Path is inaccurate."), Rename("no/such"), ReadBox("Path is inaccurate."), Rename("../x"),
+                     ReadBox("The specified path cannot be operated."), [](GtkWidget* dialog) {
+                         GtkWidget* const entry = FindNamed(dialog, "File name:");
                          EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), entry);
                          EXPECT_TRUE(gtk_editable_get_selection_bounds(GTK_EDITABLE(entry), nullptr, nullptr));
                          Fill(dialog, "File name:", "good");
@@ -211,9 +187,9 @@ TEST_F(Property, TheWindowFollowsARenamedDirectory)
     // The top of the tree keeps its name.
     Visit("");
     DuringDialogs([] { Open(); }, {[](GtkWidget* dialog) {
-                      EXPECT_FALSE(gtk_widget_is_sensitive(Named(dialog, "File name:")));
-                      EXPECT_TRUE(gtk_widget_is_sensitive(Named(dialog, "User Read")));
-                      Press("OK")(dialog);
+                      EXPECT_FALSE(gtk_widget_is_sensitive(FindNamed(dialog, "File name:")));
+                      EXPECT_TRUE(gtk_widget_is_sensitive(FindNamed(dialog, "User Read")));
+                      PressButton("OK")(dialog);
                   }});
     ExpectConsistent();
 }
@@ -235,22 +211,22 @@ TEST_F(Property, AnOrdinaryUserChangesWhatIsTheirs)
     const auto sensitive_widgets = [](GtkWidget* dialog) {
         std::string sensitive;
         for (const char* const name : {"File name:", "Owner", "Group"}) {
-            sensitive += gtk_widget_is_sensitive(Named(dialog, name)) ? '1' : '0';
+            sensitive += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
         }
         for (const char* const name : kToggles) {
-            sensitive += gtk_widget_is_sensitive(Named(dialog, name)) ? '1' : '0';
+            sensitive += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
         }
         return sensitive;
     };
     Open("theirs", {[&](GtkWidget* dialog) {
              EXPECT_EQ(sensitive_widgets(dialog), "000000000000000");
              EXPECT_EQ(Text(dialog, "Owner"), "root");
-             Press("OK")(dialog);
+             PressButton("OK")(dialog);
          }});
     Open("mine", {[&](GtkWidget* dialog) {
              EXPECT_EQ(sensitive_widgets(dialog), "101111111111111");
              Toggle(dialog, "Other Write");
-             Press("OK")(dialog);
+             PressButton("OK")(dialog);
          }});
     EXPECT_EQ(Mode("theirs"), 0644U);
     EXPECT_EQ(Mode("mine"), 0646U);
@@ -260,9 +236,9 @@ TEST_F(Property, AnOrdinaryUserChangesWhatIsTheirs)
                       Require(setresuid(0, 0, 0) == 0 && chown(files.At("mine").c_str(), 0, 65534) == 0 &&
                                   setresuid(65534, 65534, 0) == 0,
                               "chown");
-                      Press("OK")(dialog);
+                      PressButton("OK")(dialog);
                   },
-                  Read("Permission cannot be changed."), Read("Owner/Group cannot be changed.")});
+                  ReadBox("Permission cannot be changed."), ReadBox("Owner/Group cannot be changed.")});
     EXPECT_EQ(Mode("mine"), 0646U);
     ExpectConsistent();
 }
@@ -281,23 +257,23 @@ TEST_F(Property, TheSuperUserGivesFilesAway)
                          EXPECT_EQ(Text(dialog, "Owner"), "");
                          EXPECT_EQ(Text(dialog, "Group"), "root");
                          Toggle(dialog, "Set UID");
-                         Press("OK")(dialog);
+                         PressButton("OK")(dialog);
                      },
-                     Read("Owner/Group cannot be changed."),
+                     ReadBox("Owner/Group cannot be changed."),
                      [](GtkWidget* dialog) {
                          Fill(dialog, "Owner", "no such user");
-                         Press("OK")(dialog);
+                         PressButton("OK")(dialog);
                      },
-                     Read("Owner/Group cannot be changed."),
+                     ReadBox("Owner/Group cannot be changed."),
                      [](GtkWidget* dialog) {
                          Fill(dialog, "Owner", "nobody");
-                         Press("OK")(dialog);
+                         PressButton("OK")(dialog);
                      }});
     EXPECT_EQ(files.Status("nobodys").st_uid, 65534U);
     EXPECT_EQ(Mode("nobodys"), 04755U) << "both were asked for";
     Open("link", {[](GtkWidget* dialog) {
              Fill(dialog, "Owner", "nobody");
-             Press("OK")(dialog);
+             PressButton("OK")(dialog);
          }});
     EXPECT_EQ(files.Status("link").st_uid, 65534U);
     EXPECT_EQ(Mode("nobodys"), 04755U);
@@ -319,9 +295,9 @@ TEST_F(Property, WhatVanishedHasNoProperties)
     DuringDialogs([this] { ClickTool(TOOL_PROPERTY); }, {[this](GtkWidget* dialog) {
                                                              files.Remove("b");
                                                              Toggle(dialog, "User Exec");
-                                                             Press("OK")(dialog);
+                                                             PressButton("OK")(dialog);
                                                          },
-                                                         Read("The specified file does not exist.")});
+                                                         ReadBox("The specified file does not exist.")});
     EXPECT_EQ(ListNames(), Names{".."});
     ExpectConsistent();
 }
