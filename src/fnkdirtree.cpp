@@ -1,6 +1,7 @@
 #include "fnkdirtree.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "fnkdirtree-drag.h"
 #include "fnkdirtree-view.h"
@@ -305,6 +306,41 @@ void RescanTree(GtkTreeView* tree, const std::string& path)
     if (had_selection) {
         RestoreSelection(tree, selected);
     }
+}
+
+namespace {
+
+std::vector<std::string> ListExpandedPaths(GtkTreeView* tree)
+{
+    std::vector<std::string> paths;
+    gtk_tree_view_map_expanded_rows(
+        tree,
+        [](GtkTreeView* view, GtkTreePath* path, gpointer data) {
+            GtkTreeIter node;
+            gtk_tree_model_get_iter(gtk_tree_view_get_model(view), &node, path);
+            static_cast<std::vector<std::string>*>(data)->push_back(GetNodePath(view, node));
+        },
+        &paths);
+    return paths;
+}
+
+}  // namespace
+
+void RebuildTree()
+{
+    GtkTreeView* const tree = MainTree();
+    {
+        const SelectionPause pause(tree);
+        std::vector<std::string> expanded = ListExpandedPaths(tree);
+        RescanTree(tree, pGTable->RootDir);
+        for (std::string& path : expanded) {
+            GtkTreeIter node;
+            if (GetPathNode(tree, path, &node)) {
+                ExpandNode(tree, node);
+            }
+        }
+    }
+    OpenChildTree(tree, pGTable->CurrentDir, EXPAND_LAST_NO);
 }
 
 void ConnectTreeSelectSignal()

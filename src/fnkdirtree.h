@@ -36,6 +36,9 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
 /// Rebuilds the children of the node of path from the disk; those below it are collapsed. The
 /// selection goes to the same directory, or the deepest one left on the way to it.
 void RescanTree(GtkTreeView* tree, const std::string& path);
+/// Reads all that the main tree shows anew, as the settings say now. What is expanded stays so;
+/// CurrentDir is opened again, or the deepest directory on the way to it that is still shown.
+void RebuildTree();
 
 /// Whether selecting in the main tree changes the directory. Calls need not be paired.
 void ConnectTreeSelectSignal();

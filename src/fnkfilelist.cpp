@@ -161,9 +161,7 @@ void DrawIcon(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, Gt
 GdkRGBA RowColor(const FileRow& row)
 {
     const FileType type = row.type == FT_FIFO ? FT_NORMAL : row.type;
-    const Color& color = pGTable->Colors[type];
-    constexpr double kFull = 0xff00;  // What the settings file can say at most.
-    return {color.red / kFull, color.green / kFull, color.blue / kFull, 1.0};
+    return ShownColor(pGTable->Colors[type]);
 }
 
 void DrawText(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer id)

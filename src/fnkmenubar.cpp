@@ -10,6 +10,7 @@
 #include "fnkhelpmenu.h"
 #include "fnklayoutmenu.h"
 #include "fnkmainwindow-record.h"
+#include "fnksettingmenu.h"
 #include "fnkstring.h"
 #include "fnktable.h"
 #include "fnkutil-widget.h"
@@ -53,7 +54,7 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Symbolic link(_L)..."), on_Menu_SymbolicLink_activate},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Rescan directory(_R)"), on_Menu_RescanDirectory_activate},
-    {MENU_ITEM, N_("Option(_O)...")},
+    {MENU_ITEM, N_("Option(_O)..."), on_Menu_Option_activate},
     {MENU_ITEM, N_("Sort column(_S)..."), on_Menu_Sort_activate},
     {MENU_ITEM, N_("Filter view(_F)..."), on_Menu_FilterView_activate},
     {MENU_ITEM, N_("Manual(_M)..."), on_Menu_Manual_activate},

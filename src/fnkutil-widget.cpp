@@ -1,5 +1,7 @@
 #include "fnkutil-widget.h"
 
+#include <algorithm>
+
 #include "fnkraii.h"
 #include "fnkstring.h"
 #include "fnkutil.h"
@@ -527,6 +529,13 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
     }
     // The bar's name says which bar it is, and hides the label from screen readers.
     atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
+}
+
+GdkRGBA ShownColor(const Color& color)
+{
+    constexpr double kFull = 0xff00;  // What the settings file can say at most.
+    const auto part = [](std::uint16_t component) { return std::min(component / kFull, 1.0); };
+    return {part(color.red), part(color.green), part(color.blue), 1.0};
 }
 
 void SetAccessibleName(GtkWidget* widget, const char* name)

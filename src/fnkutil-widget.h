@@ -106,5 +106,7 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
 /// for it: as soon as its accessible exists, the toolkit tells it of every row that comes, goes or is selected, which
 /// doubles the time a large directory takes.
 GtkWidget* CreateTreeView(const char* accessible_name);
+/// A colour of the settings as the screen shows it.
+GdkRGBA ShownColor(const Color& color);
 /// What screen readers call the widget.
 void SetAccessibleName(GtkWidget* widget, const char* name);

@@ -94,6 +94,7 @@ TEST_F(Menus, WhatIsNotBuiltIsInsensitive)
                                          MENU_INVERT_SELECTION,
                                          MENU_SYMBOLIC_LINK,
                                          MENU_RESCAN_DIRECTORY,
+                                         MENU_OPTION,
                                          MENU_SORT_COLUMN,
                                          MENU_FILTER_VIEW,
                                          MENU_MANUAL,
