@@ -42,20 +42,25 @@ void AppendColumn(GtkWidget* list, int id)
                                       GetListColumnString(id).c_str(), -1);
 }
 
-/// Appends the selected rows to the other list, from the top.
+/// Appends the selected rows to the other list, from the top. When a row goes, the toolkit selects
+/// another: that one was not chosen and stays.
 void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
 {
     GtkTreeModel* const model = ModelOf(source);
-    GtkTreeIter row;
-    gboolean more = gtk_tree_model_get_iter_first(model, &row);
-    while (more) {
-        if (gtk_tree_selection_iter_is_selected(SelectionOf(source), &row)) {
-            AppendColumn(target, ColumnOf(model, &row));
-            more = gtk_list_store_remove(GTK_LIST_STORE(model), &row);
-        } else {
-            more = gtk_tree_model_iter_next(model, &row);
-        }
+    GList* const selected = gtk_tree_selection_get_selected_rows(SelectionOf(source), nullptr);
+    for (const GList* link = selected; link != nullptr; link = link->next) {
+        GtkTreeIter row;
+        gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
+        AppendColumn(target, ColumnOf(model, &row));
     }
+    // From the bottom, so that the paths above stay right.
+    for (const GList* link = g_list_last(selected); link != nullptr; link = link->prev) {
+        GtkTreeIter row;
+        gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
+        gtk_list_store_remove(GTK_LIST_STORE(model), &row);
+    }
+    g_list_free_full(selected, [](gpointer path) { gtk_tree_path_free(static_cast<GtkTreePath*>(path)); });
+    gtk_tree_selection_unselect_all(SelectionOf(source));
 }
 
 void on_DetaildButton_clicked(GtkWidget* button, gpointer data)

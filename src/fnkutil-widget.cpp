@@ -84,7 +84,8 @@ static void fnk_tree_view_init(FnkTreeView*) {}
 static gboolean on_TreeView_button_press(GtkWidget* view, GdkEvent*, gpointer)
 {
     GtkWidget* const window = gtk_widget_get_toplevel(view);
-    if (GTK_IS_WINDOW(window)) {
+    // A view that has been allowed the focus takes it by itself, and needs it for this very click.
+    if (GTK_IS_WINDOW(window) && !gtk_widget_get_can_focus(view)) {
         ReleaseEntryFocus(window);
     }
     return FALSE;

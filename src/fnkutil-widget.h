@@ -101,10 +101,11 @@ void ReleaseEntryFocus(GtkWidget* window);
 
 /// The label of a status bar, set without its stack of messages; its description says the same.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
-/// A tree view of that name for screen readers. It never has the focus, but a click on it takes
-/// the focus out of an entry: whoever clicks a row wants the keys to act there. The name is given only when one asks
-/// for it: as soon as its accessible exists, the toolkit tells it of every row that comes, goes or is selected, which
-/// doubles the time a large directory takes.
+/// A tree view of that name for screen readers. Unless whoever makes it allows it the focus it never
+/// has that, but a click on it takes the focus out of an entry: whoever clicks a row wants the keys
+/// to act there. The name is given only when one asks for it: as soon as its accessible exists, the
+/// toolkit tells it of every row that comes, goes or is selected, which doubles the time a large
+/// directory takes.
 GtkWidget* CreateTreeView(const char* accessible_name);
 /// A colour of the settings as the screen shows it.
 GdkRGBA ShownColor(const Color& color);
