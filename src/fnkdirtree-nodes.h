@@ -10,6 +10,8 @@
 
 /// The column of the store that holds the name.
 constexpr int kNodeNameColumn = 0;
+/// The column that says whether a node is a directory, in models that have files as well.
+constexpr int kNodeDirectoryColumn = 1;
 
 /// A store with the root node in it, its children not read. The caller owns it.
 GtkTreeStore* CreateNodeStore();

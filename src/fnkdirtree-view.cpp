@@ -4,7 +4,6 @@
 
 #include "fnkdirtree-nodes.h"
 #include "fnkdirtree-walk.h"
-#include "fnkstring.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 
@@ -88,6 +87,9 @@ void AddTreeColumn(GtkTreeView* tree)
     g_object_set(icon, "pixbuf", pGTable->CloseDirPixmap, "pixbuf-expander-closed", pGTable->CloseDirPixmap,
                  "pixbuf-expander-open", pGTable->OpenDirPixmap, nullptr);
     gtk_tree_view_column_pack_start(column, icon, FALSE);
+    if (gtk_tree_model_get_n_columns(gtk_tree_view_get_model(tree)) > kNodeDirectoryColumn) {
+        gtk_tree_view_column_add_attribute(column, icon, "visible", kNodeDirectoryColumn);
+    }
     GtkCellRenderer* const text = gtk_cell_renderer_text_new();
     g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
     KeepRowHeight(GTK_WIDGET(tree), text);
@@ -100,13 +102,11 @@ void AddTreeColumn(GtkTreeView* tree)
 
 }  // namespace
 
-GtkTreeView* CreateNodeView(GtkWidget* scroll)
+GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name)
 {
-    GtkTreeStore* const store = CreateNodeStore();
-    GtkWidget* const widget = CreateTreeView(_("Directory tree"));
+    GtkWidget* const widget = CreateTreeView(accessible_name);
     GtkTreeView* const tree = GTK_TREE_VIEW(widget);
-    gtk_tree_view_set_model(tree, GTK_TREE_MODEL(store));
-    g_object_unref(store);
+    gtk_tree_view_set_model(tree, nodes);
     gtk_tree_view_set_headers_visible(tree, FALSE);
     gtk_tree_view_set_enable_tree_lines(tree, TRUE);
     gtk_tree_view_set_enable_search(tree, FALSE);

@@ -3,5 +3,5 @@
 
 #include <gtk/gtk.h>
 
-/// A tree view in the scrolled window, with the root node in it, collapsed and empty.
-GtkTreeView* CreateNodeView(GtkWidget* scroll);
+/// A tree view of the nodes in the scrolled window, all of them collapsed.
+GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name);

@@ -7,6 +7,7 @@
 #include "fnkdirtree-view.h"
 #include "fnkdirtree-walk.h"
 #include "fnkmainwindow-record.h"
+#include "fnkstring.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 
@@ -124,7 +125,9 @@ GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo)
         return nullptr;
     }
     *scroll = CreateScroll();
-    GtkTreeView* const tree = CreateNodeView(*scroll);
+    GtkTreeStore* const nodes = CreateNodeStore();
+    GtkTreeView* const tree = CreateNodeView(*scroll, GTK_TREE_MODEL(nodes), _("Directory tree"));
+    g_object_unref(nodes);
     GtkTreeIter root = *TreeWalk(tree).Root();
     if (CreateChildtree(tree, &root) != SCAN_DONE) {
         g_object_ref_sink(*scroll);

@@ -9,5 +9,6 @@ void on_Menu_SelectAll_activate(GtkWidget* item, gpointer data);
 void on_Menu_SelectFiles_activate(GtkWidget* item, gpointer data);
 void on_Menu_Invert_Selection_activate(GtkWidget* item, gpointer data);
 void on_Menu_SymbolicLink_activate(GtkWidget* item, gpointer data);
+void on_Menu_FindFile_activate(GtkWidget* item, gpointer data);
 /// Reads the whole tree anew and goes back to its top.
 void on_Menu_RescanDirectory_activate(GtkWidget* item, gpointer data);

@@ -92,6 +92,7 @@ TEST_F(Menus, WhatIsNotBuiltIsInsensitive)
                                          MENU_SELECT_ALL,
                                          MENU_SELECT_FILES,
                                          MENU_INVERT_SELECTION,
+                                         MENU_FIND_FILE,
                                          MENU_SYMBOLIC_LINK,
                                          MENU_RESCAN_DIRECTORY,
                                          MENU_OPTION,

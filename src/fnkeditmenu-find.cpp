@@ -1,0 +1,132 @@
+#include "fnkeditmenu-find.h"
+
+#include "fnkeditmenu-find-result.h"
+#include "fnkeditmenu.h"
+#include "fnkmainwindow-record.h"
+#include "fnkmessage-box.h"
+#include "fnkmessage.h"
+#include "fnkselfile.h"
+#include "fnkstring.h"
+#include "fnktable.h"
+#include "fnkutil-widget.h"
+#include "fnkutil.h"
+
+#include "IconFind.xpm"
+
+namespace {
+
+constexpr int kSpacing = 5;
+constexpr int kEntrySpacing = 10;
+constexpr int kEntryWidth = 310;
+constexpr std::size_t kMaxPatternBytes = 512;
+
+void AddCaption(GtkWidget* table, int row, const char* text)
+{
+    GtkWidget* const label = gtk_label_new(text);
+    gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
+    gtk_grid_attach(GTK_GRID(table), label, 0, row, 1, 1);
+    gtk_widget_show(label);
+}
+
+void AddStartRow(GtkWidget* table, FindDlgInfo* info)
+{
+    AddCaption(table, 0, _("Start dir:"));
+    GtkWidget* entry = nullptr;
+    info->StartCombo = CreateComboBox(&entry, true, kMaxPathBytes);
+    SetAccessibleName(entry, _("Start dir:"));
+    SetComboStrings(info->StartCombo, pGTable->DirHistory);
+    SetEntryBytes(entry, pGTable->CurrentDir);
+    gtk_widget_set_size_request(entry, kEntryWidth, -1);
+    GtkWidget* const hbox = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kEntrySpacing);
+    gtk_box_pack_start(GTK_BOX(hbox), info->StartCombo, TRUE, TRUE, 0);
+    CreateBrowseButton(hbox, info->StartCombo, BROWSE_DIRECTORY);
+    gtk_grid_attach(GTK_GRID(table), hbox, 1, 0, 1, 1);
+    gtk_widget_show(hbox);
+}
+
+/// Offers the newest pattern, ready to be typed over.
+void AddNameRow(GtkWidget* table, FindDlgInfo* info)
+{
+    AddCaption(table, 1, _("Find name:"));
+    GtkWidget* entry = nullptr;
+    info->NameCombo = CreateComboBox(&entry, true, kMaxPatternBytes);
+    SetAccessibleName(entry, _("Find name:"));
+    SetComboStrings(info->NameCombo, pGTable->FilterHistory);
+    if (!pGTable->FilterHistory.empty()) {
+        SetEntryBytes(entry, pGTable->FilterHistory.front());
+    }
+    gtk_widget_set_size_request(info->NameCombo, kEntryWidth, -1);
+    gtk_widget_set_hexpand(info->NameCombo, TRUE);
+    gtk_grid_attach(GTK_GRID(table), info->NameCombo, 1, 1, 1, 1);
+}
+
+/// Puts the focus there, with the text selected.
+void SelectEntry(GtkWidget* entry)
+{
+    gtk_widget_grab_focus(entry);
+    gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
+}
+
+/// False, after saying why, when one of the inputs is no good.
+bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
+{
+    GtkWidget* const start_entry = ComboEntry(info->StartCombo);
+    GtkWidget* const name_entry = ComboEntry(info->NameCombo);
+    std::string start = GetEntryBytes(start_entry);
+    const PathStatus status = CheckFileExist(&start);
+    if (status != PATH_DIRECTORY) {
+        FileExistMessageBox(status, start_entry);
+        return false;
+    }
+    start = WithSlash(start);
+    SetEntryBytes(start_entry, start);
+    const std::string pattern = GetEntryBytes(name_entry);
+    if (pattern.empty() || pattern.size() > kMaxPatternBytes) {
+        SelectEntry(name_entry);
+        MessageBox(_("Error"), _("Invalid find string."), STYLE_ERROR);
+        return false;
+    }
+    *request = {start, pattern, gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(info->SubDirCheck)) != FALSE};
+    return true;
+}
+
+}  // namespace
+
+void on_Menu_FindFile_activate(GtkWidget*, gpointer)
+{
+    CreateFindFilesDlg();
+}
+
+void CreateFindFilesDlg()
+{
+    FindDlgInfo info;
+    GtkWidget* vbox = nullptr;
+    info.Dialog = CreateIconDialogBox(&vbox, IconFind_xpm, 0, 0, kSpacing);
+    gtk_window_set_title(GTK_WINDOW(info.Dialog), _("Find File"));
+    GtkWidget* const table = CreateTable(kSpacing, kSpacing, 0);
+    gtk_box_pack_start(GTK_BOX(vbox), table, TRUE, TRUE, 0);
+    AddStartRow(table, &info);
+    AddNameRow(table, &info);
+    info.SubDirCheck = gtk_check_button_new_with_label(_("Search sub directory"));
+    gtk_box_pack_start(GTK_BOX(vbox), info.SubDirCheck, FALSE, FALSE, 0);
+    gtk_widget_show(info.SubDirCheck);
+
+    GtkWidget* ok = nullptr;
+    GtkWidget* cancel = nullptr;
+    CreateDlgButtonBox(info.Dialog, &ok, &cancel, CLOSING_WIRED);
+    g_signal_connect(ok, "clicked", G_CALLBACK(on_Find_OKButton_clicked), &info);
+    SelectEntry(ComboEntry(info.NameCombo));
+    ModalMainLoop(info.Dialog, pMainW->MainWindow);
+}
+
+void on_Find_OKButton_clicked(GtkWidget*, gpointer data)
+{
+    const auto* const info = static_cast<const FindDlgInfo*>(data);
+    FindRequest request;
+    if (!ReadRequest(info, &request) || CreateFindResultDlg(info->Dialog, request) == FIND_RESULT_AGAIN) {
+        return;
+    }
+    gtk_main_quit();
+    AddHistoryListC(info->StartCombo, pGTable->DirHistory);
+    AddHistoryListC(info->NameCombo, pGTable->FilterHistory);
+}
