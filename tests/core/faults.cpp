@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <filesystem>
+#include <functional>
 #include <set>
 
 #include "child.h"
@@ -22,6 +23,8 @@ namespace {
 std::atomic<int> calls_to_go = -1;
 std::atomic<int> calls_made = 0;
 int failure = 0;
+/// Done at that call instead of failing it, if there is one.
+std::function<void()> at_call;
 std::atomic<bool> is_testing_faults = false;
 /// Knows neither files without a name nor renaming that replaces nothing.
 bool is_old_file_system = false;
@@ -36,6 +39,12 @@ bool FailsNow()
         return false;
     }
     calls_to_go = 1'000'000;  // One failure is enough; the rest is only counted.
+    if (at_call) {
+        calls_to_go = -1;
+        at_call();
+        calls_to_go = 1'000'000;
+        return false;
+    }
     errno = failure;
     return true;
 }
@@ -132,6 +141,7 @@ protected:
     {
         calls_to_go = -1;
         is_testing_faults = is_old_file_system = false;
+        at_call = nullptr;
     }
 
     void MakeSource() const
@@ -352,6 +362,51 @@ TEST_F(FaultTest, ADeleteTakesNothingElse)
             RemoveFile(files.At("from/t/"), &answer);
         },
         [&](const std::string& where) { EXPECT_EQ(Describe("to"), before) << where; });
+}
+
+TEST_F(FaultTest, ADirectorySwappedForALinkBetweenTwoCallsHarmsNothingOutside)
+{
+    const auto swap = [this](const std::string& name) {
+        if (Exists(name) && !Exists("aside")) {
+            std::filesystem::rename(files.At(name), files.At("aside"));
+            files.Link(name, files.At("outside"));
+        }
+    };
+    const std::function<void()> commands[] = {
+        [this] { Copy("to", {"from/t/"}); },
+        [this] { Move("to", {"from/t/"}); },
+        [this] {
+            Result answer = RESULT_CANCEL;
+            RemoveFile(files.At("from/t/"), &answer);
+        },
+    };
+    table.ConfilmOverwrite = 0;
+    for (const char* const name : {"from/t/sub", "to/t/sub"}) {
+        for (std::size_t command = 0; command < std::size(commands); ++command) {
+            int k = 0;
+            do {
+                k += kIsSlow ? 5 : 1;
+                for (const char* const top : {"from", "to", "aside", "outside"}) {
+                    std::filesystem::remove_all(files.At(top));
+                }
+                MakeSource();
+                MakeTarget();
+                std::filesystem::copy(
+                    files.At("from/t"), files.At("outside"),
+                    std::filesystem::copy_options::recursive | std::filesystem::copy_options::copy_symlinks);
+                const Tree before = Describe("outside");
+                answers = Answers();
+                answers.to_messages = {RESULT_CANCEL};
+                answers.to_deletes = {RESULT_YES_ALL};
+                at_call = [&] { swap(name); };
+                calls_made = 0;
+                calls_to_go = k;
+                commands[command]();
+                calls_to_go = -1;
+                EXPECT_EQ(Describe("outside"), before) << name << " at call " << k << " of command " << command;
+            } while (calls_made >= k && !HasFailure());
+        }
+    }
 }
 
 TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
