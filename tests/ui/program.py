@@ -54,6 +54,8 @@ class Fennick:
         self.window = wait_for("a window", self.find_window)
         self.application = wait_for("the accessible program", self.find_application)
         wait_for("a status", lambda: self.status())
+        # The window manager leaves the focus with a window that is in use.
+        run("xdotool", "windowactivate", self.window)
         wait_for("the focus", lambda: run("xdotool", "getactivewindow").strip() == self.window)
 
     def find_window(self):
@@ -105,8 +107,7 @@ class Fennick:
         run("xdotool", "key", "--clearmodifiers", *keys)
 
     def point_at(self, name, node=None):
-        place = Atspi.Component.get_extents(self.find(name, node), Atspi.CoordType.SCREEN)
-        run("xdotool", "mousemove", str(place.x + min(place.width // 2, 20)), str(place.y + place.height // 2))
+        run("xdotool", "mousemove", *map(str, self.place_of(name, node)))
 
     def click(self, name, *, times=1, key=None, node=None):
         self.point_at(name, node)
@@ -117,6 +118,10 @@ class Fennick:
 
     def click_row(self, name, **how):
         self.click(name, node=self.find("File list"), **how)
+
+    def place_of(self, name, node=None):
+        place = Atspi.Component.get_extents(self.find(name, node), Atspi.CoordType.SCREEN)
+        return place.x + min(place.width // 2, 20), place.y + place.height // 2
 
     def geometry(self):
         words = run("xdotool", "getwindowgeometry", "--shell", self.window).split()
@@ -355,6 +360,35 @@ class Program(unittest.TestCase):
         wait_for("its end", lambda: fennick.all_windows() == [fennick.window])
         wait_for("the focus", lambda: run("xdotool", "getactivewindow").strip() == fennick.window)
         self.assertEqual(fennick.close(), "")
+
+    def test_files_are_dragged_from_one_program_to_another(self):
+        self.file("a b", 3)
+        other_home = os.path.join(self.directory, "other")
+        os.mkdir(other_home)
+        with open(os.path.join(other_home, ".fennick"), "w", encoding="utf-8") as file:
+            file.write("[Main Window]\nWindowX=660\nWindowY=50\nWindowWidth=600\nWindowHeight=400\n")
+        source = self.start()
+        self.running.append(Fennick(other_home))
+        target = self.running[-1]
+        for key, expected in [("c", True), ("m", False)]:
+            with self.subTest(key):
+                from_x, from_y = source.place_of("a b", source.find("File list"))
+                to_x, to_y = target.place_of("..", target.find("File list"))
+                to_y += 100
+                steps = [("mousemove", str(from_x + (to_x - from_x) * i // 8), str(from_y + (to_y - from_y) * i // 8),
+                          "sleep", "0.05") for i in range(1, 9)]
+                run("xdotool", "mousemove", str(from_x), str(from_y), "mousedown", "1", "sleep", "0.1",
+                    *[word for step in steps for word in step], "mousemove", str(to_x + 2), str(to_y),
+                    "sleep", "0.1", "mouseup", "1")
+                wait_for("the popup", lambda: target.find("Copy(C)") or target.find("Copy"))
+                target.keys(key)
+                wait_for("the file", lambda: os.path.exists(os.path.join(other_home, "a b")))
+                wait_for("the row", lambda: target.find("a b", target.find("File list")))
+                self.assertEqual(os.path.exists(os.path.join(self.home, "a b")), expected)
+                os.remove(os.path.join(other_home, "a b"))
+        for fennick in (target, source):
+            run("xdotool", "windowactivate", "--sync", fennick.window)
+            self.assertEqual(fennick.close(), "")
 
     def test_it_starts_whatever_the_settings_file_is(self):
         self.file("a")
