@@ -349,6 +349,10 @@ void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
     gtk_widget_destroy(window);
     if (parent != nullptr) {
         gtk_widget_set_sensitive(parent, TRUE);
+        // The toolkit took its grab away when it became insensitive.
+        if (GTK_IS_WINDOW(parent) && gtk_window_get_modal(GTK_WINDOW(parent))) {
+            gtk_grab_add(parent);
+        }
     }
 }
 

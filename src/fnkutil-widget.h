@@ -50,8 +50,9 @@ GtkWidget* CreateLabel(GtkWidget* box, const char* text);
 GtkWidget* CreateTabLabel(GtkWidget* notebook, int page, const char* text);
 GtkWidget* CreateSeparator(GtkWidget* box);
 
-/// Runs a dialog until a handler of its own calls gtk_main_quit, then destroys it. parent is
-/// insensitive meanwhile; null for a dialog over a dialog.
+/// Runs a dialog until a handler of its own calls gtk_main_quit, then destroys it. parent, a window
+/// or a dialog that is running, is insensitive meanwhile; null for a dialog that leaves the one
+/// below it as it looks.
 void ModalMainLoop(GtkWidget* window, GtkWidget* parent);
 
 gboolean on_delete_event(GtkWidget* widget, GdkEvent* event, gpointer button);

@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <cstring>
+#include <utility>
 
 #include "fnkfilelist-status.h"
 #include "fnkmainwindow.h"
@@ -258,6 +259,7 @@ struct DialogQueue {
     std::vector<std::function<void(GtkWidget*)>> acts;
     std::size_t next = 0;
     guint source = 0;
+    GtkWidget* acted_on = nullptr;  ///< By the innermost act that is not done yet.
 };
 
 gboolean ActOnDialog(gpointer data)
@@ -265,14 +267,16 @@ gboolean ActOnDialog(gpointer data)
     auto* const queue = static_cast<DialogQueue*>(data);
     GtkWidget* const dialog = gtk_grab_get_current();
     const bool is_there = dialog != nullptr && GTK_IS_DIALOG(dialog) && dialog != pGTable->ProgressDlg &&
-                          gtk_window_is_active(GTK_WINDOW(dialog));
+                          dialog != queue->acted_on && gtk_window_is_active(GTK_WINDOW(dialog));
     if (!is_there) {
         return G_SOURCE_CONTINUE;
     }
     // The act may run until the next dialog is answered, which takes a source of its own.
     const std::size_t now = queue->next++;
     queue->source = queue->next < queue->acts.size() ? g_timeout_add(1, ActOnDialog, queue) : 0;
+    GtkWidget* const outer = std::exchange(queue->acted_on, dialog);
     queue->acts[now](dialog);
+    queue->acted_on = outer;
     return G_SOURCE_REMOVE;
 }
 
