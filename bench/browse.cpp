@@ -18,10 +18,8 @@
 #include "fnkfilelist-sort.h"
 #include "fnkfilelist.h"
 #include "fnkmainwindow-record.h"
-#include "fnkmainwindow.h"
-#include "fnktable-life.h"
-#include "fnktable-start.h"
 #include "fnktable.h"
+#include "measure.h"
 
 namespace {
 
@@ -70,16 +68,9 @@ void Settle()
     }
 }
 
-void StartFennick()
+void StartAmongManyFiles()
 {
-    std::string root = top + "/";
-    char program[] = "fennick";
-    char option[] = "--home";
-    char* arguments[] = {program, option, root.data(), nullptr};
-    InitGlobalTable();
-    TakeDirectories(ParseCommandLine(3, arguments));
-    SeedHistories();
-    gtk_widget_show(CreateMainWindow());
+    StartFennick(top);
     OpenChildTree(MainTree(), ManyFiles(), EXPAND_LAST_NO);
     Settle();
 }
@@ -241,19 +232,12 @@ BENCHMARK_CAPTURE(ExpandInTree, read_and_paint, true)->Unit(benchmark::kMillisec
 
 int main(int argc, char** argv)
 {
-    const char* const parent = std::getenv("FENNICK_BENCH_DIR");
-    std::string scratch = std::string(parent != nullptr ? parent : "/var/tmp") + "/fennick-bench.XXXXXX";
-    if (mkdtemp(scratch.data()) == nullptr) {
-        std::perror("fennick-bench");
-        return 1;
-    }
-    top = scratch;
-    setenv("HOME", top.c_str(), 1);
+    const BenchDirectory scratch;
+    top = scratch.Path();
     gtk_init(&argc, &argv);
     benchmark::Initialize(&argc, argv);
     MakeDirectories();
-    StartFennick();
+    StartAmongManyFiles();
     benchmark::RunSpecifiedBenchmarks();
-    fs::remove_all(top);
     return 0;
 }

@@ -20,47 +20,47 @@ constexpr int kEntrySpacing = 10;
 constexpr int kEntryWidth = 310;
 constexpr std::size_t kMaxPatternBytes = 512;
 
-void AddCaption(GtkWidget* table, int row, const char* text)
+/// The caption of a row, and the drop-down for its other column.
+GtkWidget* NewCaptionedCombo(GtkWidget* table, int row, const char* caption, int max_length, const History& offered)
 {
-    GtkWidget* const label = gtk_label_new(text);
+    GtkWidget* const label = gtk_label_new(caption);
     gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
     gtk_grid_attach(GTK_GRID(table), label, 0, row, 1, 1);
     gtk_widget_show(label);
+    GtkWidget* entry = nullptr;
+    GtkWidget* const combo = CreateComboBox(&entry, true, max_length);
+    gtk_widget_set_size_request(entry, kEntryWidth, -1);
+    SetAccessibleName(entry, caption);
+    SetComboStrings(combo, offered);
+    return combo;
 }
 
-void AddStartRow(GtkWidget* table, FindDlgInfo* info)
+GtkWidget* AddStartRow(GtkWidget* table)
 {
-    AddCaption(table, 0, _("Start dir:"));
-    GtkWidget* entry = nullptr;
-    info->StartCombo = CreateComboBox(&entry, true, kMaxPathBytes);
-    SetAccessibleName(entry, _("Start dir:"));
-    SetComboStrings(info->StartCombo, pGTable->DirHistory);
-    SetEntryBytes(entry, pGTable->CurrentDir);
-    gtk_widget_set_size_request(entry, kEntryWidth, -1);
+    GtkWidget* const combo = NewCaptionedCombo(table, 0, _("Start dir:"), kMaxPathBytes, pGTable->DirHistory);
+    SetEntryBytes(ComboEntry(combo), pGTable->CurrentDir);
     GtkWidget* const hbox = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kEntrySpacing);
-    gtk_box_pack_start(GTK_BOX(hbox), info->StartCombo, TRUE, TRUE, 0);
-    CreateBrowseButton(hbox, info->StartCombo, BROWSE_DIRECTORY);
+    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
+    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
     gtk_grid_attach(GTK_GRID(table), hbox, 1, 0, 1, 1);
     gtk_widget_show(hbox);
+    return combo;
 }
 
-/// Offers the newest pattern, ready to be typed over.
-void AddNameRow(GtkWidget* table, FindDlgInfo* info)
+/// Offers the newest pattern.
+GtkWidget* AddNameRow(GtkWidget* table)
 {
-    AddCaption(table, 1, _("Find name:"));
-    GtkWidget* entry = nullptr;
-    info->NameCombo = CreateComboBox(&entry, true, kMaxPatternBytes);
-    SetAccessibleName(entry, _("Find name:"));
-    SetComboStrings(info->NameCombo, pGTable->FilterHistory);
-    if (!pGTable->FilterHistory.empty()) {
-        SetEntryBytes(entry, pGTable->FilterHistory.front());
+    const History& patterns = pGTable->FilterHistory;
+    GtkWidget* const combo = NewCaptionedCombo(table, 1, _("Find name:"), kMaxPatternBytes, patterns);
+    if (!patterns.empty()) {
+        SetEntryBytes(ComboEntry(combo), patterns.front());
     }
-    gtk_widget_set_size_request(info->NameCombo, kEntryWidth, -1);
-    gtk_widget_set_hexpand(info->NameCombo, TRUE);
-    gtk_grid_attach(GTK_GRID(table), info->NameCombo, 1, 1, 1, 1);
+    gtk_widget_set_hexpand(combo, TRUE);
+    gtk_grid_attach(GTK_GRID(table), combo, 1, 1, 1, 1);
+    return combo;
 }
 
-/// Puts the focus there, with the text selected.
+/// Puts the focus there, with the text selected to be typed over.
 void SelectEntry(GtkWidget* entry)
 {
     gtk_widget_grab_focus(entry);
@@ -105,8 +105,8 @@ void CreateFindFilesDlg()
     gtk_window_set_title(GTK_WINDOW(info.Dialog), _("Find File"));
     GtkWidget* const table = CreateTable(kSpacing, kSpacing, 0);
     gtk_box_pack_start(GTK_BOX(vbox), table, TRUE, TRUE, 0);
-    AddStartRow(table, &info);
-    AddNameRow(table, &info);
+    info.StartCombo = AddStartRow(table);
+    info.NameCombo = AddNameRow(table);
     info.SubDirCheck = gtk_check_button_new_with_label(_("Search sub directory"));
     gtk_box_pack_start(GTK_BOX(vbox), info.SubDirCheck, FALSE, FALSE, 0);
     gtk_widget_show(info.SubDirCheck);
