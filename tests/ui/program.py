@@ -59,7 +59,7 @@ class Fennick:
         wait_for("the focus", lambda: run("xdotool", "getactivewindow").strip() == self.window)
 
     def find_window(self):
-        search = ["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid), "--name", "^Fennick$"]
+        search = ["xdotool", "search", "--all", "--onlyvisible", "--pid", str(self.process.pid), "--name", "^Fennick$"]
         found = subprocess.run(search, capture_output=True, text=True).stdout.split()
         assert self.process.poll() is None, f"ended at its start with {self.process.returncode}"
         return found[0] if found else None
