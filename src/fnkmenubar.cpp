@@ -24,8 +24,7 @@ using MenuHandler = void (*)(GtkWidget*, gpointer);
 enum MenuKind { MENU_ITEM, MENU_SEPARATOR, MENU_WITH_SUBMENU };
 
 /// Labels carry their mnemonic in brackets, so that it survives a translation into a script that
-/// has no such letter. An item without a handler is a command that is still to be built: it is
-/// shown, but insensitive.
+/// has no such letter.
 struct MenuTableEntry {
     MenuKind kind;
     const char* label = "";
@@ -135,7 +134,6 @@ GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::siz
     } else {
         item = gtk_menu_item_new_with_mnemonic(gettext(entry.label));
         gtk_widget_set_tooltip_text(item, GetMenuTipsString(static_cast<int>(index)).c_str());
-        gtk_widget_set_sensitive(item, entry.handler != nullptr || entry.kind == MENU_WITH_SUBMENU);
         g_signal_connect(item, "select", G_CALLBACK(on_Menu_select), data);
         g_signal_connect(item, "deselect", G_CALLBACK(on_Menu_deselect), data);
     }

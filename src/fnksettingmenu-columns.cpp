@@ -214,6 +214,9 @@ void CreateColumnsPage(GtkWidget* notebook, OptionDlgInfo* info)
     gtk_tree_view_set_reorderable(GTK_TREE_VIEW(info->DisplayedList), TRUE);
     gtk_widget_set_tooltip_text(info->DisplayedList, _("Drag a column to where it is to stand, or press Alt+Up or "
                                                        "Alt+Down."));
+    // The toolkit selects the row below the one that was dragged: nobody chose that.
+    g_signal_connect_swapped(info->DisplayedList, "drag-end", G_CALLBACK(gtk_tree_selection_unselect_all),
+                             SelectionOf(info->DisplayedList));
     g_signal_connect(info->DisplayedList, "key-press-event", G_CALLBACK(on_DisplayedList_key_press_event), nullptr);
 }
 
