@@ -120,9 +120,7 @@ void on_ResultTree_row_activated(GtkTreeView*, GtkTreePath*, GtkTreeViewColumn*,
 GtkWidget* AddLabel(GtkWidget* box)
 {
     GtkWidget* const label = CreateLabel(box, _("Find..."));
-    gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_MIDDLE);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), kLabelCharacters);
+    ShortenLabel(label, kLabelCharacters);
     return label;
 }
 

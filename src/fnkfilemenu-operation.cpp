@@ -60,10 +60,7 @@ std::string PromptText(OperationMode mode, const std::string& description)
 
 void AddPrompt(GtkWidget* box, const std::string& prompt)
 {
-    GtkLabel* const label = GTK_LABEL(CreateLabel(box, prompt.c_str()));
-    gtk_label_set_single_line_mode(label, TRUE);
-    gtk_label_set_ellipsize(label, PANGO_ELLIPSIZE_MIDDLE);
-    gtk_label_set_max_width_chars(label, kPromptCharacters);
+    ShortenLabel(CreateLabel(box, prompt.c_str()), kPromptCharacters);
 }
 
 GtkWidget* AddPathEntry(GtkWidget* box, const std::string& accessible_name)

@@ -11,7 +11,6 @@ constexpr int kPageSpacing = 10;
 constexpr int kNameLimit = 512;
 constexpr int kOwnerLimit = 128;
 constexpr int kEntryCharacters = 28;
-/// A longer text loses its middle and shows whole as a tip.
 constexpr int kTextCharacters = 45;
 
 GtkWidget* NewLabel(const char* text)
@@ -40,9 +39,7 @@ GtkWidget* AddText(GtkWidget* table, int row, const char* caption)
 {
     AddCaption(table, row, caption);
     GtkWidget* const label = NewLabel("");
-    gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_MIDDLE);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), kTextCharacters);
+    ShortenLabel(label, kTextCharacters);
     AddValue(table, row, label);
     return label;
 }
@@ -159,12 +156,4 @@ void CreatePropertyPages(GtkWidget* notebook, PropertyDlgData* data)
 {
     CreateStatisticsPage(notebook, data);
     CreatePermissionsPage(notebook, data);
-}
-
-void SetPropertyText(GtkWidget* label, const std::string& text)
-{
-    gtk_label_set_text(GTK_LABEL(label), text.c_str());
-    if (g_utf8_strlen(text.c_str(), -1) > kTextCharacters) {
-        gtk_widget_set_tooltip_text(label, text.c_str());
-    }
 }

@@ -107,26 +107,30 @@ void SetIcon(GtkWidget* image, const char* const* xpm)
     g_clear_object(&icon);
 }
 
+void SetText(GtkWidget* label, const std::string& text)
+{
+    gtk_label_set_text(GTK_LABEL(label), text.c_str());
+}
+
 void ShowName(const PropertyDlgData* data)
 {
     const std::string name = GetLastPath(data->Path);
     const std::string shown = DisplayText(name.empty() ? data->Path : name);  // "/" has no name.
     gtk_window_set_title(GTK_WINDOW(data->Dialog), FormatText(_("Property - %s"), shown.c_str()).c_str());
     SetEntryBytes(data->NameEntry, name);
-    SetPropertyText(data->PathLabel, DisplayText(GetParentDirectory(data->Path)));
+    SetText(data->PathLabel, DisplayText(GetParentDirectory(data->Path)));
 }
 
 void ShowStatistics(const PropertyDlgData* data, const struct stat& st)
 {
     const FileType type = GetFileType(data->Path, st);
     SetIcon(data->Icon, kTypes[type].icon);
-    SetPropertyText(data->TypeLabel, DescribeType(data->Path, st, type));
-    SetPropertyText(data->SizeLabel,
-                    FormatText(_("%s (%lldByte)"), ConvertSize(static_cast<std::uint64_t>(st.st_size)).c_str(),
-                               static_cast<long long>(st.st_size)));
-    SetPropertyText(data->ChangedLabel, GetFormatTime(st.st_ctime, true).value_or(""));
-    SetPropertyText(data->ModifiedLabel, GetFormatTime(st.st_mtime, true).value_or(""));
-    SetPropertyText(data->AccessedLabel, GetFormatTime(st.st_atime, true).value_or(""));
+    SetText(data->TypeLabel, DescribeType(data->Path, st, type));
+    SetText(data->SizeLabel, FormatText(_("%s (%lldByte)"), ConvertSize(static_cast<std::uint64_t>(st.st_size)).c_str(),
+                                        static_cast<long long>(st.st_size)));
+    SetText(data->ChangedLabel, GetFormatTime(st.st_ctime, true).value_or(""));
+    SetText(data->ModifiedLabel, GetFormatTime(st.st_mtime, true).value_or(""));
+    SetText(data->AccessedLabel, GetFormatTime(st.st_atime, true).value_or(""));
 }
 
 void ShowToggles(const PropertyDlgData* data, mode_t mode)

@@ -135,6 +135,9 @@ GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
     gtk_widget_set_margin_top(bar, 0);
     gtk_widget_set_margin_bottom(bar, 0);
     gtk_box_pack_start(GTK_BOX(box), bar, expand, expand, 0);
+    // The end of the text, the size of a file, is to be seen however long the name is, and asks for
+    // no room of the other bar.
+    ShortenLabel(StatusBarLabel(bar), 1);
     SetAccessibleName(bar, name);
     gtk_widget_show(bar);
     return bar;

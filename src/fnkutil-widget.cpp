@@ -523,15 +523,46 @@ void ReleaseEntryFocus(GtkWidget* window)
     gtk_window_set_focus(GTK_WINDOW(window), nullptr);
 }
 
-void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
+namespace {
+
+gboolean on_ShortLabel_query_tooltip(GtkWidget* label, int, int, gboolean, GtkTooltip* tooltip, gpointer)
+{
+    if (!pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(label)))) {
+        return FALSE;
+    }
+    constexpr int kLineCharacters = 70;
+    GtkWidget* const whole = gtk_label_new(gtk_label_get_text(GTK_LABEL(label)));
+    gtk_label_set_line_wrap(GTK_LABEL(whole), TRUE);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(whole), PANGO_WRAP_WORD_CHAR);  // Names need have no blanks.
+    gtk_label_set_max_width_chars(GTK_LABEL(whole), kLineCharacters);
+    gtk_widget_show(whole);
+    gtk_tooltip_set_custom(tooltip, whole);
+    return TRUE;
+}
+
+}  // namespace
+
+void ShortenLabel(GtkWidget* label, int max_characters)
+{
+    gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_MIDDLE);
+    gtk_label_set_max_width_chars(GTK_LABEL(label), max_characters);
+    gtk_widget_set_has_tooltip(label, TRUE);
+    g_signal_connect(label, "query-tooltip", G_CALLBACK(on_ShortLabel_query_tooltip), nullptr);
+}
+
+GtkWidget* StatusBarLabel(GtkWidget* status_bar)
 {
     GtkWidget* const area = gtk_statusbar_get_message_area(GTK_STATUSBAR(status_bar));
     const std::unique_ptr<GList, decltype(&g_list_free)> children(gtk_container_get_children(GTK_CONTAINER(area)),
                                                                   &g_list_free);
+    return GTK_WIDGET(children->data);
+}
+
+void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
+{
     const std::string shown = DisplayText(text);
-    if (children != nullptr) {
-        gtk_label_set_text(GTK_LABEL(children->data), shown.c_str());
-    }
+    gtk_label_set_text(GTK_LABEL(StatusBarLabel(status_bar)), shown.c_str());
     // The bar's name says which bar it is, and hides the label from screen readers.
     atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
 }

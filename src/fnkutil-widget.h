@@ -100,6 +100,12 @@ void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell);
 /// Takes the focus out of every entry of the window, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
+/// Keeps a label to one line. In want of room, or of more characters than it may ask room for, it
+/// loses its middle and shows the whole text as a tip.
+void ShortenLabel(GtkWidget* label, int max_characters);
+
+/// The label of a status bar.
+GtkWidget* StatusBarLabel(GtkWidget* status_bar);
 /// The label of a status bar, set without its stack of messages; its description says the same.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
 /// A tree view of that name for screen readers. Unless whoever makes it allows it the focus it never

@@ -210,6 +210,25 @@ TEST_F(List, TheStatusCountsWhatIsStillThere)
     EXPECT_EQ(StatusShown(), " " + files.At("d/"));
 }
 
+TEST_F(List, LongTextsLeaveTheStatusFieldsTheirPlaces)
+{
+    const std::string name(250, 'n');
+    files.File(name);
+    Start();
+    SelectNames({name});
+    pGTable->Filter = 1;
+    pGTable->FilterName = std::string(kMaxFilterBytes, 'f');
+    DisplayFilterStatus();
+    Settle();
+    for (GtkWidget* const bar : {pMainW->StatusBar, pMainW->FilterStatusBar}) {
+        // The size at the end of the one text and the end of the other stay in sight.
+        EXPECT_EQ(gtk_label_get_ellipsize(GTK_LABEL(StatusBarLabel(bar))), PANGO_ELLIPSIZE_MIDDLE);
+        EXPECT_TRUE(pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(StatusBarLabel(bar)))));
+    }
+    EXPECT_EQ(gtk_widget_get_allocated_width(pMainW->FilterStatusBar), 202);
+    ExpectConsistent();
+}
+
 TEST_F(List, TheFilterAppliesToAllButDirectories)
 {
     Settings("[Detailed View]\nFilter=yes\nFilterName=*.c\n[Setting]\nShowHidden=yes\n");
