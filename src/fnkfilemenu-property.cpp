@@ -83,6 +83,9 @@ int CreatePropertyDlg()
     g_signal_connect(data.OwnerEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_Property_OKButton_clicked), &data);
     ModalMainLoop(data.Dialog, pMainW->MainWindow);
+    if (data.IsApplied) {
+        DisplayFileList(pGTable->CurrentDir);
+    }
     return 0;
 }
 
@@ -205,24 +208,25 @@ void on_PerToggle_toggled(GtkWidget* toggle, gpointer pointer)
 namespace {
 
 /// Notes a change, or says that there is none.
-void ReportChange(bool changed, const char* failure)
+void ReportChange(PropertyDlgData* data, bool changed, const char* failure)
 {
     if (changed) {
+        data->IsApplied = true;
         NoteChange();
     } else {
         MessageBox(_("Error"), failure, STYLE_ERROR);
     }
 }
 
-void ApplyMode(const PropertyDlgData* data, const struct stat& now)
+void ApplyMode(PropertyDlgData* data, const struct stat& now)
 {
     if (data->Stat.st_mode != now.st_mode) {
-        ReportChange(ChangeMode(data->Path, data->Stat.st_mode), _("Permission cannot be changed."));
+        ReportChange(data, ChangeMode(data->Path, data->Stat.st_mode), _("Permission cannot be changed."));
     }
 }
 
 /// False when one of the names means nobody.
-bool ApplyOwner(const PropertyDlgData* data, const struct stat& now)
+bool ApplyOwner(PropertyDlgData* data, const struct stat& now)
 {
     const char* const failure = _("Owner/Group cannot be changed.");
     const std::optional<uid_t> owner = FindUserId(GetEntryBytes(data->OwnerEntry));
@@ -232,7 +236,7 @@ bool ApplyOwner(const PropertyDlgData* data, const struct stat& now)
         return false;
     }
     if (*owner != now.st_uid || *group != now.st_gid) {
-        ReportChange(ChangeOwner(data->Path, *owner, *group), failure);
+        ReportChange(data, ChangeOwner(data->Path, *owner, *group), failure);
     }
     return true;
 }
@@ -291,7 +295,7 @@ bool ApplyName(const PropertyDlgData* data)
 }
 
 /// False when the dialog is to stay open.
-bool ApplyProperty(const PropertyDlgData* data)
+bool ApplyProperty(PropertyDlgData* data)
 {
     struct stat now = {};
     if (lstat(data->Path.c_str(), &now) != 0) {
@@ -304,13 +308,14 @@ bool ApplyProperty(const PropertyDlgData* data)
 
 }  // namespace
 
-void on_Property_OKButton_clicked(GtkWidget*, gpointer data)
+void on_Property_OKButton_clicked(GtkWidget*, gpointer pointer)
 {
+    auto* const data = static_cast<PropertyDlgData*>(pointer);
     SetupQuietRun();
-    const bool is_done = ApplyProperty(static_cast<const PropertyDlgData*>(data));
+    const bool is_done = ApplyProperty(data);
     EndProgress();
     if (is_done) {
+        data->IsApplied = true;  // Whatever it was that the list does not show yet.
         gtk_main_quit();
-        DisplayFileList(pGTable->CurrentDir);
     }
 }

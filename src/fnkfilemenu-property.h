@@ -27,7 +27,8 @@ struct PropertyDlgData {
     std::array<std::array<GtkWidget*, kPermissionColumns>, kPermissionRows> PermToggle = {};
     GtkWidget* OwnerEntry = nullptr;
     GtkWidget* GroupCombo = nullptr;
-    struct stat Stat = {};  ///< As it was when the dialog was filled; its mode is what the toggles edit.
+    bool IsApplied = false;  ///< Something was changed, even if the dialog is then cancelled.
+    struct stat Stat = {};   ///< As it was when the dialog was filled; its mode is what the toggles edit.
 };
 
 /// The permission bit of a toggle.

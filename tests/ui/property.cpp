@@ -162,6 +162,23 @@ TEST_F(Property, ANewNameMustBeFree)
     ExpectConsistent();
 }
 
+TEST_F(Property, WhatWasAppliedIsShownEvenIfTheRestIsGivenUp)
+{
+    files.File("file", "", 0644);
+    files.File("taken");
+    Start();
+    Open("file", {[](GtkWidget* dialog) {
+                      Toggle(dialog, "User Exec");
+                      Rename("taken")(dialog);
+                  },
+                  ReadBox("The specified file already exists."), PressButton("Cancel")});
+    EXPECT_EQ(Mode("file"), 0744U);
+    EXPECT_EQ(SetPermission(ListRows().Row(RowOf("file")).mode), "-rwxr--r--");
+    ExpectConsistent();
+    Open("file", {PressButton("Cancel")});
+    EXPECT_EQ(SelectedNames(), Names{"file"});  // Nothing was applied: nothing is read again.
+}
+
 TEST_F(Property, TheWindowFollowsARenamedDirectory)
 {
     files.File("up/shown/file");
