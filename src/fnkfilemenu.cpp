@@ -28,13 +28,16 @@ bool HasOpenableTarget()
     return walk.HasChildren(node) && !walk.IsExpanded(node);
 }
 
-/// The top directory itself is not copied, moved or deleted.
+/// The top directory itself is not copied, moved or deleted. After a drag over the tree it may be
+/// selected while another one is shown.
 bool HasChangeableTarget()
 {
     if (CountListSelection() > 0) {
         return true;
     }
-    return GetTreeSelect(MainTree(), nullptr, nullptr) && pGTable->CurrentDir != pGTable->RootDir;
+    std::string path;
+    return GetTreeSelect(MainTree(), nullptr, &path) && path != pGTable->RootDir &&
+           pGTable->CurrentDir != pGTable->RootDir;
 }
 
 bool ConfirmDelete(const std::string& description)

@@ -264,6 +264,12 @@ TEST_F(Operations, TheTopDirectoryIsNeitherCopiedNorMovedNorDeleted)
     EXPECT_FALSE(sensitive());
     Visit("dir");
     EXPECT_TRUE(sensitive());
+    // As a drag over the tree leaves it.
+    DisconnectTreeSelectSignal();
+    SetTreeSelectPath(MainTree(), pGTable->RootDir);
+    ConnectTreeSelectSignal();
+    EXPECT_FALSE(sensitive());
+    EXPECT_EQ(pGTable->CurrentDir, files.Path() + "dir/");
 }
 
 /// Opens the popup as a release of the button over the list does, and then does something.
