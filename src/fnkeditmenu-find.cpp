@@ -4,7 +4,6 @@
 #include "fnkeditmenu.h"
 #include "fnkmainwindow-record.h"
 #include "fnkmessage-box.h"
-#include "fnkmessage.h"
 #include "fnkselfile.h"
 #include "fnkstring.h"
 #include "fnktable.h"
@@ -18,7 +17,6 @@ namespace {
 constexpr int kSpacing = 5;
 constexpr int kEntrySpacing = 10;
 constexpr int kEntryWidth = 310;
-constexpr std::size_t kMaxPatternBytes = 512;
 
 /// The caption of a row, and the drop-down for its other column.
 GtkWidget* NewCaptionedCombo(GtkWidget* table, int row, const char* caption, int max_length, const History& offered)
@@ -51,20 +49,13 @@ GtkWidget* AddStartRow(GtkWidget* table)
 GtkWidget* AddNameRow(GtkWidget* table)
 {
     const History& patterns = pGTable->FilterHistory;
-    GtkWidget* const combo = NewCaptionedCombo(table, 1, _("Find name:"), kMaxPatternBytes, patterns);
+    GtkWidget* const combo = NewCaptionedCombo(table, 1, _("Find name:"), static_cast<int>(kMaxFilterBytes), patterns);
     if (!patterns.empty()) {
         SetEntryBytes(ComboEntry(combo), patterns.front());
     }
     gtk_widget_set_hexpand(combo, TRUE);
     gtk_grid_attach(GTK_GRID(table), combo, 1, 1, 1, 1);
     return combo;
-}
-
-/// Puts the focus there, with the text selected to be typed over.
-void SelectEntry(GtkWidget* entry)
-{
-    gtk_widget_grab_focus(entry);
-    gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
 }
 
 /// False, after saying why, when one of the inputs is no good.
@@ -81,9 +72,8 @@ bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
     start = WithSlash(start);
     SetEntryBytes(start_entry, start);
     const std::string pattern = GetEntryBytes(name_entry);
-    if (pattern.empty() || pattern.size() > kMaxPatternBytes) {
-        SelectEntry(name_entry);
-        MessageBox(_("Error"), _("Invalid find string."), STYLE_ERROR);
+    if (!IsPattern(pattern)) {
+        EntryMessageBox(_("Invalid find string."), name_entry);
         return false;
     }
     *request = {start, pattern, gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(info->SubDirCheck)) != FALSE};
@@ -115,7 +105,7 @@ void CreateFindFilesDlg()
     GtkWidget* cancel = nullptr;
     CreateDlgButtonBox(info.Dialog, &ok, &cancel, CLOSING_WIRED);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_Find_OKButton_clicked), &info);
-    SelectEntry(ComboEntry(info.NameCombo));
+    gtk_widget_grab_focus(ComboEntry(info.NameCombo));
     ModalMainLoop(info.Dialog, pMainW->MainWindow);
 }
 

@@ -212,7 +212,7 @@ TEST_F(FindDialogs, WhatIsNoQuestionIsRefused)
     const std::string missing = files.At("missing");
     const History patterns = pGTable->FilterHistory;
     std::string too_long;  // The entry counts characters, the limit is one of bytes.
-    while (too_long.size() <= 512) {
+    while (too_long.size() <= kMaxFilterBytes) {
         too_long += "\u00e9";
     }
     During({Ask(missing.c_str(), "*", false), read("The specified file does not exist."), Ask("/", "*", false),
