@@ -1,7 +1,6 @@
 #include "fnkeditmenu-find-walk.h"
 
 #include <fcntl.h>
-#include <fnmatch.h>
 
 #include <algorithm>
 #include <cstring>
@@ -74,7 +73,7 @@ private:
         std::vector<FoundEntry> kept;
     };
 
-    bool Matches(const char* name) const { return fnmatch(request_.Pattern.c_str(), name, 0) == 0; }
+    bool Matches(const char* name) const { return MatchPattern(request_.Pattern, name); }
     void Keep(const std::string& name, bool is_directory)
     {
         levels_.back().kept.push_back(found_.NewEntry(name, is_directory));

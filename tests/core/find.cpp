@@ -61,7 +61,7 @@ TEST_F(Find, WhatMatchesAndTheWayThere)
 
 TEST_F(Find, NamesAreBytes)
 {
-    for (const char* const name : {"a\xFF.c", "\xC3\xA9", "\xC3", "new\nline.c", " "}) {
+    for (const char* const name : {"a\xFF.c", "\xC3\xA9", "\xC3", "new\nline.c", " ", "\xC3\xA4\xFF"}) {
         files.File(name);
     }
     files.File("d\xFE/x\xFF.c");
@@ -69,6 +69,7 @@ TEST_F(Find, NamesAreBytes)
     EXPECT_EQ(Below("*.c"), (Paths{"a\xFF.c", "d\xFE/", "d\xFE/x\xFF.c", "new\nline.c"}));
     EXPECT_EQ(Below("?"), (Paths{" ", "\xC3", "\xC3\xA9"}));
     EXPECT_EQ(Below("?\xFF*"), (Paths{"a\xFF.c", "d\xFE/", "d\xFE/x\xFF.c"}));
+    EXPECT_EQ(Below("??"), Paths{"\xC3\xA4\xFF"}) << "as in the list";
     setlocale(LC_ALL, "C");
 }
 
