@@ -136,6 +136,15 @@ void SelectOnly(int row)
     SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
 }
 
+/// The keys go to the list from here on, and begin at its top. One that is filled anew is about to
+/// be scrolled to where it was; this takes the place of that.
+void SelectFirstEntry()
+{
+    SelectListRows(1, 1);
+    const TreePath top(gtk_tree_path_new_first());
+    gtk_tree_view_scroll_to_cell(MainList(), top.get(), nullptr, TRUE, 0.0F, 0.0F);
+}
+
 void ListUpSelect(const GdkEventKey& event, int row, const SelectedRange& selected)
 {
     if (selected.first == 1 && selected.count == 1) {
@@ -179,7 +188,7 @@ void OpenSelectedRow(const SelectedRange& selected)
     const std::string before = pGTable->CurrentDir;
     ActivateListRow(static_cast<std::size_t>(selected.first));
     if (pGTable->CurrentDir != before && ListRowCount() > 1) {
-        SelectListRows(1, 1);
+        SelectFirstEntry();
     }
 }
 
@@ -313,7 +322,7 @@ void SwitchPane()
     } else if (CountListSelection() > 0) {
         UnselectAllListRows();
     } else if (ListRowCount() > 1) {
-        SelectListRows(1, 1);
+        SelectFirstEntry();
     }
 }
 

@@ -157,6 +157,36 @@ TEST_F(Keys, ReturnOpensOneDirectory)
     ExpectConsistent();
 }
 
+TEST_F(Keys, TheEntryThatTheKeysGoToComesIntoView)
+{
+    ManyFiles();
+    for (int i = 0; i < 100; ++i) {
+        files.File("z/" + std::to_string(i));
+    }
+    Settings("[Setting]\nMixFileDir=yes\n");
+    Start();
+    const std::size_t last = ListRows().Count() - 1;
+    const auto expect_first_shown = [this](const char* key) {
+        SCOPED_TRACE(key);
+        EXPECT_EQ(ListSelection(), Rows{1});
+        EXPECT_EQ(RowVisibilityOf(0), ROW_VISIBLE);
+        EXPECT_EQ(RowVisibilityOf(1), ROW_VISIBLE);
+        ExpectConsistent();
+    };
+    SelectListRows(1, 1);
+    Press(GDK_KEY_End);
+    ASSERT_NE(RowVisibilityOf(1), ROW_VISIBLE);
+    Press(GDK_KEY_Tab);
+    Press(GDK_KEY_Tab);
+    expect_first_shown("Tab");
+    Press(GDK_KEY_End);
+    ASSERT_EQ(SelectedNames(), Names{"z"});
+    ASSERT_EQ(ListSelection(), Rows{last});
+    Press(GDK_KEY_Return);
+    EXPECT_EQ(pGTable->CurrentDir, files.At("z/"));
+    expect_first_shown("Return");
+}
+
 TEST_F(Keys, MoveThroughTheTree)
 {
     for (const char* const name : {"k/l/m", "k/n", "p/q", "r"}) {
