@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fnkmainwindow-record.h"
 #include "fnkraii.h"
 #include "fnkstring.h"
 #include "fnkutil.h"
@@ -329,16 +330,40 @@ GtkWidget* CreateSeparator(GtkWidget* box)
     return separator;
 }
 
+namespace {
+
+/// The window that a dialog interrupts: a dialog or the progress of a command, or else the main
+/// window.
+GtkWidget* InterruptedWindow()
+{
+    GtkWidget* const holder = gtk_grab_get_current();
+    GtkWidget* const window = holder != nullptr ? gtk_widget_get_toplevel(holder) : nullptr;
+    if (GTK_IS_WINDOW(window) && gtk_window_get_window_type(GTK_WINDOW(window)) == GTK_WINDOW_TOPLEVEL) {
+        return window;
+    }
+    return pMainW != nullptr ? pMainW->MainWindow : nullptr;
+}
+
+/// Nothing else takes input while the dialog runs, so it must not get lost behind the window that
+/// it interrupts, nor be put away on its own.
+void KeepAbove(GtkWindow* dialog, GtkWidget* parent)
+{
+    GtkWidget* const below = GTK_IS_WINDOW(parent) ? parent : InterruptedWindow();
+    if (below != nullptr && gtk_window_get_transient_for(dialog) == nullptr) {
+        gtk_window_set_transient_for(dialog, GTK_WINDOW(below));
+    }
+}
+
+}  // namespace
+
 void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
 {
     if (window == nullptr) {
         return;
     }
     g_signal_connect(window, "button-press-event", G_CALLBACK(on_Window_button_press_event), nullptr);
+    KeepAbove(GTK_WINDOW(window), parent);
     if (parent != nullptr) {
-        if (GTK_IS_WINDOW(parent)) {
-            gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(parent));
-        }
         gtk_widget_set_sensitive(parent, FALSE);
     }
     gtk_widget_show(window);

@@ -162,6 +162,30 @@ TEST_F(Progress, CountsWhatIsNoDirectoryAndEndsByItself)
     ExpectConsistent();
 }
 
+TEST_F(Progress, ABoxStaysAboveTheWindowThatItInterrupts)
+{
+    const std::vector<std::string> items = MakeItems();
+    Start();
+    GtkWindow* below = nullptr;
+    const auto ask = [] { return MessageBox("Error", "Text", STYLE_SKIP); };
+    const Act look = [&below](GtkWidget* box) {
+        below = gtk_window_get_transient_for(GTK_WINDOW(box));
+        SendKey(box, GDK_KEY_Return);
+    };
+    Answer(ask, look);
+    EXPECT_EQ(below, Window());
+    SetupProgress(items, OPERATION_COPY);
+    Answer(ask, look);
+    EXPECT_EQ(below, GTK_WINDOW(pGTable->ProgressDlg));
+    EndProgress();
+    // A command that shows no progress holds the input with a window that is never seen.
+    pGTable->ShowProgress = 0;
+    SetupProgress(items, OPERATION_COPY);
+    Answer(ask, look);
+    EXPECT_EQ(below, Window());
+    EndProgress();
+}
+
 TEST_F(Progress, CancelIsToldOnceAtTheNextStep)
 {
     const std::vector<std::string> items = MakeItems();
