@@ -50,9 +50,15 @@ void on_Combo_changed(GtkWidget* combo, gpointer)
 {
     const int active = gtk_combo_box_get_active(GTK_COMBO_BOX(combo));
     const auto* const items = AttachedData<History>(combo, kItemsKey);
-    if (active >= 0 && items != nullptr && static_cast<std::size_t>(active) < items->size()) {
-        SetEntryBytes(ComboEntry(combo), (*items)[static_cast<std::size_t>(active)]);
+    if (active < 0 || items == nullptr || static_cast<std::size_t>(active) >= items->size()) {
+        return;
     }
+    GtkWidget* const entry = ComboEntry(combo);
+    // What was picked is there to be used: the next key is for it, Return above all.
+    if (gtk_widget_get_mapped(entry) && gtk_editable_get_editable(GTK_EDITABLE(entry))) {
+        gtk_entry_grab_focus_without_selecting(GTK_ENTRY(entry));
+    }
+    SetEntryBytes(entry, (*items)[static_cast<std::size_t>(active)]);
 }
 
 }  // namespace
