@@ -68,8 +68,7 @@ TEST_F(Find, NamesAreBytes)
     setlocale(LC_ALL, "C.UTF-8");
     EXPECT_EQ(Below("*.c"), (Paths{"a\xFF.c", "d\xFE/", "d\xFE/x\xFF.c", "new\nline.c"}));
     EXPECT_EQ(Below("?"), (Paths{" ", "\xC3", "\xC3\xA9"}));
-    EXPECT_EQ(Below("?\xFF*"), (Paths{"a\xFF.c", "d\xFE/", "d\xFE/x\xFF.c"}));
-    EXPECT_EQ(Below("??"), Paths{"\xC3\xA4\xFF"}) << "as in the list";
+    EXPECT_EQ(Below("?\xFF*"), (Paths{"a\xFF.c", "d\xFE/", "d\xFE/x\xFF.c", "\xC3\xA4\xFF"}));
     setlocale(LC_ALL, "C");
 }
 
