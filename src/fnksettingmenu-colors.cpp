@@ -16,8 +16,12 @@ constexpr int kSampleWidth = 73;
 constexpr int kSampleHeight = 15;
 constexpr int kChooserBorder = 7;
 
-/// The colour fills its button, where themes keep the air around a text.
-constexpr const char* kButtonStyle = "button { padding: 2px; min-width: 0; min-height: 0; }";
+/// The colour fills its button, where themes keep the air around a text, and covers the line that
+/// marks the focus there: the frame does instead.
+constexpr const char* kButtonStyle =
+    "button { padding: 2px; min-width: 0; min-height: 0; }"
+    "button:focus { border-color: @theme_selected_bg_color;"
+    " box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 
 /// Places are those of GTable::Colors.
 constexpr std::array<const char*, kColorCount> kLabels = {
