@@ -277,7 +277,8 @@ TEST_F(FindDialogs, ClosingStopsTheSearch)
                     EXPECT_FALSE(gtk_widget_get_sensitive(FindByText(dialog, label))) << label;
                 }
                 EXPECT_FALSE(IsOver(dialog));
-                SendKey(dialog, GDK_KEY_Escape);  // The same as closing the window.
+                SendKey(dialog, GDK_KEY_Escape);  // The same as closing the window, a little later.
+                Settle();
                 Gate().Open();
                 EXPECT_TRUE(Await([dialog] { return IsOver(dialog); }));
                 const std::size_t found = Rows(dialog).size() - 1;
