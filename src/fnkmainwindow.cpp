@@ -129,15 +129,25 @@ GtkWidget* CreatePaned(GtkWidget* box)
     return paned;
 }
 
+/// The end of the text, the size of a file, is to be seen however long the name is. A text fills
+/// its bar and asks for no room of the other one.
+void FitStatusLabel(GtkWidget* bar)
+{
+    GtkWidget* const label = StatusBarLabel(bar);
+    GtkWidget* const area = gtk_statusbar_get_message_area(GTK_STATUSBAR(bar));
+    ShortenLabel(label, 1);
+    gtk_box_set_child_packing(GTK_BOX(area), label, TRUE, TRUE, 0, GTK_PACK_START);
+    gtk_widget_set_halign(label, GTK_ALIGN_FILL);
+    gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
+}
+
 GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
 {
     GtkWidget* const bar = gtk_statusbar_new();
     gtk_widget_set_margin_top(bar, 0);
     gtk_widget_set_margin_bottom(bar, 0);
     gtk_box_pack_start(GTK_BOX(box), bar, expand, expand, 0);
-    // The end of the text, the size of a file, is to be seen however long the name is, and asks for
-    // no room of the other bar.
-    ShortenLabel(StatusBarLabel(bar), 1);
+    FitStatusLabel(bar);
     SetAccessibleName(bar, name);
     gtk_widget_show(bar);
     return bar;
