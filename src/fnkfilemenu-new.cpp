@@ -80,7 +80,7 @@ void ShowNewFile(const std::string& path)
 void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
 {
     std::string path;
-    if (!AskForNewPath(MODE_NEW_DIRECTORY, &path) || !CreateNewDirectory(path)) {
+    if (!AskForNewPath(MODE_NEW_DIRECTORY, &path) || !CreateNewDirectory(WithSlash(path))) {
         return;
     }
     PutOnDisk();

@@ -1,6 +1,7 @@
 #include "fnkfilemenu-operation.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 
@@ -142,14 +143,14 @@ namespace {
 
 /// Several sources need a directory to go into: given one by one to a name that is still free,
 /// each would replace the one before. That directory is made, anything else in its place refused.
-bool HasRoomFor(const std::vector<std::string>& sources, const std::string& destination)
+bool HasRoomFor(const std::vector<std::string>& sources, const std::string& destination, bool* made)
 {
     struct stat st = {};
     if (sources.size() == 1) {
         return true;
     }
     if (lstat(destination.c_str(), &st) != 0) {
-        return CreateNewDirectory(destination);
+        return *made = CreateNewDirectory(destination);
     }
     if (!S_ISDIR(st.st_mode)) {
         FileExistMessageBox(PATH_FILE, nullptr);
@@ -165,9 +166,11 @@ void FileOperation(OperationKind kind)
     std::vector<std::string> sources;
     std::string description;
     std::string destination;
+    bool made = false;
     const auto mode = static_cast<OperationMode>(kind);
     if (GetFileOperationString(sources, &description) == SELECTION_NONE ||
-        CreateFileOperationDlg(mode, description, &destination) != RESULT_OK || !HasRoomFor(sources, destination)) {
+        CreateFileOperationDlg(mode, description, &destination) != RESULT_OK ||
+        !HasRoomFor(sources, destination, &made)) {
         return;
     }
     const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
@@ -177,6 +180,9 @@ void FileOperation(OperationKind kind)
     int flag = 0;
     const Result result =
         RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });
+    if (made && result == RESULT_CANCEL) {
+        rmdir(destination.c_str());  // Refused unless the command ended before anything came into it.
+    }
     const std::string parent = ParentInTree(destination);
     if (kind == OPERATION_MOVE) {
         RescanTree(MainTree(), ParentInTree(sources.front()));

@@ -84,11 +84,10 @@ TEST_F(Operations, WhatCannotBeMadeIsSaidAndNothingChanges)
     EXPECT_EQ(files.Contents("taken"), "kept");
     const OrdinaryUser user({&files, &home});
     files.SetMode("closed", 0555);
-    for (const auto& [command, what] : {std::pair(&NewFile, "file"), std::pair(&NewDirectory, "directory")}) {
-        DuringDialogs(
-            command, {EnterText("closed/x"), ReadBox(std::string("Cannot create ") + what + " " + files.At("closed/x") +
-                                                     "\ncause:" + g_strerror(EACCES))});
-    }
+    const std::string cause = std::string("\ncause:") + g_strerror(EACCES);
+    DuringDialogs(NewFile, {EnterText("closed/x"), ReadBox("Cannot create file " + files.At("closed/x") + cause)});
+    DuringDialogs(NewDirectory,
+                  {EnterText("closed/x"), ReadBox("Cannot create directory " + files.At("closed/x/") + cause)});
     EXPECT_EQ(files.Names(), (Names{"closed", "taken"}));
     ExpectConsistent();
 }
@@ -146,6 +145,30 @@ TEST_F(Operations, SeveralGoIntoADirectoryWhichIsMadeWhenItIsMissing)
     DuringDialogs(Move, {EnterText("a"), ReadBox("The specified file already exists.")});
     EXPECT_EQ(files.Contents("a") + files.Contents("b"), "45");
     EXPECT_EQ(SelectedNames(), (Names{"dir", "b"}));
+    ExpectConsistent();
+}
+
+TEST_F(Operations, ADirectoryMadeForNothingGoesAgain)
+{
+    files.File("a", "1");
+    files.File("b", "2");
+    Start();
+    SelectNames({"a", "b"});
+    const auto type_and_cancel = [](GtkWidget* dialog) {
+        // Its turn comes while the files are counted.
+        g_idle_add(
+            [](gpointer) -> gboolean {
+                if (pGTable->ProgressDlg == nullptr) {
+                    return G_SOURCE_CONTINUE;
+                }
+                gtk_button_clicked(GTK_BUTTON(FindByText(pGTable->ProgressDlg, "Cancel")));
+                return G_SOURCE_REMOVE;
+            },
+            nullptr);
+        EnterText("new")(dialog);
+    };
+    DuringDialogs(Move, {type_and_cancel});
+    EXPECT_EQ(files.Names(), (Names{"a", "b"}));
     ExpectConsistent();
 }
 
