@@ -303,16 +303,15 @@ Result TransferWhole(const Transfer& transfer)
     return transfer.command.kind == OPERATION_COPY ? CopyFileInternal(transfer) : MoveFileInternal(transfer);
 }
 
+/// A directory would go into itself, and then on for ever.
+void ReportInside()
+{
+    MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
+}
+
 Result ReportMissing(const std::string& path)
 {
     MessageBox(_("Error"), FormatPathMessage(_("%s does not exist."), path), STYLE_ERROR);
-    return ReportStep();
-}
-
-/// A directory would go into itself, and then on for ever.
-Result ReportInside()
-{
-    MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
     return ReportStep();
 }
 
@@ -336,7 +335,8 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
         return ReportStep();  // A mount shows one directory in both places.
     }
     if (IsSameObject(transfer.st, command.made)) {
-        return ReportInside();
+        ReportInside();
+        return ReportStep();
     }
     const std::string target_name = WithoutSlash(target.path);
     Descriptor directory;
@@ -366,8 +366,7 @@ Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
     if (lstat(target.c_str(), &st) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
         return OVERWRITE_NOTHING;
     }
-    const std::string question = FormatPathMessage(_("%s already exists.\nDoes it overwrite?"), target);
-    return MessageBox(_("Confirmation"), question, STYLE_QUESTION) == RESULT_OK ? OVERWRITE_AGREED : OVERWRITE_DECLINED;
+    return AskToOverwrite(target) ? OVERWRITE_AGREED : OVERWRITE_DECLINED;
 }
 
 /// A directory that is to be at target, below or at destination.
@@ -467,7 +466,7 @@ Result CheckSrcSubDirectory(const std::string& target, const std::string& source
         return RESULT_CANCEL;
     }
     if (is_directory && IsInsideDirectory(target, source)) {
-        MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
+        ReportInside();
         return RESULT_CANCEL;
     }
     return RESULT_DONE;

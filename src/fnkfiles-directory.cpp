@@ -30,9 +30,7 @@ Result ReportUnmade(const std::string& path, int error)
 /// meant what it leads to.
 bool MayReplace(const Place& place, const struct stat& st, LinkRule rule)
 {
-    return !S_ISLNK(st.st_mode) || rule == LINK_REPLACE ||
-           MessageBox(_("Confirmation"), FormatPathMessage(_("%s already exists.\nDoes it overwrite?"), place.path),
-                      STYLE_QUESTION) == RESULT_OK;
+    return !S_ISLNK(st.st_mode) || rule == LINK_REPLACE || AskToOverwrite(place.path);
 }
 
 Result MakeDirectoryOfMode(const Place& place, mode_t mode, LinkRule rule, Descriptor* directory)
@@ -89,6 +87,12 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
     }
     *directory = std::move(parent);
     return RESULT_DONE;
+}
+
+bool AskToOverwrite(const std::string& path)
+{
+    const std::string question = FormatPathMessage(_("%s already exists.\nDoes it overwrite?"), path);
+    return MessageBox(_("Confirmation"), question, STYLE_QUESTION) == RESULT_OK;
 }
 
 void SetDirectoryMode(const Descriptor& directory, mode_t mode)

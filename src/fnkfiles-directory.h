@@ -25,5 +25,8 @@ Result MakeDirectory(const Place& place, LinkRule rule, Descriptor* directory);
 /// above destination, which path begins with, are kept and followed.
 Result CreateDirectoryEx(const std::string& path, const std::string& destination, LinkRule rule, Descriptor* directory);
 
+/// Asks whether what is at path may be overwritten.
+bool AskToOverwrite(const std::string& path);
+
 /// Gives an open directory the permission bits; where the file system knows none, nothing happens.
 void SetDirectoryMode(const Descriptor& directory, mode_t mode);
