@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "fnkraii.h"
+#include "fnkfiles-place.h"
 #include "fnkutil.h"
 
 namespace {
@@ -26,17 +26,12 @@ std::size_t RoomBelow(std::size_t path_length)
     return path_length < kMaxPathBytes ? kMaxPathBytes - path_length - 1 : 0;
 }
 
-std::string FindFirstSubdirectory(int parent, const char* name, std::size_t room)
+std::string FindFirstSubdirectory(int parent, const std::string& name, std::size_t room)
 {
-    Descriptor descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
-    if (!descriptor) {
-        return {};
-    }
-    const DirectoryStream stream(fdopendir(descriptor.Get()));
+    const DirectoryStream stream = OpenDirectory({parent, name, name});
     if (stream == nullptr) {
         return {};
     }
-    descriptor.Release();  // The stream closes it.
     while (const struct dirent* const entry = readdir(stream.get())) {
         if (IsEligible(dirfd(stream.get()), *entry, room)) {
             return entry->d_name;

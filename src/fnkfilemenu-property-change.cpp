@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "fnkraii.h"
+#include "fnkfiles-place.h"
 
 namespace {
 
@@ -32,8 +32,7 @@ struct stat StatusOf(const Descriptor& file)
 /// A held file takes no fchmod, but has a name among the process's own.
 bool SetPermissionBits(const Descriptor& file, mode_t bits)
 {
-    const std::string name = "/proc/self/fd/" + std::to_string(file.Get());
-    return chmod(name.c_str(), bits) == 0 && (StatusOf(file).st_mode & kPermissionBits) == bits;
+    return chmod(DescriptorPath(file.Get()).c_str(), bits) == 0 && (StatusOf(file).st_mode & kPermissionBits) == bits;
 }
 
 History AllGroups()

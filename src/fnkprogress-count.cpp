@@ -1,20 +1,18 @@
 #include <fcntl.h>
 
+#include "fnkfiles-place.h"
 #include "fnkprogress.h"
-#include "fnkraii.h"
 #include "fnkutil.h"
 
 namespace {
 
 /// Walks by descriptor, so that a directory exchanged for a link under way leads nowhere else.
-int CountBelow(int parent, const char* name)
+int CountBelow(int parent, const std::string& name)
 {
-    Descriptor descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
-    const DirectoryStream stream(descriptor ? fdopendir(descriptor.Get()) : nullptr);
+    const DirectoryStream stream = OpenDirectory({parent, name, name});
     if (stream == nullptr) {
         return 0;
     }
-    descriptor.Release();  // The stream closes it.
     const int directory = dirfd(stream.get());
     int count = 0;
     while (const struct dirent* const entry = readdir(stream.get())) {
@@ -37,6 +35,5 @@ int CountOperationFile(const std::string& path)
         return 1;
     }
     // Its "/" at the end would have a link followed that took the directory's place.
-    const bool has_slash = path.size() > 1 && path.back() == '/';
-    return CountBelow(AT_FDCWD, (has_slash ? path.substr(0, path.size() - 1) : path).c_str());
+    return CountBelow(AT_FDCWD, WithoutSlash(path));
 }
