@@ -50,14 +50,14 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
 
 // The timers hold no node: rows may come and go while they wait.
 
-gboolean TreeUpScroll(gpointer y)
+/// Brings the row beside the one at that height to the edge; at the end of the tree it stops.
+gboolean ScrollBy(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
 {
-    GtkTreeView* const tree = MainTree();
-    if (tree != nullptr) {
+    if (GtkTreeView* const tree = MainTree()) {
         const TreeWalk walk(tree);
         const OptionalNode node = NodeAt(tree, 0, GPOINTER_TO_INT(y));
-        if (const OptionalNode above = node ? walk.Above(*node) : std::nullopt) {
-            ScrollRowTo(tree, walk.PathOf(*above).get(), 0.0);
+        if (const OptionalNode beside = node ? (walk.*next)(*node) : std::nullopt) {
+            ScrollRowTo(tree, walk.PathOf(*beside).get(), alignment);
             return G_SOURCE_CONTINUE;
         }
     }
@@ -65,19 +65,14 @@ gboolean TreeUpScroll(gpointer y)
     return G_SOURCE_REMOVE;
 }
 
+gboolean TreeUpScroll(gpointer y)
+{
+    return ScrollBy(&TreeWalk::Above, y, 0.0);
+}
+
 gboolean TreeDownScroll(gpointer y)
 {
-    GtkTreeView* const tree = MainTree();
-    if (tree != nullptr) {
-        const TreeWalk walk(tree);
-        const OptionalNode node = NodeAt(tree, 0, GPOINTER_TO_INT(y));
-        if (const OptionalNode below = node ? walk.Below(*node) : std::nullopt) {
-            ScrollRowTo(tree, walk.PathOf(*below).get(), 1.0);
-            return G_SOURCE_CONTINUE;
-        }
-    }
-    pGTable->ScrollTimer = 0;
-    return G_SOURCE_REMOVE;
+    return ScrollBy(&TreeWalk::Below, y, 1.0);
 }
 
 gboolean TreeExpand(gpointer data)
