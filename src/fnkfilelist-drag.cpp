@@ -86,8 +86,7 @@ std::vector<std::string> TakeSelectedFiles(GtkTreeView*, GtkTreePath* pressed)
     }
     std::vector<std::string> paths;
     for (const std::size_t index : ListSelection()) {
-        const FileRows& rows = ListRows();
-        paths.push_back(pGTable->CurrentDir + rows.Name(index) + (rows.Row(index).is_directory ? "/" : ""));
+        paths.push_back(ListRowPath(index));
     }
     // On its way over the tree the drag moves the selection there, which is not to be followed.
     DisconnectTreeSelectSignal();

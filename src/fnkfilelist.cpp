@@ -449,6 +449,12 @@ void ShowListRow(const std::string& name)
     }
 }
 
+std::string ListRowPath(std::size_t row)
+{
+    const FileRows& rows = ListRows();
+    return pGTable->CurrentDir + rows.Name(row) + (rows.Row(row).is_directory ? "/" : "");
+}
+
 void ActivateListRow(std::size_t index)
 {
     const FileRows& rows = ListRows();
@@ -461,9 +467,9 @@ void ActivateListRow(std::size_t index)
             OpenChildTree(MainTree(), parent, EXPAND_LAST_YES);
         }
     } else if (rows.Row(index).is_directory) {
-        OpenChildTree(MainTree(), pGTable->CurrentDir + rows.Name(index) + "/", EXPAND_LAST_YES);
+        OpenChildTree(MainTree(), ListRowPath(index), EXPAND_LAST_YES);
     } else if (OnFileList.FileActivated != nullptr) {
-        OnFileList.FileActivated(pGTable->CurrentDir + rows.Name(index));
+        OnFileList.FileActivated(ListRowPath(index));
     }
 }
 

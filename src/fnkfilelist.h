@@ -35,6 +35,9 @@ void SortFileList();
 /// Scrolls the row of that name into view; nothing happens when there is none.
 void ShowListRow(const std::string& name);
 
+/// The path of the entry in the row, a directory's with a "/" at its end.
+std::string ListRowPath(std::size_t row);
+
 /// What a double click on the row does: opens the entry, or the parent for "..".
 void ActivateListRow(std::size_t index);
 

@@ -23,7 +23,7 @@ SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::strin
         const bool is_directory = rows.Row(index).is_directory;
         (is_directory ? directories : files) = true;
         label = DisplayText(rows.Name(index));
-        paths.push_back(pGTable->CurrentDir + rows.Name(index) + (is_directory ? "/" : ""));
+        paths.push_back(ListRowPath(index));
         ++count;
     }
     std::string tree_path;
