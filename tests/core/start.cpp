@@ -46,13 +46,13 @@ TEST_F(Start, OnlyTheFirstArgumentIsAnOption)
 
 TEST_F(Start, RelativeDirectoriesCountFromWhereOneIs)
 {
-    files.Directory("root/dir");
+    files.Directory("top/dir");
     const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(files.At("root"));
-    const CommandLine parsed = Parse({"--home", "../root/.", "dir"});
+    std::filesystem::current_path(files.At("top"));
+    const CommandLine parsed = Parse({"--home", "../top/.", "dir"});
     std::filesystem::current_path(before);
-    EXPECT_EQ(parsed.root, files.At("root/"));
-    EXPECT_EQ(parsed.start, files.At("root/dir/"));
+    EXPECT_EQ(parsed.root, files.At("top/"));
+    EXPECT_EQ(parsed.start, files.At("top/dir/"));
 }
 
 TEST_F(Start, StartsInsideTheRootOrAtIt)
