@@ -147,18 +147,11 @@ FileRows& ModelRows(FnkListModel* model)
     return *model->rows;
 }
 
-void SortModelRows(FnkListModel* model)
+std::vector<int> SortModelRows(FnkListModel* model)
 {
     const std::vector<std::uint32_t> order = SortFileRows(*model->rows);
     ++model->stamp;
-    if (order.empty()) {
-        return;
-    }
-    std::vector<int> old_places(order.begin(), order.end());
-    GtkTreePath* const root = gtk_tree_path_new();
-    gtk_tree_model_rows_reordered_with_length(GTK_TREE_MODEL(model), root, nullptr, old_places.data(),
-                                              static_cast<int>(old_places.size()));
-    gtk_tree_path_free(root);
+    return {order.begin(), order.end()};
 }
 
 std::size_t ModelRowIndex(const GtkTreeIter* iter)

@@ -4,6 +4,8 @@
 
 #include <gtk/gtk.h>
 
+#include <vector>
+
 #include "fnkfilelist-rows.h"
 
 G_DECLARE_FINAL_TYPE(FnkListModel, fnk_list_model, FNK, LIST_MODEL, GObject)
@@ -12,7 +14,7 @@ FnkListModel* NewListModel();
 
 /// The model's rows. They may be replaced only while no view is attached.
 FileRows& ModelRows(FnkListModel* model);
-/// Sorts the rows and tells the attached views, which keep their selection.
-void SortModelRows(FnkListModel* model);
+/// Sorts the rows and returns the old place of each. The attached views still have to be told.
+std::vector<int> SortModelRows(FnkListModel* model);
 /// The row an iterator of the model stands for.
 std::size_t ModelRowIndex(const GtkTreeIter* iter);

@@ -98,12 +98,23 @@ void FileRows::Clear()
 
 void FileRows::Permute(const std::vector<std::uint32_t>& order)
 {
-    std::vector<FileRow> permuted;
-    permuted.reserve(rows_.size());
-    for (const std::uint32_t index : order) {
-        permuted.push_back(rows_[index]);
+    // In place, cycle after cycle: a second block for a million rows takes longer to get than all
+    // of the moving.
+    std::vector<bool> placed(order.size());
+    for (std::size_t start = 0; start < order.size(); ++start) {
+        if (placed[start]) {
+            continue;
+        }
+        const FileRow first = rows_[start];
+        std::size_t place = start;
+        while (order[place] != start) {
+            rows_[place] = rows_[order[place]];
+            placed[place] = true;
+            place = order[place];
+        }
+        rows_[place] = first;
+        placed[place] = true;
     }
-    rows_ = std::move(permuted);
 }
 
 void FileRows::Reverse()

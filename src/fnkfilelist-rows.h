@@ -37,7 +37,11 @@ public:
     /// The entry's name, bytes; valid until the rows change.
     const char* Name(const FileRow& row) const { return names_.data() + row.name; }
     const char* Name(std::size_t index) const { return Name(rows_[index]); }
-    bool IsParentRow(std::size_t index) const { return std::string_view(Name(index)) == ".."; }
+    bool IsParentRow(std::size_t index) const
+    {
+        // Asked of every row in a sort: the names lie scattered, so few of them are looked at.
+        return rows_[index].is_directory && std::string_view(Name(index)) == "..";
+    }
 
     /// The cell of a kind, UTF-8; empty for a kind that there is none of.
     std::string CellText(const FileRow& row, int column_id) const;

@@ -3,11 +3,13 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <map>
+#include <numeric>
 #include <string_view>
 
 namespace {
@@ -318,46 +320,89 @@ bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     }
 }
 
-bool KeyLess(const SortKey& a, const SortKey& b)
+/// What stands before what, whatever the column says: "..", and then the directories, or by icon in
+/// a descending order the files.
+enum Group : std::size_t { GROUP_PARENT, GROUP_FIRST, GROUP_LAST, GROUP_COUNT };
+
+Group GroupOf(const FileRows& rows, std::size_t index, bool by_icon)
 {
-    if (a.value != b.value) {
-        return a.value < b.value;
+    if (rows.IsParentRow(index)) {
+        return GROUP_PARENT;
     }
-    return a.text != nullptr && CompareString(a.text, b.text) < 0;
+    if (!by_icon && pGTable->MixFileDir) {
+        return GROUP_FIRST;
+    }
+    const bool directories_first = !pGTable->MixFileDir || pGTable->SortType != SORT_DESCENDING;
+    return rows.Row(index).is_directory == directories_first ? GROUP_FIRST : GROUP_LAST;
+}
+
+using GroupEnds = std::array<std::size_t, GROUP_COUNT>;
+
+/// Keys without values, group after group. In a descending order rows that are equal stand in
+/// reverse, so there the keys of a group begin with its last row, and a stable sort keeps them so.
+std::vector<SortKey> GroupedKeys(const FileRows& rows, bool by_icon, GroupEnds& ends)
+{
+    const std::size_t count = rows.Count();
+    GroupEnds next = {};
+    for (std::size_t i = 0; i < count; ++i) {
+        ++next[GroupOf(rows, i, by_icon)];
+    }
+    std::exclusive_scan(next.begin(), next.end(), next.begin(), std::size_t{0});
+    std::vector<SortKey> keys(count);
+    const bool descending = pGTable->SortType == SORT_DESCENDING;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t index = descending ? count - 1 - i : i;
+        keys[next[GroupOf(rows, index, by_icon)]++] = {0, nullptr, static_cast<std::uint32_t>(index)};
+    }
+    ends = next;
+    return keys;
+}
+
+using SortKeys = std::vector<SortKey>::iterator;
+
+void SortKeyRange(SortKeys begin, SortKeys end, bool descending)
+{
+    const bool has_text = begin != end && begin->text != nullptr;
+    const auto goes_first = [has_text](const SortKey& a, const SortKey& b) {
+        return a.value < b.value || (has_text && a.value == b.value && CompareString(a.text, b.text) < 0);
+    };
+    if (descending) {
+        std::stable_sort(begin, end, [&](const SortKey& a, const SortKey& b) { return goes_first(b, a); });
+    } else {
+        std::stable_sort(begin, end, goes_first);
+    }
+}
+
+/// The slow way, for what keys cannot stand in for.
+void SortTextRange(const FileRows& rows, int kind, SortKeys begin, SortKeys end, bool descending)
+{
+    std::stable_sort(begin, end, [&](const SortKey& a, const SortKey& b) {
+        const std::string text_a = rows.CellText(rows.Row((descending ? b : a).index), kind);
+        const std::string text_b = rows.CellText(rows.Row((descending ? a : b).index), kind);
+        return CompareCells(kind, text_b.c_str(), text_a.c_str()) == 1;
+    });
 }
 
 }  // namespace
 
 std::vector<std::uint32_t> SortFileRows(FileRows& rows)
 {
-    std::vector<SortKey> keys(rows.Count());
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        keys[i] = {0, nullptr, static_cast<std::uint32_t>(i)};
-    }
-    const auto is_directory = [&rows](const SortKey& key) { return rows.Row(key.index).is_directory; };
+    const bool descending = pGTable->SortType == SORT_DESCENDING;
     const bool by_icon = EffectiveSortColumn() == kIconColumn;
     const int kind = by_icon ? COLUMN_NAME : SortKind();
-    if (MakeKeys(rows, kind, keys)) {
-        std::stable_sort(keys.begin(), keys.end(), KeyLess);
-    } else {
-        std::stable_sort(keys.begin(), keys.end(), [&rows, kind](const SortKey& a, const SortKey& b) {
-            const std::string text_a = rows.CellText(rows.Row(a.index), kind);
-            const std::string text_b = rows.CellText(rows.Row(b.index), kind);
-            return CompareCells(kind, text_b.c_str(), text_a.c_str()) == 1;
-        });
+    GroupEnds ends;
+    std::vector<SortKey> keys = GroupedKeys(rows, by_icon, ends);
+    const bool has_keys = MakeKeys(rows, kind, keys);
+    auto begin = keys.begin();
+    for (const std::size_t group_end : ends) {
+        const auto end = keys.begin() + static_cast<std::ptrdiff_t>(group_end);
+        if (has_keys) {
+            SortKeyRange(begin, end, descending);
+        } else {
+            SortTextRange(rows, kind, begin, end, descending);
+        }
+        begin = end;
     }
-    if (by_icon) {
-        std::stable_partition(keys.begin(), keys.end(), is_directory);
-    }
-    // Read backwards, an order that kept equal rows in place has them reversed, as it should be.
-    if (pGTable->SortType == SORT_DESCENDING) {
-        std::reverse(keys.begin(), keys.end());
-    }
-    if (!pGTable->MixFileDir) {
-        std::stable_partition(keys.begin(), keys.end(), is_directory);
-    }
-    std::stable_partition(keys.begin(), keys.end(),
-                          [&rows](const SortKey& key) { return rows.IsParentRow(key.index); });
 
     std::vector<std::uint32_t> order(keys.size());
     std::transform(keys.begin(), keys.end(), order.begin(), [](const SortKey& key) { return key.index; });

@@ -78,6 +78,13 @@ void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
     }
 }
 
+/// Whether a screen reader may have been told of the rows. The toolkit makes that class with its
+/// first object.
+bool HasAccessibleRows()
+{
+    return g_type_class_peek(g_type_from_name("GtkTreeViewAccessible")) != nullptr;
+}
+
 /// Takes the ".." row out of the selection again, before anyone sees it there. The toolkit's own
 /// way to make a row unselectable asks about every row each time, a hundred thousand of them.
 void UnselectParentRow()
@@ -426,13 +433,26 @@ void on_FileList_click_column(int column)
     SortFileList();
 }
 
+// The toolkit's view keeps a node for each row and sorts these in its turn, which takes longer than
+// all the rest. As all rows are of one height, the nodes differ in nothing but being selected and what a screen
+// reader knows of them, so without either it is enough to draw the rows again.
 void SortFileList()
 {
+    GtkTreeView* const list = MainList();
     const ListSelectionBatch batch;
-    SortModelRows(ModelOf(MainList()));
-    UpdateSortArrows(MainList());
+    const bool shows_only_rows = !HasAccessibleRows() && CountListSelection() == 0;
+    std::vector<int> old_places = SortModelRows(ModelOf(list));
+    const TreePath root(gtk_tree_path_new());
+    if (shows_only_rows) {
+        gtk_tree_row_reference_reordered(G_OBJECT(list), root.get(), nullptr, old_places.data());
+        gtk_widget_queue_draw(GTK_WIDGET(list));
+    } else if (!old_places.empty()) {
+        gtk_tree_model_rows_reordered_with_length(gtk_tree_view_get_model(list), root.get(), nullptr,
+                                                  old_places.data(), static_cast<int>(old_places.size()));
+        batch_changed = true;  // The summary under way knows the rows by their old places.
+    }
+    UpdateSortArrows(list);
     anchor_row = -1;
-    batch_changed = true;  // The summary under way knows the rows by their old places.
 }
 
 void ShowListRow(const std::string& name)
