@@ -1,17 +1,18 @@
-// What browsing a large directory costs, beside the bare system calls it cannot do without, in one
-// run. Needs a display; FENNICK_BENCH_DIR names the folder for the scratch directories.
+// What browsing large directories costs, beside the bare system calls and library procedures that it
+// cannot do without, in turns; and how that grows with the directory. Needs a display;
+// FENNICK_BENCH_DIR names the folder for the scratch directory, which takes 1.2 million files.
+//
+//     script/with-display build/bench/bench-browse [PART OF A NAME]
 
-#include <benchmark/benchmark.h>
 #include <dirent.h>
 #include <fcntl.h>
-#include <gtk/gtk.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <tuple>
 
 #include "fnkdirtree.h"
 #include "fnkeditmenu-select.h"
@@ -23,22 +24,13 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int kEntries = 100'000;
+constexpr int kMillion = 1'000'000;
 constexpr int kSubdirectories = 10'000;
 
 std::string top;
-
-std::string ManyFiles()
-{
-    return top + "/files/";
-}
-
-std::string ManyDirectories()
-{
-    return top + "/dirs/";
-}
+/// Only what has this in its name is measured.
+std::string wanted;
 
 /// Names that come in no order, as those of real files.
 std::string NameOf(int i)
@@ -48,17 +40,33 @@ std::string NameOf(int i)
     return name;
 }
 
-void MakeDirectories()
+/// A directory of count files, made when it is first asked for.
+std::string ManyFiles(int count)
 {
-    fs::create_directories(ManyFiles());
-    for (int i = 0; i < kEntries; ++i) {
-        const int fd = open((ManyFiles() + NameOf(i)).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
-        [[maybe_unused]] const int resized = ftruncate(fd, i * 37L % 5'000'000);
-        close(fd);
+    const std::string path = top + "/files" + std::to_string(count) + "/";
+    if (!std::filesystem::create_directory(path)) {
+        return path;
     }
-    for (int i = 0; i < kSubdirectories; ++i) {
-        fs::create_directories(ManyDirectories() + NameOf(i) + "/below");
+    for (int i = 0; i < count; ++i) {
+        const std::string name = path + NameOf(i);
+        mknod(name.c_str(), S_IFREG | (i % 7 == 0 ? 0755 : 0644), 0);
+        // Half of them with a size of their own is enough for a sort to work on, and twice as fast.
+        if (count <= kEntries && i % 2 == 0) {
+            truncate(name.c_str(), i * 37L % 5'000'000);
+        }
     }
+    return path;
+}
+
+std::string ManyDirectories(int count)
+{
+    const std::string path = top + "/dirs" + std::to_string(count) + "/";
+    if (std::filesystem::create_directory(path)) {
+        for (int i = 0; i < count; ++i) {
+            std::filesystem::create_directories(path + NameOf(i) + "/below");
+        }
+    }
+    return path;
 }
 
 void Settle()
@@ -68,11 +76,18 @@ void Settle()
     }
 }
 
-void StartAmongManyFiles()
+/// Lets the main loop run until the window has painted what was asked of it.
+void Paint()
 {
-    StartFennick(top);
-    OpenChildTree(MainTree(), ManyFiles(), EXPAND_LAST_NO);
-    Settle();
+    bool painted = false;
+    GdkFrameClock* const clock = gtk_widget_get_frame_clock(pMainW->MainWindow);
+    const gulong handler =
+        g_signal_connect_swapped(clock, "after-paint", G_CALLBACK(+[](bool* done) { *done = true; }), &painted);
+    gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
+    while (!painted) {
+        gtk_main_iteration();
+    }
+    g_signal_handler_disconnect(clock, handler);
 }
 
 void BareRead(const std::string& path)
@@ -80,164 +95,325 @@ void BareRead(const std::string& path)
     DIR* const directory = opendir(path.c_str());
     while (const struct dirent* const entry = readdir(directory)) {
         struct stat st = {};
-        benchmark::DoNotOptimize(fstatat(dirfd(directory), entry->d_name, &st, AT_SYMLINK_NOFOLLOW));
+        fstatat(dirfd(directory), entry->d_name, &st, AT_SYMLINK_NOFOLLOW);
     }
     closedir(directory);
 }
 
-void ListBare(benchmark::State& state)
+/// The directories of a directory, each looked into until the first one in it is found.
+void BareExpand(const std::string& path)
 {
-    for (auto _ : state) {
-        BareRead(ManyFiles());
+    DIR* const directory = opendir(path.c_str());
+    while (const struct dirent* const entry = readdir(directory)) {
+        if (entry->d_type != DT_DIR || entry->d_name[0] == '.') {
+            continue;
+        }
+        DIR* const child =
+            fdopendir(openat(dirfd(directory), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        while (const struct dirent* const inner = readdir(child)) {
+            if (inner->d_type == DT_DIR && inner->d_name[0] != '.') {
+                break;
+            }
+        }
+        closedir(child);
     }
+    closedir(directory);
 }
 
-void ListDisplayFileList(benchmark::State& state)
+/// Shows a directory as a click on it in the tree does. The tree is told to look again, as the
+/// directory may be younger than it.
+void Enter(const std::string& path)
 {
-    for (auto _ : state) {
-        DisplayFileList(ManyFiles());
-    }
+    RescanTree(MainTree(), pGTable->RootDir);
+    OpenChildTree(MainTree(), path, EXPAND_LAST_NO);
     Settle();
 }
 
-void ListDisplayAndPaint(benchmark::State& state)
+void OpenAndPaint(const std::string& path)
 {
-    for (auto _ : state) {
-        DisplayFileList(ManyFiles());
-        Settle();
-    }
-}
-
-/// One click on the title of the column, the view following.
-void SortByColumn(benchmark::State& state)
-{
-    pGTable->ColumnPosition[1] = static_cast<int>(state.range(0));
-    const int column = state.range(0) == COLUMN_NAME ? 1 : 2;
-    for (auto _ : state) {
-        on_FileList_click_column(column);
-    }
-    pGTable->ColumnPosition[1] = COLUMN_SIZE;
+    DisplayFileList(path);
     Settle();
 }
 
-void PressKey(guint keyval, guint modifiers)
+/// The node's path in the tree, which is freshly read and shows no child of it.
+GtkTreePath* FreshNode(const std::string& path)
 {
-    GdkEvent* const event = gdk_event_new(GDK_KEY_PRESS);
-    event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(pMainW->MainWindow)));
-    event->key.keyval = keyval;
-    event->key.state = modifiers;
-    gdk_event_set_device(event, gdk_seat_get_keyboard(gdk_display_get_default_seat(gdk_display_get_default())));
-    gtk_main_do_event(event);
-    gdk_event_free(event);
+    RescanTree(MainTree(), pGTable->RootDir);
+    OpenChildTree(MainTree(), pGTable->RootDir, EXPAND_LAST_NO);
+    Settle();
+    GtkTreeIter node;
+    std::string sought = path;
+    GetPathNode(MainTree(), sought, &node);
+    return gtk_tree_model_get_path(gtk_tree_view_get_model(MainTree()), &node);
 }
 
-void SelectAll(benchmark::State& state)
+GtkTreePath* node = nullptr;
+
+Side Expanding(const std::string& path)
 {
-    for (auto _ : state) {
-        SelectAllListRows();
-        state.PauseTiming();
-        UnselectAllListRows();
-        state.ResumeTiming();
-    }
+    return {[](int) {
+                const std::unique_ptr<GtkTreePath, decltype(&gtk_tree_path_free)> held(node, gtk_tree_path_free);
+                gtk_tree_view_expand_row(MainTree(), node, FALSE);
+                Settle();
+            },
+            [path](int) { node = FreshNode(path); }};
 }
 
 /// Every other row or so: as many single rows as there can be.
 constexpr const char* kScattered = "*[13579].dat";
 
-void SelectScattered(benchmark::State& state)
+/// One pass over the rows, as choosing among them takes at least.
+void LookAtRows()
 {
-    for (auto _ : state) {
-        SelectMatchingRows(kScattered);
-        state.PauseTiming();
-        UnselectAllListRows();
-        state.ResumeTiming();
+    volatile std::size_t letters = 0;
+    for (std::size_t i = 0; i < ListRows().Count(); ++i) {
+        letters = letters + std::strlen(ListRows().Name(i));
     }
 }
 
-void InvertScattered(benchmark::State& state)
+Side SelectingAll()
 {
-    SelectMatchingRows(kScattered);
-    for (auto _ : state) {
-        InvertListSelection();
-    }
-    UnselectAllListRows();
+    return {[](int) {
+                SelectAllListRows();
+                Paint();
+            },
+            [](int) {
+                UnselectAllListRows();
+                Settle();
+            }};
 }
 
-void KeyWithAllSelected(benchmark::State& state)
+Side SelectingScattered()
 {
-    for (auto _ : state) {
-        state.PauseTiming();
-        SelectAllListRows();
-        Settle();
-        state.ResumeTiming();
-        PressKey(GDK_KEY_Up, 0);
+    return {[](int) {
+                SelectMatchingRows(kScattered);
+                Paint();
+            },
+            [](int) {
+                UnselectAllListRows();
+                Settle();
+            }};
+}
+
+Side Inverting()
+{
+    return {[](int) {
+                InvertListSelection();
+                Paint();
+            },
+            [](int) {
+                SelectMatchingRows(kScattered);
+                Settle();
+            }};
+}
+
+void PressKey(guint keyval)
+{
+    GdkEvent* const event = gdk_event_new(GDK_KEY_PRESS);
+    event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(pMainW->MainWindow)));
+    event->key.keyval = keyval;
+    gdk_event_set_device(event, gdk_seat_get_keyboard(gdk_display_get_default_seat(gdk_display_get_default())));
+    gtk_main_do_event(event);
+    gdk_event_free(event);
+}
+
+constexpr const char* kKindNames[] = {
+    "Name",     "Size",        "Permission",        "User",        "User ID",      "Group",
+    "Group ID", "Access time", "Modification time", "Change time", "i Node number"};
+constexpr int kIconColumn = 0;
+constexpr int kNameColumn = 1;
+constexpr int kOtherColumn = 2;
+
+/// A row's value in a column as the language's own sort would be given it.
+struct PlainKey {
+    std::int64_t number;
+    std::string text;
+};
+
+PlainKey KeyOf(const FileRow& row, int kind)
+{
+    switch (kind) {
+    case COLUMN_SIZE:
+        return {row.size, {}};
+    case COLUMN_USER_ID:
+        return {row.uid, {}};
+    case COLUMN_GROUP_ID:
+        return {row.gid, {}};
+    case COLUMN_ACCESS_TIME:
+        return {row.access_time, {}};
+    case COLUMN_MODIFICATION_TIME:
+        return {row.modification_time, {}};
+    case COLUMN_CHANGE_TIME:
+        return {row.change_time, {}};
+    case COLUMN_INODE:
+        return {row.inode, {}};
+    case COLUMN_NAME:
+        return {0, ListRows().Name(row)};
+    default:
+        return {0, ListRows().CellText(row, kind)};
     }
 }
 
-void ExpandBare(benchmark::State& state)
+/// Brings the rows into an order that has nothing to do with the one to come. That of the icon
+/// column is by name, that of the numbers by when a file was made.
+void Shuffle(int kind)
 {
-    for (auto _ : state) {
-        DIR* const directory = opendir(ManyDirectories().c_str());
-        while (const struct dirent* const entry = readdir(directory)) {
-            if (entry->d_type != DT_DIR || entry->d_name[0] == '.') {
-                continue;
-            }
-            const int fd = openat(dirfd(directory), entry->d_name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
-            DIR* const child = fdopendir(fd);
-            while (const struct dirent* const inner = readdir(child)) {
-                if (inner->d_type == DT_DIR && inner->d_name[0] != '.') {
-                    break;
+    pGTable->ColumnPosition[1] = kind == COLUMN_NAME ? static_cast<int>(COLUMN_INODE) : kind;
+    pGTable->SortColumn = kind == COLUMN_NAME ? kOtherColumn : kIconColumn;
+    pGTable->SortType = SORT_ASCENDING;
+    SortFileList();
+    Settle();
+}
+
+/// A click on the title of the column, but for painting the screenful of rows that is in view.
+Side Sorting(int kind)
+{
+    return {[kind](int) { on_FileList_click_column(kind == COLUMN_NAME ? kNameColumn : kOtherColumn); },
+            [kind](int) { Shuffle(kind); }};
+}
+
+std::vector<PlainKey> plain_keys;
+
+Side SortingPlainly(int kind)
+{
+    return {[](int) {
+                std::stable_sort(plain_keys.begin(), plain_keys.end(), [](const PlainKey& a, const PlainKey& b) {
+                    return a.number != b.number ? a.number < b.number : a.text < b.text;
+                });
+            },
+            [kind](int) {
+                Shuffle(kind);
+                plain_keys.clear();
+                for (std::size_t i = 0; i < ListRows().Count(); ++i) {
+                    plain_keys.push_back(KeyOf(ListRows().Row(i), kind));
                 }
-            }
-            closedir(child);
+            }};
+}
+
+void MeasureOpening()
+{
+    for (const auto& [count, name, goal] : {std::tuple{kEntries, "open 100,000 entries", Goal{.ratio = 2}},
+                                            std::tuple{kMillion, "open 1,000,000 entries", Goal{.ratio = 2.5}}}) {
+        if (std::string(name).find(wanted) == std::string::npos) {
+            continue;
         }
-        closedir(directory);
+        const std::string path = ManyFiles(count);
+        Compare(wanted, name, goal, {[&](int) { OpenAndPaint(path); }}, "readdir + fstatat",
+                {[&](int) { BareRead(path); }});
     }
 }
 
-void ExpandInTree(benchmark::State& state, bool paint)
+void MeasureRows()
 {
-    for (auto _ : state) {
-        state.PauseTiming();
-        RescanTree(MainTree(), pGTable->RootDir);
-        Settle();
-        GtkTreeIter node;
-        std::string path = ManyDirectories();
-        GetPathNode(MainTree(), path, &node);
-        GtkTreePath* const tree_path = gtk_tree_model_get_path(gtk_tree_view_get_model(MainTree()), &node);
-        state.ResumeTiming();
-        gtk_tree_view_expand_row(MainTree(), tree_path, FALSE);
-        if (paint) {
-            Settle();
-        }
-        state.PauseTiming();
-        gtk_tree_path_free(tree_path);
-        state.ResumeTiming();
+    Enter(ManyFiles(kEntries));
+    const Goal goal = {.milliseconds = 100};
+    const Side pass = {[](int) { LookAtRows(); }};
+    Compare(wanted, "select all of 100,000 rows", goal, SelectingAll(), "one pass", pass);
+    Compare(wanted, "invert among 100,000 rows", goal, Inverting(), "one pass", pass);
+    Compare(wanted, "select by pattern among 100,000 rows", goal, SelectingScattered(), "one pass", pass);
+    Compare(wanted, "a key with 100,000 rows selected", goal,
+            {[](int) {
+                 PressKey(GDK_KEY_Up);
+                 Paint();
+             },
+             [](int) {
+                 SelectAllListRows();
+                 Settle();
+             }},
+            "one pass", pass);
+    UnselectAllListRows();
+    for (int kind = COLUMN_NAME; kind <= COLUMN_INODE; ++kind) {
+        const std::string name = std::string("sort 100,000 rows by ") + kKindNames[kind];
+        Compare(wanted, name.c_str(), {.ratio = 1.5}, Sorting(kind), "std::stable_sort", SortingPlainly(kind));
     }
+    pGTable->ColumnPosition[1] = COLUMN_SIZE;
+}
+
+void MeasureExpanding()
+{
+    const std::string path = ManyDirectories(kSubdirectories);
+    Compare(wanted, "expand 10,000 subdirectories", {.ratio = 2}, Expanding(path), "the same reads",
+            {[&](int) { BareExpand(path); }});
+}
+
+double MedianOf(const Side& side)
+{
+    std::vector<double> times;
+    for (int run = 0; run < kRuns; ++run) {
+        side.prepare(run);
+        times.push_back(Milliseconds([&] { side.work(run); }));
+    }
+    return Median(times);
+}
+
+/// One row: what a step takes in directories of growing size, and by how much it grew where that
+/// shows best, from 10,000 on.
+void PrintGrowth(const char* name, const std::vector<int>& counts, const std::function<Side(int)>& step)
+{
+    if (std::string(name).find(wanted) == std::string::npos) {
+        return;
+    }
+    std::printf("| %s |", name);
+    std::vector<double> times;
+    for (const int count : counts) {
+        times.push_back(MedianOf(step(count)));
+        std::printf(" %.2f ms |", times.back());
+    }
+    for (std::size_t i = 2; i < times.size(); ++i) {
+        std::printf(" %.1f |", times[i] / times[i - 1]);
+    }
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
+/// Ten times as many entries may take this many times as long, at n log n.
+double Allowed(double from)
+{
+    return 10 * std::log(10 * from) / std::log(from);
+}
+
+void MeasureGrowth()
+{
+    const std::vector<int> counts = {1'000, 10'000, kEntries, kMillion};
+    std::printf(
+        "\n| step | 1,000 | 10,000 | 100,000 | 1,000,000 | to 100,000 (n log n: %.1f) "
+        "| to 1,000,000 (n log n: %.1f) |\n|---|---|---|---|---|---|---|\n",
+        Allowed(1e4), Allowed(1e5));
+    const auto listed = [](Side (*step)()) {
+        return [step](int count) {
+            Enter(ManyFiles(count));
+            return step();
+        };
+    };
+    PrintGrowth("growth: bare readdir + fstatat", counts,
+                [](int count) { return Side{[path = ManyFiles(count)](int) { BareRead(path); }}; });
+    PrintGrowth("growth: open and paint", counts,
+                [](int count) { return Side{[path = ManyFiles(count)](int) { OpenAndPaint(path); }}; });
+    PrintGrowth("growth: select all", counts, listed(SelectingAll));
+    PrintGrowth("growth: invert", counts, listed(Inverting));
+    PrintGrowth("growth: select by pattern", counts, listed(SelectingScattered));
+    PrintGrowth("growth: sort by name", counts, listed([] { return Sorting(COLUMN_NAME); }));
+    PrintGrowth("growth: std::stable_sort of names", counts, listed([] { return SortingPlainly(COLUMN_NAME); }));
+    PrintGrowth("growth: sort by i Node number", counts, listed([] { return Sorting(COLUMN_INODE); }));
+    PrintGrowth("growth: std::stable_sort of numbers", counts, listed([] { return SortingPlainly(COLUMN_INODE); }));
+    PrintGrowth("growth: sort by permission", counts, listed([] { return Sorting(COLUMN_PERMISSION); }));
+    PrintGrowth("growth: sort by modification time", counts, listed([] { return Sorting(COLUMN_MODIFICATION_TIME); }));
+    PrintGrowth("growth: expand", {1'000, 10'000, kEntries},
+                [](int count) { return Expanding(ManyDirectories(count)); });
 }
 
 }  // namespace
-
-BENCHMARK(ListBare)->Unit(benchmark::kMillisecond);
-BENCHMARK(ListDisplayFileList)->Unit(benchmark::kMillisecond);
-BENCHMARK(ListDisplayAndPaint)->Unit(benchmark::kMillisecond);
-BENCHMARK(SortByColumn)->DenseRange(COLUMN_NAME, COLUMN_INODE)->Unit(benchmark::kMillisecond);
-BENCHMARK(SelectAll)->Unit(benchmark::kMillisecond);
-BENCHMARK(SelectScattered)->Unit(benchmark::kMillisecond);
-BENCHMARK(InvertScattered)->Unit(benchmark::kMillisecond);
-BENCHMARK(KeyWithAllSelected)->Unit(benchmark::kMillisecond)->Iterations(10);
-BENCHMARK(ExpandBare)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ExpandInTree, read, false)->Unit(benchmark::kMillisecond)->Iterations(10);
-BENCHMARK_CAPTURE(ExpandInTree, read_and_paint, true)->Unit(benchmark::kMillisecond)->Iterations(10);
 
 int main(int argc, char** argv)
 {
     const BenchDirectory scratch;
     top = scratch.Path();
     gtk_init(&argc, &argv);
-    benchmark::Initialize(&argc, argv);
-    MakeDirectories();
-    StartAmongManyFiles();
-    benchmark::RunSpecifiedBenchmarks();
+    wanted = argc > 1 ? argv[1] : "";
+    StartFennick(top);
+    MeasureOpening();
+    MeasureRows();
+    MeasureExpanding();
+    MeasureGrowth();
     return 0;
 }

@@ -20,7 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kRuns = 5;  // As many as Compare makes.
 constexpr int kFiles = 10'000;
 constexpr int kDirectories = 110;
 constexpr std::size_t kLargeBytes = std::size_t{1} << 30;
@@ -76,23 +75,19 @@ void MakeTree()
 void Measure()
 {
     const auto at = [](const char* name, int run) { return top + "/" + name + std::to_string(run); };
-    Compare(
-        wanted, "copy 10,000 files", [&](int run) { Copy(top + "/tree/", at("ours", run)); },
-        [&](int run) { Tool("cp -a " + top + "/tree " + at("tool", run) + " && sync"); });
-    Compare(
-        wanted, "count 10,000 files", [&](int) { CountOperationFile(top + "/tree/"); },
-        [&](int) { Tool("find " + top + "/tree > /dev/null"); });
-    for (int run = 0; run < kRuns; ++run) {
-        for (const char* const name : {"doomed", "tool-doomed"}) {
-            Tool("cp -a " + top + "/tree " + at(name, run));
-        }
-    }
-    Compare(
-        wanted, "delete 10,000 files", [&](int run) { Delete(at("doomed", run) + "/"); },
-        [&](int run) { Tool("rm -rf " + at("tool-doomed", run) + " && sync"); });
-    Compare(
-        wanted, "copy 1 GiB", [&](int run) { Copy(top + "/large", at("our-large", run)); },
-        [&](int run) { Tool("cp " + top + "/large " + at("tool-large", run) + " && sync"); });
+    const auto doom = [&](const char* name) {
+        return [&at, name](int run) { Tool("cp -a " + top + "/tree " + at(name, run)); };
+    };
+    const auto goal = [](double ratio) { return Goal{.ratio = ratio, .pause = 100}; };
+    Compare(wanted, "copy 10,000 files", goal(1.3), {[&](int run) { Copy(top + "/tree/", at("ours", run)); }},
+            "cp -a, sync", {[&](int run) { Tool("cp -a " + top + "/tree " + at("tool", run) + " && sync"); }});
+    Compare(wanted, "count 10,000 files", goal(1.2), {[&](int) { CountOperationFile(top + "/tree/"); }}, "find",
+            {[&](int) { Tool("find " + top + "/tree > /dev/null"); }});
+    Compare(wanted, "delete 10,000 files", goal(1.3),
+            {[&](int run) { Delete(at("doomed", run) + "/"); }, doom("doomed")}, "rm -rf, sync",
+            {[&](int run) { Tool("rm -rf " + at("tool-doomed", run) + " && sync"); }, doom("tool-doomed")});
+    Compare(wanted, "copy 1 GiB", goal(1.1), {[&](int run) { Copy(top + "/large", at("our-large", run)); }}, "cp, sync",
+            {[&](int run) { Tool("cp " + top + "/large " + at("tool-large", run) + " && sync"); }});
 }
 
 }  // namespace

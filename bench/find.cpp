@@ -64,12 +64,11 @@ int main(int argc, char** argv)
     MakeTree(top);
     StartFennick(top);
     const auto measure = [&](const char* name, const char* pattern) {
-        Compare(
-            argc > 1 ? argv[1] : "", name, [&](int) { Find(top, pattern); },
-            [&](int) { Tool("find " + top + " -name '" + pattern + "' > /dev/null"); });
+        Compare(argc > 1 ? argv[1] : "", name, {.ratio = 1.5, .pause = 100}, {[&](int) { Find(top, pattern); }}, "find",
+                {[&](int) { Tool("find " + top + " -name '" + pattern + "' > /dev/null"); }});
     };
-    measure("5,000 of 500,000 files", "one-*");
-    measure("100,000 of 500,000 files", "many-*");
-    measure("none of 500,000 files", "no such*");
+    measure("find 5,000 of 500,000 files", "one-*");
+    measure("find 100,000 of 500,000 files", "many-*");
+    measure("find none of 500,000 files", "no such*");
     return 0;
 }

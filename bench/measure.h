@@ -66,35 +66,88 @@ inline double Median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
-/// Each is told which run it is. Prints nothing unless wanted is part of the name.
-inline void Compare(const std::string& wanted, const char* name, const std::function<void(int)>& ours,
-                    const std::function<void(int)>& tool)
+constexpr int kRuns = 5;
+
+/// What is timed, and what is done before it each time. Both are told which run it is.
+struct Side {
+    std::function<void(int)> work;
+    std::function<void(int)> prepare = [](int) {};
+};
+
+/// At most; 0 asks for nothing.
+struct Goal {
+    double ratio = 0;
+    double milliseconds = 0;
+    /// Of the main loop, milliseconds.
+    double pause = 0;
+};
+
+/// Median of the runs, with the least and the most.
+struct Times {
+    double median;
+    double least;
+    double most;
+    explicit Times(const std::vector<double>& runs)
+        : median(Median(runs)),
+          least(*std::min_element(runs.begin(), runs.end())),
+          most(*std::max_element(runs.begin(), runs.end()))
+    {
+    }
+    std::string Text() const
+    {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.*f ms (%.*f to %.*f)", Digits(), median, Digits(), least, Digits(), most);
+        return text;
+    }
+
+private:
+    int Digits() const { return median < 10 ? 2 : 0; }
+};
+
+inline std::string GoalText(const Goal& goal)
 {
-    constexpr int kRuns = 5;
+    std::string text;
+    const auto append = [&text](double limit, const char* format) {
+        char part[48];
+        std::snprintf(part, sizeof part, format, limit);
+        text += limit > 0 ? (text.empty() ? "" : ", ") + std::string(part) : "";
+    };
+    append(goal.ratio, "ratio %.1f");
+    append(goal.milliseconds, "%.0f ms");
+    append(goal.pause, "pause %.0f ms");
+    return text;
+}
+
+/// Measures both sides in turns and prints one row of a table: the work, ours, what it is compared
+/// with, the ratio, the longest pause of the main loop, the goal and whether it is met. Prints
+/// nothing unless wanted is part of the name.
+inline void Compare(const std::string& wanted, const char* name, const Goal& goal, const Side& ours,
+                    const char* against, const Side& other)
+{
     if (std::string(name).find(wanted) == std::string::npos) {
         return;
     }
     std::vector<double> our_times;
-    std::vector<double> tool_times;
-    double longest_pause = 0;
+    std::vector<double> other_times;
+    double pause = 0;
     for (int run = 0; run < kRuns; ++run) {
         // In changing order, so that neither always finds what the other left.
         for (const bool is_ours : {run % 2 == 0, run % 2 != 0}) {
+            const Side& side = is_ours ? ours : other;
+            side.prepare(run);
             sync();
-            if (is_ours) {
-                PauseMeter meter;
-                our_times.push_back(Milliseconds([&] { ours(run); }));
-                longest_pause = std::max(longest_pause, meter.Longest());
-            } else {
-                tool_times.push_back(Milliseconds([&] { tool(run); }));
-            }
+            PauseMeter meter;
+            (is_ours ? our_times : other_times).push_back(Milliseconds([&] { side.work(run); }));
+            pause = is_ours ? std::max(pause, meter.Longest()) : pause;
         }
     }
-    const auto [our_least, our_most] = std::minmax_element(our_times.begin(), our_times.end());
-    const auto [tool_least, tool_most] = std::minmax_element(tool_times.begin(), tool_times.end());
-    std::printf("%-24s %7.0f ms (%.0f to %.0f)  tool %7.0f ms (%.0f to %.0f)  ratio %.2f  longest pause %.0f ms\n",
-                name, Median(our_times), *our_least, *our_most, Median(tool_times), *tool_least, *tool_most,
-                Median(our_times) / Median(tool_times), longest_pause);
+    const Times us(our_times);
+    const Times them(other_times);
+    const double ratio = us.median / them.median;
+    const auto within = [](double value, double limit) { return limit <= 0 || value <= limit; };
+    const bool met = within(ratio, goal.ratio) && within(us.median, goal.milliseconds) && within(pause, goal.pause);
+    std::printf("| %s | %s | %s: %s | %.2f | %.0f ms | %s | %s |\n", name, us.Text().c_str(), against,
+                them.Text().c_str(), ratio, pause, GoalText(goal).c_str(), met ? "met" : "**missed**");
     std::fflush(stdout);
 }
 
