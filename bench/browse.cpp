@@ -374,6 +374,9 @@ double Allowed(double from)
 
 void MeasureGrowth()
 {
+    if (!wanted.empty() && !wanted.starts_with("growth")) {
+        return;
+    }
     const std::vector<int> counts = {1'000, 10'000, kEntries, kMillion};
     std::printf(
         "\n| step | 1,000 | 10,000 | 100,000 | 1,000,000 | to 100,000 (n log n: %.1f) "

@@ -267,6 +267,9 @@ GtkWidget* CreateScroll()
 {
     GtkWidget* const scroll = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_AUTOMATIC, GTK_POLICY_AUTOMATIC);
+    // Bars that stay say where in a long list one is. Those that fade in and out are animated for two
+    // seconds each time, also when the window comes up, and lie over the last row.
+    gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scroll), FALSE);
     gtk_widget_show(scroll);
     return scroll;
 }
