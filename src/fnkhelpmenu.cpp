@@ -15,16 +15,9 @@ namespace {
 
 constexpr int kSpacing = 5;
 constexpr const char* kInstalledManual = FENNICK_HELP_DIR "/fennick.htm";
-/// Told from the directory above that of the program: in an installation that was moved, and in the
-/// sources that the program was built from.
+/// Told from the directory above that of the program: in an installation, wherever it was moved, and
+/// in the sources that the program was built from.
 constexpr const char* kManualsBeside[] = {"share/fennick/Help/fennick.htm", "help/fennick.htm"};
-
-/// Where this program stands; empty when that cannot be told.
-std::string GetProgramDirectory()
-{
-    std::string program;
-    return ReadLink("/proc/self/exe", program) ? GetParentDirectory(program) : std::string();
-}
 
 void AddNotice(GtkWidget* vbox)
 {
@@ -53,12 +46,10 @@ void CreateAbortDlg()
 
 std::string FindManual(const std::string& program_directory)
 {
-    if (access(kInstalledManual, R_OK) != 0) {
-        for (const char* const beside : kManualsBeside) {
-            const std::string path = GetParentDirectory(program_directory) + beside;
-            if (access(path.c_str(), R_OK) == 0) {
-                return path;
-            }
+    for (const char* const beside : kManualsBeside) {
+        const std::string path = GetParentDirectory(program_directory) + beside;
+        if (access(path.c_str(), R_OK) == 0) {
+            return path;
         }
     }
     return kInstalledManual;

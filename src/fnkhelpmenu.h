@@ -8,8 +8,8 @@
 /// Says which program this is.
 void CreateAbortDlg();
 
-/// The file of the manual: the installed one, or else the one beside a program that stands in
-/// program_directory, which ends in "/". Where there is none, the place where it is missed.
+/// The file of the manual: the one that was installed, or built, with a program that stands in
+/// program_directory, which ends in "/"; or else the place where it is usually installed.
 std::string FindManual(const std::string& program_directory);
 
 /// Has the web browser show the manual.

@@ -334,6 +334,12 @@ pid_t ExecFennick()
     return StartDetached(files, arguments);
 }
 
+std::string GetProgramDirectory()
+{
+    std::string program;
+    return ReadLink(kOwnFile, program) ? GetParentDirectory(program) : std::string();
+}
+
 void RaiseOpenFileLimit()
 {
     // Two for each directory of the deepest path there can be, many times over.

@@ -55,6 +55,9 @@ pid_t ExecProcess(const std::string& program, const std::string& argument, const
 /// that this process runs.
 pid_t ExecFennick();
 
+/// Where the file of this program stands, ending in "/"; empty when that cannot be told.
+std::string GetProgramDirectory();
+
 /// Lets this process have many files open, as far as the system allows: a walk through a deep
 /// tree keeps every directory on the way open. Programs that are started get the limit it had before.
 void RaiseOpenFileLimit();

@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
+#include <string>
 
 #include "fnkdirtree.h"
 #include "fnkmainwindow-record.h"
@@ -18,6 +20,7 @@
 #include "fnktable.h"
 #include "fnkutil-launch.h"
 #include "fnkutil-widget.h"
+#include "fnkutil.h"
 #include "fnkversion.h"
 
 namespace {
@@ -55,13 +58,57 @@ void InstallSignalHandler()
     }
 }
 
-void StartToolkit(int* argc, char*** argv)
+/// The catalogues of this very program, if it was installed elsewhere than it was built for.
+std::string LocaleDirectory()
 {
-    bindtextdomain("fennick", FENNICK_LOCALE_DIR);
+    const std::string shared = GetParentDirectory(GetProgramDirectory()) + "share/";
+    return IsDirectory(shared + "fennick") ? shared + "locale" : FENNICK_LOCALE_DIR;
+}
+
+/// One picture in the sizes of title bars, window lists and panels, for every window. They are in
+/// the program, so that they are there before it is installed, too.
+void SetWindowIcons()
+{
+    GList* icons = nullptr;
+    for (const int size : {16, 24, 32, 48, 64, 128}) {
+        const std::string path = "/fennick/icons/" + std::to_string(size) + ".png";
+        if (GdkPixbuf* const icon = gdk_pixbuf_new_from_resource(path.c_str(), nullptr)) {
+            icons = g_list_append(icons, icon);
+        }
+    }
+    gtk_window_set_default_icon_list(icons);
+    g_list_free_full(icons, g_object_unref);
+}
+
+/// Names are UTF-8 wherever they are shown, so a locale that this machine has not got gives way to
+/// one without a language.
+void StartLocale()
+{
+    if (std::setlocale(LC_ALL, "") == nullptr) {
+        std::setlocale(LC_ALL, "C.UTF-8");
+    }
+    gtk_disable_setlocale();
+    bindtextdomain("fennick", LocaleDirectory().c_str());
     bind_textdomain_codeset("fennick", "UTF-8");
     textdomain("fennick");
+}
+
+/// Without a display this says so, and is false.
+bool StartToolkit(int* argc, char*** argv)
+{
     gdk_set_allowed_backends("x11,*");
-    gtk_init(argc, argv);
+    if (gtk_init_check(argc, argv)) {
+        SetWindowIcons();
+        return true;
+    }
+    const char* const option = gdk_get_display_arg_name();
+    const char* const display = option != nullptr ? option : std::getenv("DISPLAY");
+    if (display == nullptr || *display == '\0') {
+        std::fprintf(stderr, "%s\n", _("fennick: there is no display to open a window on, DISPLAY is not set"));
+    } else {
+        std::fprintf(stderr, _("fennick: cannot open the display %s\n"), display);
+    }
+    return false;
 }
 
 }  // namespace
@@ -75,7 +122,10 @@ int main(int argc, char** argv)
     }
     RaiseOpenFileLimit();
     signal(SIGXFSZ, SIG_IGN);  // A file that grows too large is to be reported, not to end the program.
-    StartToolkit(&argc, &argv);
+    StartLocale();
+    if (!StartToolkit(&argc, &argv)) {
+        return 1;
+    }
     if (InitGlobalTable() != 0) {
         TerminateGlobalTable();
         return 0;

@@ -44,10 +44,10 @@ def run(*command):
 class Fennick:
     """A running program and its window."""
 
-    def __init__(self, home, *arguments):
+    def __init__(self, home, *arguments, **variables):
         self.home = home
         self.errors = tempfile.TemporaryFile()
-        environment = dict(os.environ, HOME=home, LC_ALL="C.UTF-8")
+        environment = {**os.environ, "HOME": home, "LC_ALL": "C.UTF-8", **variables}
         # A button that comes up under the pointer would show its tip.
         run("xdotool", "mousemove", "10000", "10000")
         self.process = subprocess.Popen([PROGRAM, *arguments], env=environment, stderr=self.errors)
@@ -58,9 +58,12 @@ class Fennick:
         run("xdotool", "windowactivate", self.window)
         wait_for("the focus", lambda: run("xdotool", "getactivewindow").strip() == self.window)
 
+    def windows_called(self, name):
+        search = ["xdotool", "search", "--all", "--onlyvisible", "--pid", str(self.process.pid), "--name", name]
+        return subprocess.run(search, capture_output=True, text=True).stdout.split()
+
     def find_window(self):
-        search = ["xdotool", "search", "--all", "--onlyvisible", "--pid", str(self.process.pid), "--name", "^Fennick$"]
-        found = subprocess.run(search, capture_output=True, text=True).stdout.split()
+        found = self.windows_called("^Fennick$")
         assert self.process.poll() is None, f"ended at its start with {self.process.returncode}"
         return found[0] if found else None
 
@@ -160,8 +163,8 @@ class Program(unittest.TestCase):
                 fennick.process.wait()
             fennick.errors.close()
 
-    def start(self, *arguments):
-        self.running.append(Fennick(self.home, *arguments))
+    def start(self, *arguments, **variables):
+        self.running.append(Fennick(self.home, *arguments, **variables))
         return self.running[-1]
 
     def file(self, name, size=0):
@@ -180,6 +183,41 @@ class Program(unittest.TestCase):
         self.assertEqual(done.returncode, 0)
         self.assertTrue(done.stdout.startswith("Fennick  Version 1.01 2001/07/27\nCopyright (C) "))
         self.assertEqual(done.stderr, "")
+
+    def test_without_a_display_it_says_so(self):
+        for display, sentence in [(None, "there is no display to open a window on, DISPLAY is not set"),
+                                  ("", "there is no display to open a window on, DISPLAY is not set"),
+                                  ("nowhere:7", "cannot open the display nowhere:7")]:
+            environment = dict(os.environ, HOME=self.home, DISPLAY=display or "")
+            if display is None:
+                del environment["DISPLAY"]
+            done = subprocess.run([PROGRAM], env=environment, capture_output=True, text=True)
+            self.assertEqual((done.returncode, done.stdout, done.stderr), (1, "", f"fennick: {sentence}\n"))
+        self.assertEqual(os.listdir(self.home), [])
+
+    def test_a_desktop_knows_its_windows(self):
+        fennick = self.start(DESKTOP_STARTUP_ID="launcher-7_TIME0")
+
+        def prop(window, name):
+            form = ["32c"] if name == "_NET_WM_ICON" else []
+            return run("xprop", "-id", window, "-notype", *form, name).split("=", 1)[-1].strip()
+
+        self.assertEqual(prop(fennick.window, "WM_CLASS"), '"fennick", "Fennick"')
+        leader = prop(fennick.window, "WM_CLIENT_LEADER").split()[-1]
+        self.assertEqual(prop(leader, "_NET_STARTUP_ID"), '"launcher-7_TIME0"')
+        fennick.keys("alt+h", "Up", "Return")
+        notice = wait_for("the notice", lambda: fennick.windows_called("^Abort$"))[0]
+        for window in (fennick.window, notice):
+            # Each picture is its width, its height and its pixels.
+            numbers = [int(number) for number in prop(window, "_NET_WM_ICON").split(",")]
+            sizes = []
+            while numbers:
+                sizes.append(tuple(numbers[:2]))
+                del numbers[:2 + numbers[0] * numbers[1]]
+            self.assertEqual(sizes, [(size, size) for size in (16, 24, 32, 48, 64, 128)])
+        fennick.keys("Return")
+        wait_for("the end of the notice", lambda: not fennick.windows_called("^Abort$"))
+        self.assertEqual(fennick.close(), "")
 
     def test_a_day_at_mouse_and_keys(self):
         for name, size in [("dir/inner/x", 0), ("a", 1000), ("b", 2000), ("c", 3000)]:

@@ -1,0 +1,122 @@
+#!/usr/bin/python3
+"""What the build installs: that everything is where it belongs, that desktops understand it, and that
+a directory opens from another program. The first argument is the build directory."""
+
+import os
+import re
+import shutil
+import stat
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+BUILD = os.path.abspath(sys.argv.pop(1))
+DEADLINE = 20
+
+FILES = {
+    "bin/fennick",
+    "share/applications/fennick-folder-handler.desktop",
+    "share/applications/fennick.desktop",
+    "share/doc/fennick/extension.example",
+    "share/fennick/Help/fennick.htm",
+    "share/icons/hicolor/scalable/apps/fennick.svg",
+    *(f"share/icons/hicolor/{size}x{size}/apps/fennick.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)),
+    "share/man/man1/fennick.1",
+    "share/metainfo/alt.fennick.fennick.metainfo.xml",
+}
+CATALOGUE = re.compile("share/locale/[a-zA-Z_]+/LC_MESSAGES/fennick.mo")
+
+
+def run(*command, **how):
+    return subprocess.run(command, check=True, capture_output=True, text=True, **how)
+
+
+class Installed(unittest.TestCase):
+    @classmethod
+    def scratch(cls):
+        directory = tempfile.mkdtemp(prefix="fennick-test.")
+        cls.addClassCleanup(shutil.rmtree, directory)
+        return directory
+
+    @classmethod
+    def setUpClass(cls):
+        directory = cls.scratch()
+        cls.directory = Path(directory)
+        with open(f"{BUILD}/CMakeCache.txt", encoding="utf-8") as cache:
+            cls.prefix = re.search("^CMAKE_INSTALL_PREFIX:PATH=(.*)", cache.read(), re.MULTILINE)[1]
+        run("cmake", "--install", BUILD, env=dict(os.environ, DESTDIR=directory))
+        cls.root = Path(directory + cls.prefix)
+
+    def test_every_file_is_where_it_belongs(self):
+        found = {str(path.relative_to(self.directory)): path.lstat().st_mode
+                 for path in self.directory.rglob("*") if not path.is_dir()}
+        prefix = self.prefix.lstrip("/") + "/"
+        outside = [name for name in found if not name.startswith(prefix)]
+        inside = {name.removeprefix(prefix) for name in found}
+        self.assertEqual(outside, [])
+        self.assertEqual({name for name in inside if not CATALOGUE.fullmatch(name)}, FILES)
+        for name, mode in found.items():
+            program = name.startswith(prefix + "bin/")
+            self.assertEqual(oct(mode), oct(stat.S_IFREG | (0o755 if program else 0o644)), name)
+
+    def test_the_program_runs_and_knows_where_its_files_are(self):
+        program = self.root / "bin/fennick"
+        version = run(program, "--version", env={}).stdout
+        self.assertTrue(version.startswith("Fennick  Version "), version)
+        with open(f"{BUILD}/compile_commands.json", encoding="utf-8") as file:
+            compiled = set(re.findall(r'-D(FENNICK_\w+)=\\+"(/[^\\"]*)', file.read()))
+        self.assertLessEqual({("FENNICK_HELP_DIR", f"{self.prefix}/share/fennick/Help"),
+                              ("FENNICK_LOCALE_DIR", f"{self.prefix}/share/locale")}, compiled)
+        page = (self.root / "share/man/man1/fennick.1").read_text()
+        self.assertNotIn("@", page)
+        for name in ("share/doc/fennick/extension.example", "share/fennick/Help/fennick.htm", "share/locale/"):
+            self.assertIn(f"{self.prefix}/{name}", page)
+        number, date = version.split()[2:4]
+        self.assertIn(f'<release version="{number}" date="{date.replace("/", "-")}"/>',
+                      (self.root / "share/metainfo/alt.fennick.fennick.metainfo.xml").read_text())
+
+    def test_what_describes_it_is_valid(self):
+        share = self.root / "share"
+        entries = sorted((share / "applications").iterdir())
+        self.assertEqual(run("desktop-file-validate", *entries).stdout, "")
+        metainfo = share / "metainfo/alt.fennick.fennick.metainfo.xml"
+        checked = subprocess.run(["appstreamcli", "validate", "--no-net", metainfo], capture_output=True, text=True)
+        self.assertEqual(checked.returncode, 0, checked.stdout)
+        page = run("man", "--warnings", "--local-file", share / "man/man1/fennick.1", env=dict(os.environ, MANWIDTH="80"))
+        self.assertEqual(page.stderr, "")
+        for word in ("--root", "--home", "--version", "EXIT STATUS", "~/.fennick"):
+            self.assertIn(word, page.stdout)
+
+    def test_every_icon_has_its_size(self):
+        for path in self.root.glob("share/icons/hicolor/*x*/apps/*.png"):
+            header = path.read_bytes()[:24]
+            size = struct.unpack(">II", header[16:])
+            self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
+
+    def test_a_directory_opens_from_another_program(self):
+        home = Path(self.scratch())
+        moved = home / "moved"
+        # Not below DESTDIR: this way the index of programs is made as well.
+        run("cmake", "--install", BUILD, "--prefix", moved)
+        report = home / "report"
+        program = moved / "bin/fennick"
+        program.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" >'{report}.new'\nmv '{report}.new' '{report}'\n")
+        variables = dict(HOME=str(home), XDG_DATA_DIRS=f"{moved}/share:/usr/share", XDG_CURRENT_DESKTOP="",
+                         PATH=f"{moved}/bin:" + os.environ["PATH"])
+        for name in ("plain", "with blank", "Ümläut", "100%20 'of' \"$it\""):
+            directory = home / name
+            directory.mkdir()
+            run("gio", "open", directory, env=dict(os.environ, **variables))
+            end = time.monotonic() + DEADLINE
+            while not report.exists() and time.monotonic() < end:
+                time.sleep(0.01)
+            self.assertEqual(report.read_text(), f"2\n--root\n{directory}\n")
+            report.unlink()
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
