@@ -1,8 +1,12 @@
 #include "fnkstring.h"
 
+#include <unistd.h>
+
 #include <array>
 
+#include "fnkraii.h"
 #include "fnktable.h"
+#include "fnkutil.h"
 
 namespace {
 
@@ -66,6 +70,19 @@ std::string Translate(const std::array<const char*, kCount>& table, int index)
     return gettext(table[static_cast<std::size_t>(index)]);
 }
 
+/// In any language. The directory belongs to everybody, so that it being there says nothing.
+bool HasCatalogue(const std::string& directory)
+{
+    const DirectoryStream stream(opendir(directory.c_str()));
+    const dirent* entry = nullptr;
+    while (stream != nullptr && (entry = readdir(stream.get())) != nullptr) {
+        if (access((WithSlash(directory) + entry->d_name + "/LC_MESSAGES/fennick.mo").c_str(), R_OK) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 std::string UnlessTooLong(const std::string& tip)
 {
     return tip.size() <= kMaxTipBytes ? tip : std::string();
@@ -98,4 +115,18 @@ int GetListStringColumn(const char* title)
         ++id;
     }
     return id;
+}
+
+std::string FindCatalogues(const std::string& program_directory)
+{
+    if (!program_directory.empty()) {
+        // Where it was installed, be it moved since, and in the build.
+        for (const std::string& beside :
+             {GetParentDirectory(program_directory) + "share/locale", program_directory + "locale"}) {
+            if (HasCatalogue(beside)) {
+                return beside;
+            }
+        }
+    }
+    return FENNICK_LOCALE_DIR;
 }

@@ -23,3 +23,7 @@ std::string GetToolTipsString(int slot);
 std::string GetListColumnString(int id);
 /// The ColumnId of which title is the translated title; 11 when there is none, 0 for null.
 int GetListStringColumn(const char* title);
+
+/// The directory of the message catalogues: those that belong to the program in that directory, or
+/// else where they are installed.
+std::string FindCatalogues(const std::string& program_directory);

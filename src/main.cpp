@@ -20,7 +20,6 @@
 #include "fnktable.h"
 #include "fnkutil-launch.h"
 #include "fnkutil-widget.h"
-#include "fnkutil.h"
 #include "fnkversion.h"
 
 namespace {
@@ -58,13 +57,6 @@ void InstallSignalHandler()
     }
 }
 
-/// The catalogues of this very program, if it was installed elsewhere than it was built for.
-std::string LocaleDirectory()
-{
-    const std::string shared = GetParentDirectory(GetProgramDirectory()) + "share/";
-    return IsDirectory(shared + "fennick") ? shared + "locale" : FENNICK_LOCALE_DIR;
-}
-
 /// One picture in the sizes of title bars, window lists and panels, for every window. They are in
 /// the program, so that they are there before it is installed, too.
 void SetWindowIcons()
@@ -88,7 +80,7 @@ void StartLocale()
         std::setlocale(LC_ALL, "C.UTF-8");
     }
     gtk_disable_setlocale();
-    bindtextdomain("fennick", LocaleDirectory().c_str());
+    bindtextdomain("fennick", FindCatalogues(GetProgramDirectory()).c_str());
     bind_textdomain_codeset("fennick", "UTF-8");
     textdomain("fennick");
 }
@@ -136,7 +128,7 @@ int main(int argc, char** argv)
     InstallSignalHandler();
     GtkWidget* const window = CreateMainWindow();
     if (window == nullptr) {
-        std::fprintf(stderr, "fennick: cannot read the directory %s\n", pGTable->RootDir.c_str());
+        std::fprintf(stderr, _("fennick: cannot read the directory %s\n"), pGTable->RootDir.c_str());
         return 0;
     }
     gtk_widget_show(window);
