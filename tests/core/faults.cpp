@@ -1,14 +1,12 @@
 // Copying, moving and deleting while the system fails them: whichever call it is, and whatever the
 // user answers, nothing that was there may be lost, and nothing half done be left.
 
-#include <dirent.h>
-#include <fcntl.h>
+#include "faults.h"
+
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <cstdarg>
 #include <filesystem>
 #include <functional>
 #include <set>
@@ -16,111 +14,6 @@
 #include "child.h"
 #include "enginetest.h"
 #include "fnkfiles-delete.h"
-
-namespace {
-
-/// Calls to go until one fails; negative while none is to fail.
-std::atomic<int> calls_to_go = -1;
-std::atomic<int> calls_made = 0;
-int failure = 0;
-/// Done at that call instead of failing it, if there is one.
-std::function<void()> at_call;
-std::atomic<bool> is_testing_faults = false;
-/// Knows neither files without a name nor renaming that replaces nothing.
-bool is_old_file_system = false;
-
-bool FailsNow()
-{
-    if (calls_to_go < 0) {
-        return false;
-    }
-    ++calls_made;
-    if (calls_to_go.fetch_sub(1) != 1) {
-        return false;
-    }
-    calls_to_go = 1'000'000;  // One failure is enough; the rest is only counted.
-    if (at_call) {
-        calls_to_go = -1;
-        at_call();
-        calls_to_go = 1'000'000;
-        return false;
-    }
-    errno = failure;
-    return true;
-}
-
-}  // namespace
-
-// The linker leads every call of the engine here.
-#define WRAP(type, call, bad, parameters, ...)                  \
-    extern "C" type __real_##call parameters;                   \
-    extern "C" type __wrap_##call parameters;                   \
-    extern "C" type __wrap_##call parameters                    \
-    {                                                           \
-        return FailsNow() ? (bad) : __real_##call(__VA_ARGS__); \
-    }
-
-// Nothing here has to survive a failing machine, and the disk is slow.
-extern "C" int __real_fdatasync(int fd);
-extern "C" int __wrap_fdatasync(int fd);
-extern "C" int __wrap_fdatasync(int fd)
-{
-    return FailsNow() ? -1 : calls_to_go < 0 ? __real_fdatasync(fd) : 0;
-}
-extern "C" void __real_sync();
-extern "C" void __wrap_sync();
-extern "C" void __wrap_sync()
-{
-    if (!is_testing_faults) {
-        __real_sync();
-    }
-}
-
-WRAP(int, access, -1, (const char* path, int mode), path, mode)
-WRAP(int, faccessat, -1, (int at, const char* path, int mode, int flags), at, path, mode, flags)
-WRAP(int, lstat, -1, (const char* path, struct stat* st), path, st)
-WRAP(int, fstat, -1, (int fd, struct stat* st), fd, st)
-WRAP(int, fstatat, -1, (int at, const char* path, struct stat* st, int flags), at, path, st, flags)
-WRAP(int, statx, -1, (int at, const char* path, int flags, unsigned mask, struct statx* st), at, path, flags, mask, st)
-WRAP(ssize_t, readlink, -1, (const char* path, char* text, size_t size), path, text, size)
-WRAP(ssize_t, readlinkat, -1, (int at, const char* path, char* text, size_t size), at, path, text, size)
-WRAP(DIR*, fdopendir, nullptr, (int fd), fd)
-WRAP(struct dirent*, readdir, nullptr, (DIR * stream), stream)
-WRAP(off_t, lseek, -1, (int fd, off_t to, int whence), fd, to, whence)
-WRAP(ssize_t, pread, -1, (int fd, void* data, size_t size, off_t at), fd, data, size, at)
-WRAP(ssize_t, pwrite, -1, (int fd, const void* data, size_t size, off_t at), fd, data, size, at)
-WRAP(ssize_t, copy_file_range, -1, (int from, off_t* at, int to, off_t* there, size_t size, unsigned flags), from, at,
-     to, there, size, flags)
-WRAP(int, ftruncate, -1, (int fd, off_t size), fd, size)
-WRAP(int, chmod, -1, (const char* path, mode_t mode), path, mode)
-WRAP(int, fchmod, -1, (int fd, mode_t mode), fd, mode)
-WRAP(int, fchmodat, -1, (int at, const char* path, mode_t mode, int flags), at, path, mode, flags)
-WRAP(int, mkdirat, -1, (int at, const char* path, mode_t mode), at, path, mode)
-WRAP(int, symlinkat, -1, (const char* text, int at, const char* path), text, at, path)
-WRAP(int, linkat, -1, (int from, const char* path, int to, const char* name, int flags), from, path, to, name, flags)
-WRAP(int, unlinkat, -1, (int at, const char* path, int flags), at, path, flags)
-WRAP(int, renameat, -1, (int from, const char* path, int to, const char* name), from, path, to, name)
-WRAP(int, open, -1, (const char* path, int flags, mode_t mode), path, flags, mode)
-extern "C" int __real_openat(int at, const char* path, int flags, mode_t mode);
-extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode);
-extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode)
-{
-    if (is_old_file_system && (flags & O_TMPFILE) == O_TMPFILE) {
-        errno = EOPNOTSUPP;
-        return -1;
-    }
-    return FailsNow() ? -1 : __real_openat(at, path, flags, mode);
-}
-extern "C" int __real_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
-extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
-extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags)
-{
-    if (is_old_file_system) {
-        errno = EINVAL;
-        return -1;
-    }
-    return FailsNow() ? -1 : __real_renameat2(from, path, to, name, flags);
-}
 
 namespace {
 
@@ -136,12 +29,12 @@ constexpr const char* kSourceFiles[] = {"t/plain", "t/sub/leaf", "t/sub/deep/lar
 
 class FaultTest : public EngineTest {
 protected:
-    FaultTest() { is_testing_faults = true; }
+    FaultTest() { faults.spares_disk = true; }
     ~FaultTest() override
     {
-        calls_to_go = -1;
-        is_testing_faults = is_old_file_system = false;
-        at_call = nullptr;
+        faults.Disarm();
+        faults.spares_disk = faults.is_old_file_system = false;
+        faults.at_call = nullptr;
     }
 
     void MakeSource() const
@@ -208,7 +101,7 @@ protected:
             if (kIsSlow && error != EIO) {
                 continue;
             }
-            is_old_file_system = old_file_system;
+            faults.is_old_file_system = old_file_system;
             int k = 0;
             do {
                 ++k;
@@ -220,17 +113,15 @@ protected:
                 answers = Answers();
                 answers.to_messages = {answer};
                 answers.to_deletes = {RESULT_YES_ALL};
-                failure = error;
-                calls_made = 0;
-                calls_to_go = k;
+                faults.Arm(k, error);
                 work();
-                calls_to_go = -1;
+                faults.Disarm();
                 const std::string where = "call " + std::to_string(k) + " errno " + std::to_string(error) +
                                           (answer == RESULT_OK ? " skipped" : " cancelled") +
                                           (old_file_system ? " old" : "");
                 check(where);
                 ExpectNoTemporaries(where);
-            } while (calls_made >= k && !HasFailure());
+            } while (faults.calls_made >= k && !HasFailure());
             EXPECT_GT(k, 10) << "the calls are led here";
         }
     }
@@ -398,13 +289,12 @@ TEST_F(FaultTest, ADirectorySwappedForALinkBetweenTwoCallsHarmsNothingOutside)
                 answers = Answers();
                 answers.to_messages = {RESULT_CANCEL};
                 answers.to_deletes = {RESULT_YES_ALL};
-                at_call = [&] { swap(name); };
-                calls_made = 0;
-                calls_to_go = k;
+                faults.at_call = [&] { swap(name); };
+                faults.Arm(k, 0);
                 commands[command]();
-                calls_to_go = -1;
+                faults.Disarm();
                 EXPECT_EQ(Describe("outside"), before) << name << " at call " << k << " of command " << command;
-            } while (calls_made >= k && !HasFailure());
+            } while (faults.calls_made >= k && !HasFailure());
         }
     }
 }
@@ -417,7 +307,7 @@ TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
     files.File("to/large", "old");
     const std::vector<std::string> before = files.Names("to");
     ASSERT_EQ(RunInChild([&] {
-                  is_old_file_system = true;
+                  faults.is_old_file_system = true;
                   table.ConfilmOverwrite = 0;
                   umask(0);
                   answers.at_paint = [&] {

@@ -1,0 +1,185 @@
+#include "faults.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <string_view>
+#include <vector>
+
+Faults faults;
+
+namespace {
+
+constexpr int kNeverAgain = 1'000'000;
+
+bool TakesRoom(std::string_view call)
+{
+    constexpr std::string_view kCalls[] = {"pwrite",    "write",  "copy_file_range", "ftruncate", "mkdirat",
+                                           "symlinkat", "linkat", "mkostemp",        "O_TMPFILE"};
+    return std::find(std::begin(kCalls), std::end(kCalls), call) != std::end(kCalls);
+}
+
+bool FailsNow(const char* call)
+{
+    if (faults.calls_to_go < 0) {
+        return false;
+    }
+    ++faults.calls_made;
+    if (faults.calls_to_go == 0) {
+        errno = ENOSPC;
+        return TakesRoom(call);
+    }
+    if (faults.calls_to_go.fetch_sub(1) != 1) {
+        return false;
+    }
+    faults.failed_call = call;
+    if (faults.disk_is_full) {
+        errno = ENOSPC;
+        return TakesRoom(call);
+    }
+    faults.calls_to_go = kNeverAgain;  // One failure is enough; the rest is only counted.
+    if (faults.at_call) {
+        faults.calls_to_go = -1;
+        faults.at_call();
+        faults.calls_to_go = kNeverAgain;
+        return false;
+    }
+    errno = faults.error;
+    return true;
+}
+
+}  // namespace
+
+#define WRAP(type, call, bad, parameters, ...)                       \
+    extern "C" type __real_##call parameters;                        \
+    extern "C" type __wrap_##call parameters;                        \
+    extern "C" type __wrap_##call parameters                         \
+    {                                                                \
+        return FailsNow(#call) ? (bad) : __real_##call(__VA_ARGS__); \
+    }
+
+WRAP(int, access, -1, (const char* path, int mode), path, mode)
+WRAP(int, faccessat, -1, (int at, const char* path, int mode, int flags), at, path, mode, flags)
+WRAP(int, lstat, -1, (const char* path, struct stat* st), path, st)
+WRAP(int, fstat, -1, (int fd, struct stat* st), fd, st)
+WRAP(int, fstatat, -1, (int at, const char* path, struct stat* st, int flags), at, path, st, flags)
+WRAP(int, statx, -1, (int at, const char* path, int flags, unsigned mask, struct statx* st), at, path, flags, mask, st)
+WRAP(ssize_t, readlink, -1, (const char* path, char* text, size_t size), path, text, size)
+WRAP(ssize_t, readlinkat, -1, (int at, const char* path, char* text, size_t size), at, path, text, size)
+WRAP(DIR*, fdopendir, nullptr, (int fd), fd)
+WRAP(off_t, lseek, -1, (int fd, off_t to, int whence), fd, to, whence)
+WRAP(ssize_t, pread, -1, (int fd, void* data, size_t size, off_t at), fd, data, size, at)
+WRAP(ssize_t, pwrite, -1, (int fd, const void* data, size_t size, off_t at), fd, data, size, at)
+WRAP(ssize_t, read, -1, (int fd, void* data, size_t size), fd, data, size)
+WRAP(ssize_t, write, -1, (int fd, const void* data, size_t size), fd, data, size)
+WRAP(ssize_t, copy_file_range, -1, (int from, off_t* at, int to, off_t* there, size_t size, unsigned flags), from, at,
+     to, there, size, flags)
+WRAP(int, ftruncate, -1, (int fd, off_t size), fd, size)
+WRAP(int, chmod, -1, (const char* path, mode_t mode), path, mode)
+WRAP(int, fchmod, -1, (int fd, mode_t mode), fd, mode)
+WRAP(int, fchmodat, -1, (int at, const char* path, mode_t mode, int flags), at, path, mode, flags)
+WRAP(int, mkdirat, -1, (int at, const char* path, mode_t mode), at, path, mode)
+WRAP(int, mkostemp, -1, (char* path, int flags), path, flags)
+WRAP(int, symlinkat, -1, (const char* text, int at, const char* path), text, at, path)
+WRAP(int, linkat, -1, (int from, const char* path, int to, const char* name, int flags), from, path, to, name, flags)
+WRAP(int, unlinkat, -1, (int at, const char* path, int flags), at, path, flags)
+WRAP(int, unlink, -1, (const char* path), path)
+WRAP(int, renameat, -1, (int from, const char* path, int to, const char* name), from, path, to, name)
+WRAP(int, rename, -1, (const char* path, const char* name), path, name)
+WRAP(int, open, -1, (const char* path, int flags, mode_t mode), path, flags, mode)
+
+extern "C" int __real_openat(int at, const char* path, int flags, mode_t mode);
+extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode);
+extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode)
+{
+    const bool is_new = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    if (faults.is_old_file_system && (flags & O_TMPFILE) == O_TMPFILE) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    return FailsNow(is_new ? "O_TMPFILE" : "openat") ? -1 : __real_openat(at, path, flags, mode);
+}
+extern "C" int __real_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
+extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
+extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags)
+{
+    if (faults.is_old_file_system) {
+        errno = EINVAL;
+        return -1;
+    }
+    return FailsNow("renameat2") ? -1 : __real_renameat2(from, path, to, name, flags);
+}
+
+extern "C" int __real_fdatasync(int fd);
+extern "C" int __wrap_fdatasync(int fd);
+extern "C" int __wrap_fdatasync(int fd)
+{
+    return FailsNow("fdatasync") ? -1 : faults.spares_disk ? 0 : __real_fdatasync(fd);
+}
+extern "C" int __real_fsync(int fd);
+extern "C" int __wrap_fsync(int fd);
+extern "C" int __wrap_fsync(int fd)
+{
+    return FailsNow("fsync") ? -1 : faults.spares_disk ? 0 : __real_fsync(fd);
+}
+extern "C" void __real_sync();
+extern "C" void __wrap_sync();
+extern "C" void __wrap_sync()
+{
+    if (!faults.spares_disk) {
+        __real_sync();
+    }
+}
+
+namespace {
+
+/// What is still to be told of the directories that are being read.
+std::map<DIR*, std::vector<struct dirent>> readings;
+std::mutex readings_mutex;
+
+}  // namespace
+
+extern "C" struct dirent* __real_readdir(DIR* stream);
+extern "C" struct dirent* __wrap_readdir(DIR* stream);
+extern "C" struct dirent* __wrap_readdir(DIR* stream)
+{
+    if (FailsNow("readdir")) {
+        return nullptr;
+    }
+    if (!faults.sorts_directories) {
+        return __real_readdir(stream);
+    }
+    static thread_local struct dirent told;
+    const std::lock_guard lock(readings_mutex);
+    auto [reading, is_new] = readings.try_emplace(stream);
+    std::vector<struct dirent>& left = reading->second;
+    while (const struct dirent* const entry = is_new ? __real_readdir(stream) : nullptr) {
+        left.push_back(*entry);
+    }
+    if (is_new) {
+        std::sort(left.begin(), left.end(),
+                  [](const auto& one, const auto& other) { return std::strcmp(one.d_name, other.d_name) > 0; });
+    }
+    if (left.empty()) {
+        return nullptr;
+    }
+    told = left.back();
+    left.pop_back();
+    return &told;
+}
+extern "C" int __real_closedir(DIR* stream);
+extern "C" int __wrap_closedir(DIR* stream);
+extern "C" int __wrap_closedir(DIR* stream)
+{
+    const std::lock_guard lock(readings_mutex);
+    readings.erase(stream);
+    return __real_closedir(stream);
+}
