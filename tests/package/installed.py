@@ -105,7 +105,9 @@ class Installed(unittest.TestCase):
         report = home / "report"
         program = moved / "bin/fennick"
         program.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$#\" \"$@\" >'{report}.new'\nmv '{report}.new' '{report}'\n")
-        variables = dict(HOME=str(home), XDG_DATA_DIRS=f"{moved}/share:/usr/share", XDG_CURRENT_DESKTOP="",
+        # Nothing of this machine's own programs and preferences.
+        variables = dict(HOME=str(home), XDG_DATA_HOME=str(home), XDG_DATA_DIRS=f"{moved}/share",
+                         XDG_CONFIG_HOME=str(home), XDG_CONFIG_DIRS=str(home), XDG_CURRENT_DESKTOP="",
                          PATH=f"{moved}/bin:" + os.environ["PATH"])
         for name in ("plain", "with blank", "Ümläut", "100%20 'of' \"$it\""):
             directory = home / name
