@@ -4,6 +4,7 @@
 #include <set>
 
 #include "fnkstring.h"
+#include "language.h"
 #include "windowtest.h"
 
 namespace {
@@ -43,7 +44,13 @@ protected:
     }
 };
 
-TEST_F(Menus, EveryLetterChoosesOneEntry)
+class MenusInLanguage : public Menus, public ::testing::WithParamInterface<const char*> {
+    ScopedLanguage language_{GetParam()};
+};
+INSTANTIATE_TEST_SUITE_P(Every, MenusInLanguage, ::testing::ValuesIn(kLanguages),
+                         [](const auto& language) { return std::string(language.param); });
+
+TEST_P(MenusInLanguage, EveryLetterChoosesOneEntry)
 {
     Start();
     std::vector<GtkWidget*> shells = {Bar(), Submenu(pMainW->MenuItem[MENU_NEW])};

@@ -42,12 +42,14 @@ def run(*command):
 
 
 class Fennick:
-    """A running program and its window."""
+    """A running program and its window. Without a locale it speaks English; text translates what is
+    looked for from that."""
 
-    def __init__(self, home, *arguments, **variables):
+    def __init__(self, home, *arguments, locale="C.UTF-8", text=str, **variables):
         self.home = home
+        self.text = text
         self.errors = tempfile.TemporaryFile()
-        environment = {**os.environ, "HOME": home, "LC_ALL": "C.UTF-8", **variables}
+        environment = {**os.environ, "HOME": home, "LANG": locale, "LC_ALL": locale, "LANGUAGE": "", **variables}
         # A button that comes up under the pointer would show its tip.
         run("xdotool", "mousemove", "10000", "10000")
         self.process = subprocess.Popen([PROGRAM, *arguments], env=environment, stderr=self.errors)
@@ -94,7 +96,7 @@ class Fennick:
         return None
 
     def status(self):
-        node = self.find("Status")
+        node = self.find(self.text("Status"))
         return node.get_description() if node else None
 
     def location(self):
@@ -147,7 +149,9 @@ class Fennick:
         return self.ended()
 
 
-class Program(unittest.TestCase):
+class ProgramTest(unittest.TestCase):
+    """A home with files for programs that are ended with the test."""
+
     def setUp(self):
         self.directory = tempfile.mkdtemp(prefix="fennick-test.")
         self.addCleanup(shutil.rmtree, self.directory)
@@ -163,8 +167,8 @@ class Program(unittest.TestCase):
                 fennick.process.wait()
             fennick.errors.close()
 
-    def start(self, *arguments, **variables):
-        self.running.append(Fennick(self.home, *arguments, **variables))
+    def start(self, *arguments, **surroundings):
+        self.running.append(Fennick(self.home, *arguments, **surroundings))
         return self.running[-1]
 
     def file(self, name, size=0):
@@ -177,6 +181,8 @@ class Program(unittest.TestCase):
         with open(os.path.join(self.home, ".fennick"), "wb") as file:
             file.write(text)
 
+
+class Program(ProgramTest):
     def test_version_needs_no_display(self):
         environment = {key: value for key, value in os.environ.items() if key != "DISPLAY"}
         done = subprocess.run([PROGRAM, "--version"], env=environment, capture_output=True, text=True)

@@ -1,0 +1,90 @@
+// That everything the program shows comes out of a catalogue. The one used here marks the end of
+// each line of its texts and changes nothing else.
+
+#include "acts.h"
+#include "fnkraii.h"
+#include "language.h"
+#include "windowtest.h"
+
+namespace {
+
+constexpr const char* kMark = "\u00a4";
+
+class Languages : public WindowTest {
+protected:
+    void LookAt(GtkWidget* widget)
+    {
+        if (GTK_IS_WINDOW(widget)) {
+            Take(gtk_window_get_title(GTK_WINDOW(widget)));
+        } else if (GTK_IS_LABEL(widget)) {
+            Take(gtk_label_get_text(GTK_LABEL(widget)));
+        } else if (GTK_IS_TREE_VIEW(widget) || GTK_IS_ENTRY(widget) || GTK_IS_TOGGLE_BUTTON(widget)) {
+            Take(atk_object_get_name(gtk_widget_get_accessible(widget)));
+        } else if (GTK_IS_MENU_ITEM(widget) && gtk_menu_item_get_submenu(GTK_MENU_ITEM(widget)) != nullptr) {
+            LookAt(gtk_menu_item_get_submenu(GTK_MENU_ITEM(widget)));
+        }
+        const GlibPointer<char> tip(gtk_widget_get_tooltip_text(widget));
+        Take(tip.get());
+        if (GTK_IS_CONTAINER(widget)) {
+            gtk_container_forall(
+                GTK_CONTAINER(widget),
+                [](GtkWidget* child, gpointer self) { static_cast<Languages*>(self)->LookAt(child); }, this);
+        }
+    }
+    /// Looks at a dialog before it is acted on.
+    DialogAct Look(const DialogAct& act)
+    {
+        return [this, act](GtkWidget* dialog) {
+            LookAt(dialog);
+            act(dialog);
+        };
+    }
+    DialogAct Look() { return Look(SendClose); }
+    static DialogAct PressMarked(const std::string& label)
+    {
+        return [label](GtkWidget* dialog) { PressButton((label + kMark).c_str())(dialog); };
+    }
+    void Choose(MenuEntry entry, const DialogActs& acts)
+    {
+        SCOPED_TRACE(entry);
+        DuringDialogs([entry] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); }, acts);
+    }
+
+    /// What was shown without the mark, but for names, paths, dates and modes.
+    Names unmarked_;
+
+private:
+    void Take(const char* text)
+    {
+        constexpr const char* kNoWordPathDateOrMode = R"(^[^A-Za-z]*$|/|\d\d:\d\d|^[-rwx]{10}$|^Fennick$)";
+        const std::string shown = text != nullptr ? text : "";
+        if (shown.find(kMark) == std::string::npos &&
+            !g_regex_match_simple(kNoWordPathDateOrMode, shown.c_str(), {}, {})) {
+            unmarked_.push_back(shown);
+        }
+    }
+
+    ScopedLanguage language_{"xx", FENNICK_MARKED_CATALOGUES};
+};
+
+TEST_F(Languages, EverythingThatIsShownComesFromTheCatalogue)
+{
+    home.File(".extension", "[Application]\n1=1\n");
+    files.File("1");
+    files.Directory("2/3");
+    Start();
+    SelectNames({"1"});
+    LookAt(pMainW->MainWindow);
+    for (const MenuEntry entry : {MENU_MOVE, MENU_DELETE, MENU_PROPERTY, MENU_SELECT_FILES, MENU_SYMBOLIC_LINK,
+                                  MENU_OPTION, MENU_SORT_COLUMN, MENU_FILTER_VIEW, MENU_ABORT}) {
+        Choose(entry, {Look()});
+    }
+    Choose(MENU_COPY, {EnterText("//"), Look(), PressMarked("Browse..."), Look(), SendClose});
+    Choose(MENU_FIND_FILE, {Look(PressMarked("OK")), Look(), SendClose});
+    DuringDialogs([this] { Press(GDK_KEY_Return); }, {Look()});
+    SelectNames({"2"});
+    Choose(MENU_DELETE, {PressMarked("Yes"), Look()});
+    EXPECT_EQ(unmarked_, Names());
+}
+
+}  // namespace
