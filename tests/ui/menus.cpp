@@ -84,6 +84,17 @@ TEST_P(MenusInLanguage, EveryLetterChoosesOneEntry)
     EXPECT_EQ(stored, pMainW->MenuItem.size());
 }
 
+TEST_P(MenusInLanguage, EveryToolFitsIntoAWindowOfTheDefaultWidth)
+{
+    Start();
+    for (GtkWidget* const tool : pMainW->ToolButton) {
+        EXPECT_TRUE(gtk_widget_get_child_visible(tool));
+    }
+    int narrowest = 0;
+    gtk_widget_get_preferred_width(pMainW->MainWindow, &narrowest, nullptr);
+    EXPECT_LE(narrowest, GTable().WindowWidth);
+}
+
 TEST_F(Menus, WithSomethingSelectedEveryEntryCanBeChosen)
 {
     files.File("a");
