@@ -87,6 +87,12 @@ TEST_P(MenusInLanguage, EveryLetterChoosesOneEntry)
 TEST_P(MenusInLanguage, EveryToolFitsIntoAWindowOfTheDefaultWidth)
 {
     Start();
+    PangoLayout* const layout = gtk_widget_create_pango_layout(pMainW->MainWindow, GetToolTipsString(0).c_str());
+    const bool is_readable = pango_layout_get_unknown_glyphs_count(layout) == 0;
+    g_object_unref(layout);
+    if (!is_readable) {
+        GTEST_SKIP() << "this machine has no letters of that language";
+    }
     for (GtkWidget* const tool : pMainW->ToolButton) {
         EXPECT_TRUE(gtk_widget_get_child_visible(tool));
     }
