@@ -5,6 +5,7 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <vector>
 
@@ -35,12 +36,14 @@ struct Transfer {
     bool to_free_name = false;
 };
 
-bool IsSameEntry(const Place& one, const Place& other)
+/// Sets error to an errno when that cannot be told.
+bool AreInOneDirectory(const Place& one, const Place& other, int* error)
 {
     struct stat one_directory = {};
     struct stat other_directory = {};
-    return one.name == other.name && fstat(one.directory, &one_directory) == 0 &&
-           fstat(other.directory, &other_directory) == 0 && IsSameObject(one_directory, other_directory);
+    const bool known = fstat(one.directory, &one_directory) == 0 && fstat(other.directory, &other_directory) == 0;
+    *error = known ? 0 : errno;
+    return known && IsSameObject(one_directory, other_directory);
 }
 
 /// What deleting the object, no directory, would fail with; 0 when it would not. Renaming over it
@@ -99,10 +102,10 @@ private:
     Result result_ = RESULT_DONE;
 };
 
+/// A step that came to that result, unless Cancel was pressed.
 Result StepAndReturn(Result result)
 {
-    ReportStep();
-    return result;
+    return ReportStep() == RESULT_CANCEL ? RESULT_CANCEL : result;
 }
 
 /// The new object stands.
@@ -200,53 +203,63 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// Copies anything but a directory.
-Result CopyFileInternal(const Transfer& transfer)
+/// Whether the directory of both places has an entry for each, and not one for two spellings of it.
+bool HasEntryForEach(const Place& one, const Place& other)
 {
-    if (IsSameEntry(transfer.source, transfer.target)) {
-        return ReportStep();
+    const std::string itself = ".";
+    std::vector<std::string> names;
+    const DirectoryStream stream = OpenDirectory({one.directory, itself, one.path});
+    if (stream == nullptr || !ListEntries(stream.get(), names)) {
+        return strcasecmp(one.name.c_str(), other.name.c_str()) != 0;
     }
-    ClearedTarget cleared(transfer);
-    if (cleared.Refusal() != RESULT_DONE) {
-        return StepAndReturn(cleared.Refusal());
-    }
-    return S_ISLNK(transfer.st.st_mode) ? CopyLink(transfer, cleared) : CopyRegular(transfer, cleared);
+    return std::find(names.begin(), names.end(), one.name) != names.end() &&
+           std::find(names.begin(), names.end(), other.name) != names.end();
 }
 
 /// Two names of one inode: renaming the one to the other does nothing, so the old name is removed.
-/// A file system that ignores case finds one entry under two spellings, and that must stay.
-bool LeavesOldName(const Transfer& transfer, const ClearedTarget& cleared)
+/// A file system that ignores case finds one entry under two names, and that must stay.
+bool LeavesOldName(const Transfer& transfer, const ClearedTarget& cleared, bool in_one_directory)
 {
     return cleared.Exists() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
-           strcasecmp(transfer.source.name.c_str(), transfer.target.name.c_str()) != 0;
+           (!in_one_directory || HasEntryForEach(transfer.source, transfer.target));
 }
 
 /// 0 or an errno.
-int Rename(const Transfer& transfer, const ClearedTarget& cleared)
+int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_one_directory)
 {
     const Place& source = transfer.source;
     const Place& target = transfer.target;
     if (!cleared.Exists()) {
         return RenameIfFree(source, target);
     }
-    if (LeavesOldName(transfer, cleared)) {
+    if (LeavesOldName(transfer, cleared, in_one_directory)) {
         return unlinkat(source.directory, source.name.c_str(), 0) == 0 ? 0 : errno;
     }
     return renameat(source.directory, source.name.c_str(), target.directory, target.name.c_str()) == 0 ? 0 : errno;
 }
 
-/// Renames one object, a directory only to a free name.
-Result MoveFileInternal(const Transfer& transfer)
+/// Copies anything but a directory, or renames one object, a directory only to a free name.
+Result TransferWhole(const Transfer& transfer)
 {
-    if (IsSameEntry(transfer.source, transfer.target)) {
+    const OperationKind kind = transfer.command.kind;
+    const std::string target_path = WithoutSlash(transfer.target.path);
+    int error = 0;
+    const bool in_one_directory = AreInOneDirectory(transfer.source, transfer.target, &error);
+    if (error != 0) {
+        return FileErrorMessage(kind, target_path, error);
+    }
+    if (in_one_directory && transfer.source.name == transfer.target.name) {
         return ReportStep();
     }
     ClearedTarget cleared(transfer);
     if (cleared.Refusal() != RESULT_DONE) {
         return StepAndReturn(cleared.Refusal());
     }
-    const int error = Rename(transfer, cleared);
-    return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_MOVE, WithoutSlash(transfer.target.path), error);
+    if (kind == OPERATION_COPY) {
+        return S_ISLNK(transfer.st.st_mode) ? CopyLink(transfer, cleared) : CopyRegular(transfer, cleared);
+    }
+    error = Rename(transfer, cleared, in_one_directory);
+    return error == 0 ? Finish(cleared) : FileErrorMessage(kind, target_path, error);
 }
 
 Result TransferEntry(const Command& command, const Place& source, const Place& target);
@@ -296,11 +309,6 @@ bool GoesWhole(const Transfer& transfer)
     struct stat st = {};
     return !S_ISDIR(transfer.st.st_mode) ||
            (transfer.command.kind == OPERATION_MOVE && !GetStatus(transfer.target, &st));
-}
-
-Result TransferWhole(const Transfer& transfer)
-{
-    return transfer.command.kind == OPERATION_COPY ? CopyFileInternal(transfer) : MoveFileInternal(transfer);
 }
 
 /// A directory would go into itself, and then on for ever.
@@ -429,8 +437,8 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     if (target.size() > kMaxPathBytes) {
         return FileErrorMessage(kind, target, ENAMETOOLONG);
     }
-    if (CheckSrcSubDirectory(target, source, st.st_mode) != RESULT_DONE) {
-        return ReportStep();
+    if (int error = 0; CheckSrcSubDirectory(target, source, st.st_mode, &error) != RESULT_DONE) {
+        return error != 0 ? FileErrorMessage(kind, target, error) : ReportStep();
     }
     const Overwriting overwriting = ConfirmOverwrite(target, flag);
     if (overwriting == OVERWRITE_DECLINED) {
@@ -455,7 +463,7 @@ std::string ProofDstPath(const std::string& destination, const std::string& sour
     return TargetPath(destination, source, IsDirectory(PlaceOfDestination(destination)));
 }
 
-Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode)
+Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode, int* error)
 {
     struct stat source_st = {};
     struct stat target_st = {};
@@ -465,11 +473,12 @@ Result CheckSrcSubDirectory(const std::string& target, const std::string& source
     if (target == source || target == WithoutSlash(source) || is_same_directory) {
         return RESULT_CANCEL;
     }
-    if (is_directory && IsInsideDirectory(target, source)) {
+    bool is_inside = false;
+    *error = is_directory ? LookInside(target, source, &is_inside) : 0;
+    if (is_inside) {
         ReportInside();
-        return RESULT_CANCEL;
     }
-    return RESULT_DONE;
+    return is_inside || *error != 0 ? RESULT_CANCEL : RESULT_DONE;
 }
 
 Result CopyFile(const std::string& destination, const std::string& source, int* flag)

@@ -18,8 +18,9 @@
 std::string ProofDstPath(const std::string& destination, const std::string& source);
 
 /// RESULT_CANCEL when source, of that mode, is target itself, or a directory that target is inside
-/// of, which is reported; 0 when it may go there. A place is known under any spelling.
-Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode);
+/// of, which is reported; 0 when it may go there. A place is known under any spelling. When that
+/// cannot be told, RESULT_CANCEL too, and error, else 0, is an errno that has not been reported.
+Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode, int* error);
 
 /// Copies source to destination; a "/" at the end of that says that it is meant as a directory,
 /// and no file is copied when it is none. The path of a directory ends in "/". Permission bits are copied;

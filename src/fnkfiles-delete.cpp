@@ -22,19 +22,29 @@ Result ReportUndeleted(const std::string& path, int error)
 
 namespace {
 
-Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
+/// An object has gone, or it stays because of the error, which the user is told.
+Result Conclude(const std::string& path, int error, StepCount counted)
 {
-    bool skipped = false;
-    // Somebody else may be quicker; what is gone is gone.
-    if (unlinkat(place.directory, place.name.c_str(), is_directory ? AT_REMOVEDIR : 0) != 0 && errno != ENOENT) {
-        if (ReportUndeleted(place.path, errno) == RESULT_CANCEL) {
-            return RESULT_CANCEL;
-        }
-        skipped = true;
+    if (error != 0 && ReportUndeleted(path, error) == RESULT_CANCEL) {
+        return RESULT_CANCEL;
     }
     NoteChange();
-    const Result progress = !is_directory && counted == STEP_COUNTED ? ReportStep() : RESULT_DONE;
-    return progress != RESULT_DONE ? progress : skipped ? RESULT_OK : RESULT_DONE;
+    const Result progress = counted == STEP_COUNTED ? ReportStep() : RESULT_DONE;
+    return progress != RESULT_DONE ? progress : error != 0 ? RESULT_OK : RESULT_DONE;
+}
+
+/// Somebody else may be quicker; what is gone is gone. Anything else that keeps an object from
+/// being seen does not mean that there is none.
+Result ConcludeUnlessGone(const std::string& path, int error, StepCount counted)
+{
+    return error == ENOENT || error == ENOTDIR ? RESULT_DONE : Conclude(path, error, counted);
+}
+
+Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
+{
+    const int flags = is_directory ? AT_REMOVEDIR : 0;
+    const int error = unlinkat(place.directory, place.name.c_str(), flags) == 0 || errno == ENOENT ? 0 : errno;
+    return Conclude(place.path, error, is_directory ? STEP_NOT_COUNTED : counted);
 }
 
 /// Asks before the first directory that is not empty. RESULT_DONE: it may be emptied.
@@ -85,7 +95,7 @@ Result RemoveTree(const Place& place, Result* answer)
 {
     struct stat st = {};
     if (!GetStatus(place, &st)) {
-        return RESULT_DONE;
+        return ConcludeUnlessGone(place.path, errno, STEP_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
         return RemoveObject(place, false, STEP_COUNTED);
@@ -103,21 +113,20 @@ Result RemoveTree(const Place& place, Result* answer)
 Result RemoveFileInternal(const Place& place, StepCount counted)
 {
     struct stat st = {};
-    return GetStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted) : RESULT_DONE;
+    return GetStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
+                                 : ConcludeUnlessGone(place.path, errno, counted);
 }
-
-// An object whose directory cannot be entered is not there.
 
 Result RemoveFileInternal(const std::string& path, StepCount counted)
 {
     const PathPlace place(path);
-    return place ? RemoveFileInternal(place.Get(), counted) : RESULT_DONE;
+    return place ? RemoveFileInternal(place.Get(), counted) : ConcludeUnlessGone(path, place.Error(), counted);
 }
 
 Result RemoveFile(const std::string& path, Result* answer)
 {
     const PathPlace place(path);
-    return place ? RemoveTree(place.Get(), answer) : RESULT_DONE;
+    return place ? RemoveTree(place.Get(), answer) : ConcludeUnlessGone(path, place.Error(), STEP_COUNTED);
 }
 
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error)

@@ -75,6 +75,10 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
         const bool is_above = prefix.size() < WithoutSlash(destination).size();
         const Place place{parent.Get(), name, prefix};
         Descriptor next = OpenPlace(place, is_above ? 0 : O_NOFOLLOW);
+        if (!next && errno != ENOENT && errno != ENOTDIR && errno != ELOOP) {
+            // It may be a directory, or a link to one, that must not be given up for a failure.
+            return ReportUnmade(prefix, errno);
+        }
         if (!next) {
             const bool is_last = *begin == '\0';
             const Result made = is_last ? MakeDirectory(place, rule, &next)

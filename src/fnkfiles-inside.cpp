@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -16,33 +17,45 @@ namespace {
 
 constexpr int kPlaceOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-/// The deepest directory that there is on the way to target, or target itself if it is one.
-Descriptor OpenNearestDirectory(const std::string& target)
+/// Whether an error of opening says that there is no directory to be had under that path.
+bool SaysNoDirectory(int error)
 {
-    Descriptor directory(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
-    for (std::string path = target; !directory && path != "/";) {
-        path = GetParentDirectory(WithoutSlash(path));
-        directory = Descriptor(open(path.c_str(), kPlaceOnly));
-    }
-    return directory;
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-/// Climbs to the root and looks for source on the way.
-bool IsBelow(Descriptor directory, const struct stat& source)
+/// Opens the deepest directory that there is on the way to target, or target itself if it is one.
+/// 0 or an errno.
+int OpenNearestDirectory(const std::string& target, Descriptor* directory)
+{
+    *directory = Descriptor(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
+    for (std::string path = target; !*directory && path != "/" && SaysNoDirectory(errno);) {
+        path = GetParentDirectory(WithoutSlash(path));
+        *directory = Descriptor(open(path.c_str(), kPlaceOnly));
+    }
+    return *directory ? 0 : errno;
+}
+
+/// Climbs to the root and looks for source on the way. 0 or an errno.
+int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
 {
     struct stat st = {};
-    while (directory && fstat(directory.Get(), &st) == 0) {
+    while (fstat(directory.Get(), &st) == 0) {
         if (IsSameObject(st, source)) {
-            return true;
+            *is_below = true;
+            return 0;
         }
         Descriptor parent(openat(directory.Get(), "..", kPlaceOnly));
         struct stat parent_st = {};
-        if (!parent || fstat(parent.Get(), &parent_st) != 0 || IsSameObject(st, parent_st)) {
-            return false;
+        if (!parent || fstat(parent.Get(), &parent_st) != 0) {
+            // What may not even be searched takes nothing in either.
+            return errno == EACCES ? 0 : errno;
+        }
+        if (IsSameObject(st, parent_st)) {
+            return 0;
         }
         directory = std::move(parent);
     }
-    return false;
+    return errno;
 }
 
 /// A field of the mount table, in which blanks and the like are octal numbers.
@@ -101,24 +114,26 @@ std::string PathInFileSystem(int directory)
 
 }  // namespace
 
-bool IsInsideDirectory(const std::string& target, const std::string& source)
+int LookInside(const std::string& target, const std::string& source, bool* is_inside)
 {
-    if (target.starts_with(WithSlash(source))) {
-        return true;
+    *is_inside = target.starts_with(WithSlash(source));
+    if (*is_inside) {
+        return 0;
     }
-    Descriptor target_directory = OpenNearestDirectory(target);
+    Descriptor target_directory;
+    if (const int error = OpenNearestDirectory(target, &target_directory); error != 0) {
+        return error;
+    }
     const Descriptor source_directory(open(WithoutSlash(source).c_str(), kPlaceOnly | O_NOFOLLOW));
     struct stat target_st = {};
     struct stat source_st = {};
-    if (!target_directory || !source_directory || fstat(target_directory.Get(), &target_st) != 0 ||
+    if (!source_directory || fstat(target_directory.Get(), &target_st) != 0 ||
         fstat(source_directory.Get(), &source_st) != 0) {
-        return false;
+        return errno;
     }
     if (target_st.st_dev == source_st.st_dev) {
         const std::string inner_source = PathInFileSystem(source_directory.Get());
-        if (!inner_source.empty() && PathInFileSystem(target_directory.Get()).starts_with(inner_source)) {
-            return true;
-        }
+        *is_inside = !inner_source.empty() && PathInFileSystem(target_directory.Get()).starts_with(inner_source);
     }
-    return IsBelow(std::move(target_directory), source_st);
+    return *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
 }

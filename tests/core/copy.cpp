@@ -347,6 +347,18 @@ TEST_F(CopyTest, CancelInsideALargeFileLeavesNothingOfIt)
     EXPECT_EQ(Describe("to"), (Tree{{"large", "file 644 old"}}));
 }
 
+TEST_F(CopyTest, CancelCountsAtARefusedItemToo)
+{
+    table.ConfilmOverwrite = 0;
+    files.File("a");
+    files.File("b");
+    files.File("to/a/full");
+    answers.to_messages = {RESULT_OK};
+    answers.cancel_at_step = 1;
+    EXPECT_EQ(Copy("to", {"a", "b"}), RESULT_CANCEL);
+    EXPECT_FALSE(Exists("to/b"));
+}
+
 TEST_F(CopyTest, NamesOfOneInode)
 {
     table.ConfilmOverwrite = 0;
@@ -358,6 +370,17 @@ TEST_F(CopyTest, NamesOfOneInode)
     EXPECT_EQ(Move("three", {"one"}), RESULT_DONE);
     EXPECT_EQ(files.Names(), (std::vector<std::string>{"three", "two"}));
     EXPECT_EQ(files.Contents("three"), "content");
+
+    // One name less also where both are alike.
+    files.Directory("there");
+    files.Remove("three");
+    for (const char* const target : {"there/three", "Three"}) {
+        std::filesystem::create_hard_link(files.At("two"), files.At("three"));
+        std::filesystem::create_hard_link(files.At("two"), files.At(target));
+        EXPECT_EQ(Move(target, {"three"}), RESULT_DONE);
+        EXPECT_FALSE(Exists("three")) << target;
+        EXPECT_EQ(files.Contents(target), "content");
+    }
 }
 
 TEST_F(CopyTest, WhatCannotBeReadOrWrittenIsReportedAndTheRestGoesOn)

@@ -133,6 +133,11 @@ TEST_F(Delete, WhatCannotGoKeepsTheDirectoriesAroundItAndSaysSoOnce)
                   answer = RESULT_YES_ALL;
                   EXPECT_EQ(RemoveFile(files.At("tree/sub/locked/"), &answer), RESULT_CANCEL);
                   EXPECT_EQ(answers.asked, Asked());
+
+                  // What cannot be seen is not taken for gone.
+                  answers.to_messages = {RESULT_OK};
+                  EXPECT_EQ(RemoveFile(files.At("tree/sub/locked/stays"), &answer), RESULT_OK);
+                  EXPECT_EQ(answers.asked.size(), 1U);
                   files.SetMode("tree/sub/locked", 0755);
               }),
               CHILD_PASSED);

@@ -238,6 +238,28 @@ TEST_F(FaultTest, ADeclinedOverwriteKeepsTheOldFileWhateverFails)
     }
 }
 
+TEST_F(FaultTest, LinksOnTheWayStayAndLeadNoDirectoryIntoItself)
+{
+    for (const bool into_itself : {true, false}) {
+        FailEverywhere(
+            [&] {
+                files.File("from/t/plain", "plain");
+                files.File("from/t/t", "inside");
+                files.Link("to/link", files.At("from"));
+                table.ConfilmOverwrite = 0;
+            },
+            [&] { into_itself ? Move("from/t/t", {"to/link/t/"}) : Copy("to/link/new/t", {"from/t/"}); },
+            [&](const std::string& where) {
+                if (faults.error == ENOENT) {
+                    return;  // A system that denies what is there cannot be told from one where it is not.
+                }
+                EXPECT_EQ(What("from/t/plain"), "file plain") << where;
+                EXPECT_EQ(What("from/t/t"), "file inside") << where;
+                EXPECT_EQ(What("to/link"), "link " + files.At("from")) << where;
+            });
+    }
+}
+
 TEST_F(FaultTest, ADeleteTakesNothingElse)
 {
     Tree before;
