@@ -10,9 +10,9 @@ struct Faults {
     std::atomic<int> calls_to_go = -1;
     std::atomic<int> calls_made = 0;
     int error = 0;
-    std::string failed_call;        ///< Its name, once it has.
-    std::function<void()> at_call;  ///< Done at that call instead of failing it, if there is one.
-    bool disk_is_full = false;      ///< From that call on all that take room fail with ENOSPC; no other does.
+    std::string failed_call;          ///< Its name, once it has.
+    std::function<void()> at_call;    ///< Done at that call instead of failing it, if there is one.
+    bool disk_is_full = false;        ///< From that call on all that take room fail with ENOSPC; no other does.
     bool is_old_file_system = false;  ///< No files without a name, no renaming that replaces nothing.
     bool spares_disk = false;         ///< Nothing has to survive a failing machine, and sync() is slow.
     bool sorts_directories = false;   ///< They are read in the order of the names' bytes.
