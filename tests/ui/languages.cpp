@@ -85,6 +85,11 @@ TEST_F(Languages, EverythingThatIsShownComesFromTheCatalogue)
     SelectNames({"2"});
     Choose(MENU_DELETE, {PressMarked("Yes"), Look()});
     EXPECT_EQ(unmarked_, Names());
+
+    // The dialog knows the columns by their titles.
+    const auto columns = pGTable->ColumnPosition;
+    Choose(MENU_OPTION, {PressMarked("OK")});
+    EXPECT_EQ(pGTable->ColumnPosition, columns);
 }
 
 }  // namespace
