@@ -19,7 +19,8 @@ int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
     GdkRectangle cell;
     gtk_tree_view_get_cell_area(tree, walk.PathOf(node).get(), gtk_tree_view_get_column(tree, 0), &cell);
     const std::string shown = DisplayText(GetNodeName(gtk_tree_view_get_model(tree), node));
-    const int icon_width = gdk_pixbuf_get_width(pGTable->CloseDirPixmap);
+    const int icon_width =
+        std::max(gdk_pixbuf_get_width(pGTable->OpenDirPixmap), gdk_pixbuf_get_width(pGTable->CloseDirPixmap));
     return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
 }
 
@@ -80,13 +81,20 @@ void DrawName(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, Gt
     g_object_set(cell, "text", DisplayText(GetNodeName(model, *node)).c_str(), nullptr);
 }
 
+void DrawFolder(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel*, GtkTreeIter*, gpointer)
+{
+    GtkWidget* const tree = gtk_tree_view_column_get_tree_view(column);
+    gboolean is_expanded = FALSE;
+    g_object_get(cell, "is-expanded", &is_expanded, nullptr);
+    g_object_set(cell, "surface", is_expanded ? OpenFolder(tree) : ClosedFolder(tree), nullptr);
+}
+
 void AddTreeColumn(GtkTreeView* tree)
 {
     GtkTreeViewColumn* const column = gtk_tree_view_column_new();
     GtkCellRenderer* const icon = gtk_cell_renderer_pixbuf_new();
-    g_object_set(icon, "pixbuf", pGTable->CloseDirPixmap, "pixbuf-expander-closed", pGTable->CloseDirPixmap,
-                 "pixbuf-expander-open", pGTable->OpenDirPixmap, nullptr);
     gtk_tree_view_column_pack_start(column, icon, FALSE);
+    gtk_tree_view_column_set_cell_data_func(column, icon, DrawFolder, nullptr, nullptr);
     if (gtk_tree_model_get_n_columns(gtk_tree_view_get_model(tree)) > kNodeDirectoryColumn) {
         gtk_tree_view_column_add_attribute(column, icon, "visible", kNodeDirectoryColumn);
     }

@@ -69,7 +69,7 @@ void BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
         gtk_drag_begin_with_coordinates(widget, targets, kActions, static_cast<int>(start.button), event, x, y);
     gtk_target_list_unref(targets);
     if (context != nullptr) {
-        gtk_drag_set_icon_pixbuf(context, pGTable->CloseDirPixmap, 0, 0);
+        gtk_drag_set_icon_surface(context, ClosedFolder(widget));
     }
 }
 

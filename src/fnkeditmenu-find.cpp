@@ -91,7 +91,7 @@ void CreateFindFilesDlg()
 {
     FindDlgInfo info;
     GtkWidget* vbox = nullptr;
-    info.Dialog = CreateIconDialogBox(&vbox, IconFind_xpm, 0, 0, kSpacing);
+    info.Dialog = CreateIconDialogBox(&vbox, PICTURE(IconFind), 0, 0, kSpacing);
     gtk_window_set_title(GTK_WINDOW(info.Dialog), _("Find File"));
     GtkWidget* const table = CreateTable(kSpacing, kSpacing, 0);
     gtk_box_pack_start(GTK_BOX(vbox), table, TRUE, TRUE, 0);

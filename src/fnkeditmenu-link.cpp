@@ -106,7 +106,7 @@ PathStatus CheckLinkName(std::string* name)
 void CreateSymbolicLinkDlg()
 {
     GtkWidget* vbox = nullptr;
-    GtkWidget* const dialog = CreateIconDialogBox(&vbox, IconLink_xpm, 0, 0, kSpacing);
+    GtkWidget* const dialog = CreateIconDialogBox(&vbox, PICTURE(IconLink), 0, 0, kSpacing);
     gtk_window_set_title(GTK_WINDOW(dialog), _("Symbolic link"));
     LinkDlgInfo info;
     info.ExistingEntry = AddExistingEntry(vbox);

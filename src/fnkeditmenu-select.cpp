@@ -31,7 +31,7 @@ void InvertListSelection()
 void CreateSelectFilesDlg()
 {
     const PatternDlgTexts texts = {
-        _("Select file"), _("Enter a filter here to select files in the file list view with."), IconSelect_xpm};
+        _("Select file"), _("Enter a filter here to select files in the file list view with."), PICTURE(IconSelect)};
     const History& history = pGTable->FilterHistory;
     CreatePatternDlg(texts, history.empty() ? "" : history.front(), G_CALLBACK(on_Select_OKButton_clicked));
 }

@@ -10,8 +10,11 @@
 #include "fnkfilelist-status.h"
 #include "fnkmainwindow-record.h"
 #include "fnkstring.h"
+#include "fnkutil-color.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
+
+#include "CloseDir.xpm"
 
 FileListEvents OnFileList;
 
@@ -41,12 +44,6 @@ constexpr std::array<ColumnKind, kColumnKinds> kColumns = {{
     {true, "May 28 2028 08:08"},
     {true, "2147483647"},
 }};
-
-/// The rows are drawn on white, in every theme, because the colours of the file types are chosen
-/// for it; a selected row is drawn as the theme has it.
-constexpr const char* kListStyle =
-    ".fennick-list.view { background-color: #ffffff; color: #000000; }"
-    ".fennick-list.view:selected { background-color: @theme_selected_bg_color; color: @theme_selected_fg_color; }";
 
 /// The directory that the rows were read from.
 std::string listed_directory;
@@ -156,19 +153,20 @@ gboolean on_FileList_button_press(GtkWidget* widget, GdkEventButton* event, gpoi
     return toggles;
 }
 
-void DrawIcon(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer)
+void DrawIcon(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer)
 {
     if (pGTable == nullptr) {
         return;
     }
     const FileRow& row = ModelRows(FNK_LIST_MODEL(model)).Row(ModelRowIndex(iter));
-    g_object_set(cell, "pixbuf", row.is_directory ? pGTable->CloseDirPixmap : nullptr, nullptr);
+    GtkWidget* const list = gtk_tree_view_column_get_tree_view(column);
+    g_object_set(cell, "surface", row.is_directory ? ClosedFolder(list) : nullptr, nullptr);
 }
 
-GdkRGBA RowColor(const FileRow& row)
+GdkRGBA RowColor(GtkWidget* list, const FileRow& row)
 {
     const FileType type = row.type == FT_FIFO ? FT_NORMAL : row.type;
-    return ShownColor(pGTable->Colors[type]);
+    return TextColor(list, pGTable->Colors[type]);
 }
 
 void DrawText(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* iter, gpointer id)
@@ -186,7 +184,7 @@ void DrawText(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* mo
         g_object_set(cell, "foreground-set", FALSE, nullptr);
         return;
     }
-    const GdkRGBA color = RowColor(row);
+    const GdkRGBA color = RowColor(GTK_WIDGET(list), row);
     g_object_set(cell, "foreground-rgba", &color, nullptr);
 }
 
@@ -206,6 +204,21 @@ int NaturalWidth(GtkTreeView* list, GtkTreeViewColumn* column, int id)
     gtk_tree_view_column_set_sort_indicator(column, has_arrow);
     const char* const typical = kColumns[static_cast<std::size_t>(id)].typical;
     return std::max(title, GetTextWidth(GTK_WIDGET(list), typical) + kCellInsets);
+}
+
+/// The stored width, if there is one. A column of numbers that still has the width it came with
+/// gets what it needs in the font of today: a number without its end is another number.
+int ColumnWidth(GtkTreeView* list, GtkTreeViewColumn* column, std::size_t position)
+{
+    const int id = pGTable->ColumnPosition[position];
+    const int stored = pGTable->ColumnSize[position];
+    if (stored <= 0) {
+        return NaturalWidth(list, column, id);
+    }
+    const ColumnKind& kind = kColumns[static_cast<std::size_t>(id)];
+    const bool is_untouched = stored == GTable().ColumnSize[position];
+    const int needed = kind.align_right && is_untouched ? NaturalWidth(list, column, id) : 0;
+    return std::max(needed, std::clamp(stored, kNarrowestColumn, kWidestColumn));
 }
 
 /// Shows by which column and which way the list is sorted.
@@ -255,7 +268,7 @@ void MakeClickable(GtkTreeViewColumn* column, int list_column)
 void AppendIconColumn(GtkTreeView* list)
 {
     GtkTreeViewColumn* const column = AppendColumn(list, gtk_cell_renderer_pixbuf_new(), DrawIcon, 0);
-    GtkWidget* const title = gtk_image_new_from_pixbuf(pGTable->CloseDirPixmap);
+    GtkWidget* const title = CreatePixmap(PICTURE(CloseDir));
     gtk_widget_show(title);
     gtk_tree_view_column_set_widget(column, title);
     MakeClickable(column, 0);
@@ -274,9 +287,7 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position)
     gtk_tree_view_column_set_resizable(column, TRUE);
     gtk_tree_view_column_set_min_width(column, kNarrowestColumn);
     MakeClickable(column, static_cast<int>(position) + 1);
-    const int stored = pGTable->ColumnSize[position];
-    gtk_tree_view_column_set_fixed_width(
-        column, stored > 0 ? std::clamp(stored, kNarrowestColumn, kWidestColumn) : NaturalWidth(list, column, id));
+    gtk_tree_view_column_set_fixed_width(column, ColumnWidth(list, column, position));
     g_signal_connect(column, "notify::fixed-width", G_CALLBACK(on_FileList_resize_column), GSIZE_TO_POINTER(position));
 }
 
@@ -289,22 +300,11 @@ void AppendFillerColumn(GtkTreeView* list)
     gtk_tree_view_append_column(list, column);
 }
 
-void ApplyListStyle(GtkWidget* list)
-{
-    GtkStyleContext* const context = gtk_widget_get_style_context(list);
-    gtk_style_context_add_class(context, "fennick-list");
-    GtkCssProvider* const provider = gtk_css_provider_new();
-    gtk_css_provider_load_from_data(provider, kListStyle, -1, nullptr);
-    gtk_style_context_add_provider(context, GTK_STYLE_PROVIDER(provider), GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    g_object_unref(provider);
-}
-
 GtkTreeView* NewListView()
 {
     GtkWidget* const widget = CreateTreeView(_("File list"));
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
     g_object_set_data_full(G_OBJECT(widget), "fennick-model", NewListModel(), g_object_unref);
-    ApplyListStyle(widget);
     gtk_tree_view_set_enable_search(list, FALSE);
     AppendIconColumn(list);
     for (std::size_t i = 0; i < static_cast<std::size_t>(pGTable->ColumnCount); ++i) {

@@ -32,15 +32,15 @@ constexpr int kPromptCharacters = 60;
 struct OperationText {
     const char* title;
     const char* prompt;
-    const char* const* icon;
+    Picture icon;
 };
 
 /// Places are those of OperationMode.
 constexpr std::array<OperationText, 4> kTexts = {{
-    {N_("Create a new directory"), N_("New directory name:"), IconNew_xpm},
-    {N_("Create a new file"), N_("New file name:"), IconNew_xpm},
-    {N_("Copy"), N_("Copy %s to:"), IconCopy_xpm},
-    {N_("Move"), N_("Move %s to:"), IconMove_xpm},
+    {N_("Create a new directory"), N_("New directory name:"), PICTURE(IconNew)},
+    {N_("Create a new file"), N_("New file name:"), PICTURE(IconNew)},
+    {N_("Copy"), N_("Copy %s to:"), PICTURE(IconCopy)},
+    {N_("Move"), N_("Move %s to:"), PICTURE(IconMove)},
 }};
 
 /// What the dialog's buttons work on while it runs.

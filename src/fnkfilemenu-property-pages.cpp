@@ -85,6 +85,19 @@ void CreateStatisticsPage(GtkWidget* notebook, PropertyDlgData* data)
     CreateTabLabel(notebook, 0, _("Statistics"));
 }
 
+/// Themes shade a pressed button, some of them hardly; a tick leaves no doubt.
+void AddTick(GtkWidget* toggle)
+{
+    GtkWidget* const tick = gtk_image_new_from_icon_name("object-select-symbolic", GTK_ICON_SIZE_BUTTON);
+    gtk_button_set_image(GTK_BUTTON(toggle), tick);
+    gtk_button_set_always_show_image(GTK_BUTTON(toggle), TRUE);
+    gtk_widget_set_opacity(tick, 0.0);
+    g_signal_connect(toggle, "toggled", G_CALLBACK(+[](GtkToggleButton* button, gpointer image) {
+                         gtk_widget_set_opacity(GTK_WIDGET(image), gtk_toggle_button_get_active(button) ? 1.0 : 0.0);
+                     }),
+                     tick);
+}
+
 /// A click leaves the focus where it is, but keys reach the toggle: without a mouse there is no
 /// other way to them.
 GtkWidget* NewToggle(const char* label, const std::string& accessible_name, PropertyDlgData* data)
@@ -93,6 +106,7 @@ GtkWidget* NewToggle(const char* label, const std::string& accessible_name, Prop
     if (label != nullptr) {
         gtk_button_set_label(GTK_BUTTON(toggle), label);
     }
+    AddTick(toggle);
     gtk_widget_set_focus_on_click(toggle, FALSE);
     SetAccessibleName(toggle, accessible_name.c_str());
     g_signal_connect(toggle, "toggled", G_CALLBACK(on_PerToggle_toggled), data);

@@ -33,20 +33,20 @@ constexpr std::size_t kMaxNameBytes = 512;
 
 struct TypeAppearance {
     const char* text;
-    const char* const* icon;
+    Picture icon;
 };
 
 /// Places are those of FileType.
 constexpr std::array<TypeAppearance, 9> kTypes = {{
-    {N_("Directory"), FileDir_xpm},
-    {N_("Execute file"), FileExec_xpm},
-    {N_("Normal file"), FileNormal_xpm},
-    {N_("Core file"), FileCore_xpm},
-    {N_("Symbolic link file"), FileLink_xpm},
-    {N_("Stalled link file"), FileLinkLost_xpm},
-    {N_("Socket file"), FileSocket_xpm},
-    {N_("Special device"), FileSpecial_xpm},
-    {N_("FIFO file"), FileFIFO_xpm},
+    {N_("Directory"), PICTURE(FileDir)},
+    {N_("Execute file"), PICTURE(FileExec)},
+    {N_("Normal file"), PICTURE(FileNormal)},
+    {N_("Core file"), PICTURE(FileCore)},
+    {N_("Symbolic link file"), PICTURE(FileLink)},
+    {N_("Stalled link file"), PICTURE(FileLinkLost)},
+    {N_("Socket file"), PICTURE(FileSocket)},
+    {N_("Special device"), PICTURE(FileSpecial)},
+    {N_("FIFO file"), PICTURE(FileFIFO)},
 }};
 
 GtkWidget* GroupEntry(const PropertyDlgData* data)
@@ -102,14 +102,6 @@ std::string DescribeType(const std::string& path, const struct stat& st, FileTyp
     return FormatText(_("%s (Exist file:%s)"), text, DisplayText(target != nullptr ? target.get() : "").c_str());
 }
 
-void SetIcon(GtkWidget* image, const char* const* xpm)
-{
-    // The toolkit never writes to the data; its declaration is older than const there.
-    GdkPixbuf* icon = gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
-    gtk_image_set_from_pixbuf(GTK_IMAGE(image), icon);
-    g_clear_object(&icon);
-}
-
 void SetText(GtkWidget* label, const std::string& text)
 {
     gtk_label_set_text(GTK_LABEL(label), text.c_str());
@@ -127,7 +119,7 @@ void ShowName(const PropertyDlgData* data)
 void ShowStatistics(const PropertyDlgData* data, const struct stat& st)
 {
     const FileType type = GetFileType(data->Path, st);
-    SetIcon(data->Icon, kTypes[type].icon);
+    ShowPicture(data->Icon, kTypes[type].icon);
     SetText(data->TypeLabel, DescribeType(data->Path, st, type));
     SetText(data->SizeLabel, FormatText(_("%s (%lldByte)"), ConvertSize(static_cast<std::uint64_t>(st.st_size)).c_str(),
                                         static_cast<long long>(st.st_size)));

@@ -35,7 +35,7 @@ void CreateAbortDlg()
     GtkWidget* vbox = nullptr;
     GtkWidget* const dialog = CreateNormalDialogBox(&vbox, 0, 0, kSpacing);
     gtk_window_set_title(GTK_WINDOW(dialog), _("Abort"));
-    GtkWidget* const image = CreatePixmap(Abort_xpm);
+    GtkWidget* const image = CreatePixmap(PICTURE(Abort));
     gtk_box_pack_start(GTK_BOX(vbox), image, FALSE, FALSE, 0);
     gtk_widget_show(image);
     AddNotice(vbox);

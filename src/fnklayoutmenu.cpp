@@ -73,7 +73,7 @@ GtkWidget* AddReverseCheck(GtkWidget* vbox)
 void CreateSortDlg()
 {
     GtkWidget* vbox = nullptr;
-    GtkWidget* const dialog = CreateIconDialogBox(&vbox, IconSort_xpm, 0, 0, 0);
+    GtkWidget* const dialog = CreateIconDialogBox(&vbox, PICTURE(IconSort), 0, 0, 0);
     gtk_window_set_title(GTK_WINDOW(dialog), _("Sort"));
     SortDlgInfo info;
     info.ColumnCombo = AddColumnCombo(vbox);
@@ -103,7 +103,7 @@ void on_Sort_OKButton_clicked(GtkWidget*, gpointer data)
 void CreateFilterDlg()
 {
     const PatternDlgTexts texts = {_("Filter"), _("Enter a filter here for files in the file list view."),
-                                   IconFilter_xpm};
+                                   PICTURE(IconFilter)};
     CreatePatternDlg(texts, pGTable->Filter ? pGTable->FilterName : kShowAll, G_CALLBACK(on_Filter_OKButton_clicked));
 }
 

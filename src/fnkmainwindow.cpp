@@ -153,6 +153,15 @@ GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
     return bar;
 }
 
+/// Wide enough for what it says while there is no filter, in whatever font and language.
+void FitFilterStatus()
+{
+    constexpr int kInsets = 40;  // Of bar, frame and label.
+    GtkWidget* const bar = pMainW->FilterStatusBar;
+    const int text_width = GetTextWidth(StatusBarLabel(bar), _(" Filter: Show all files"));
+    gtk_widget_set_size_request(bar, std::max(kFilterStatusWidth, text_width + kInsets), -1);
+}
+
 }  // namespace
 
 GtkWidget* CreateMainWindow()
@@ -180,8 +189,8 @@ GtkWidget* CreateMainWindow()
     GtkWidget* const status_box = CreateHBox(vbox, false, kStatusSpacing, 0);
     pMainW->StatusBar = CreateStatusBar(status_box, _("Status"), true);
     pMainW->FilterStatusBar = CreateStatusBar(status_box, _("Filter status"), false);
-    gtk_widget_set_size_request(pMainW->FilterStatusBar, kFilterStatusWidth, -1);
     DisplayFilterStatus();
+    FitFilterStatus();
 
     g_signal_connect(window, "destroy", G_CALLBACK(on_MainWindow_destroy), nullptr);
     g_signal_connect(window, "delete-event", G_CALLBACK(on_MainWindow_delete_event), nullptr);

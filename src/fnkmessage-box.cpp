@@ -22,19 +22,19 @@ constexpr int kButtonHeight = 30;
 /// Longer lines are broken, at blanks or within a path.
 constexpr int kLineCharacters = 70;
 
-const char* const* MessageIcon(unsigned style)
+Picture MessageIcon(unsigned style)
 {
     switch (style & 0xffff) {
     case 1:
-        return Information_xpm;
+        return PICTURE(Information);
     case 2:
-        return Question_xpm;
+        return PICTURE(Question);
     case 3:
-        return Exclamation_xpm;
+        return PICTURE(Exclamation);
     case 5:
-        return Delete_xpm;
+        return PICTURE(Delete);
     default:
-        return Stop_xpm;
+        return PICTURE(Stop);
     }
 }
 
@@ -129,7 +129,7 @@ Result MessageBox(const char* title, const std::string& message, unsigned style)
 Result DeleteMessageBox(const std::string& name)
 {
     GtkWidget* text_box = nullptr;
-    GtkWidget* const dialog = CreateIconDialogBox(&text_box, Question_xpm, 0, 0, 0);
+    GtkWidget* const dialog = CreateIconDialogBox(&text_box, PICTURE(Question), 0, 0, 0);
     gtk_window_set_title(GTK_WINDOW(dialog), _("Delete"));
     AddMessageLabel(text_box, FormatPathMessage(_("Delete - %s"), name));
     AddMessageLabel(text_box, _("Directory not empty.Is the file in a directory also delete? "));

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fnkstring.h"
+#include "fnkutil-color.h"
 #include "fnkutil-widget.h"
 
 namespace {

@@ -26,20 +26,20 @@ using ToolHandler = void (*)(GtkWidget*, gpointer);
 
 struct ToolEntry {
     const char* label;  ///< Null for a space.
-    const char* const* image;
+    Picture image;
     ToolHandler handler;
 };
 
 constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
-    {N_("Back"), Back_xpm, on_Tool_Back_clicked},
-    {N_("Up"), Up_xpm, on_Tool_Up_clicked},
-    {N_("Forward"), Foward_xpm, on_Tool_Forward_clicked},
-    {nullptr, nullptr, nullptr},
-    {N_("Rescan"), Rescan_xpm, on_Tool_Rescan_clicked},
-    {nullptr, nullptr, nullptr},
-    {N_("Home"), Home_xpm, on_Tool_Home_clicked},
-    {nullptr, nullptr, nullptr},
-    {N_("Property"), Property_xpm, on_Tool_Property_clicked},
+    {N_("Back"), PICTURE(Back), on_Tool_Back_clicked},
+    {N_("Up"), PICTURE(Up), on_Tool_Up_clicked},
+    {N_("Forward"), PICTURE(Foward), on_Tool_Forward_clicked},
+    {nullptr, {}, nullptr},
+    {N_("Rescan"), PICTURE(Rescan), on_Tool_Rescan_clicked},
+    {nullptr, {}, nullptr},
+    {N_("Home"), PICTURE(Home), on_Tool_Home_clicked},
+    {nullptr, {}, nullptr},
+    {N_("Property"), PICTURE(Property), on_Tool_Property_clicked},
 }};
 
 /// All clicks come through here: one that comes after the end finds no records to work on.

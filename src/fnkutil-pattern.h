@@ -5,10 +5,12 @@
 
 #include <string>
 
+#include "fnkutil-picture.h"
+
 struct PatternDlgTexts {
     const char* title;
     const char* prompt;  ///< Stands above the entry, and is its name for screen readers.
-    const char* const* icon;
+    Picture icon;
 };
 
 /// Runs a dialog over the main window. Its entry, with FilterHistory to choose from, says the

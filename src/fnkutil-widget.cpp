@@ -140,15 +140,15 @@ GtkWidget* CreateNormalDialogBox(GtkWidget** vbox, int width, int height, int sp
     return dialog;
 }
 
-GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const char* const* xpm, int width, int height, int spacing)
+GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const Picture& picture, int width, int height, int spacing)
 {
     GtkWidget* content = nullptr;
-    if (vbox == nullptr || xpm == nullptr) {
+    if (vbox == nullptr || picture.xpm == nullptr) {
         return nullptr;
     }
     GtkWidget* const dialog = CreateDialogBox(&content, width, height);
     GtkWidget* const hbox = CreateHBox(content, false, kIconSpacing, 0);
-    GtkWidget* const icon = CreatePixmap(xpm);
+    GtkWidget* const icon = CreatePixmap(picture);
     gtk_box_pack_start(GTK_BOX(hbox), icon, FALSE, FALSE, 0);
     gtk_widget_show(icon);
     *vbox = gtk_box_new(GTK_ORIENTATION_VERTICAL, spacing);
@@ -290,15 +290,13 @@ GtkWidget* CreateComboBox(GtkWidget** entry, bool editable, int max_length)
     return combo;
 }
 
-GtkWidget* CreatePixmap(const char* const* xpm)
+GtkWidget* CreatePixmap(const Picture& picture)
 {
-    if (xpm == nullptr) {
+    if (picture.xpm == nullptr) {
         return nullptr;
     }
-    // The toolkit never writes to the data; its declaration is older than const there.
-    GdkPixbuf* pixbuf = gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
-    GtkWidget* const image = gtk_image_new_from_pixbuf(pixbuf);
-    g_clear_object(&pixbuf);
+    GtkWidget* const image = gtk_image_new();
+    ShowPicture(image, picture);
     return image;
 }
 
@@ -599,13 +597,6 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
     gtk_label_set_text(GTK_LABEL(StatusBarLabel(status_bar)), shown.c_str());
     // The bar's name says which bar it is, and hides the label from screen readers.
     atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
-}
-
-GdkRGBA ShownColor(const Color& color)
-{
-    constexpr double kFull = 0xff00;  // What the settings file can say at most.
-    const auto part = [](std::uint16_t component) { return std::min(component / kFull, 1.0); };
-    return {part(color.red), part(color.green), part(color.blue), 1.0};
 }
 
 void SetAccessibleName(GtkWidget* widget, const char* name)

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "fnktable.h"
+#include "fnkutil-picture.h"
 
 /// Result of a dialog builder that could not make a widget, or lacked an argument or its data.
 constexpr int kWidgetError = -65535;
@@ -23,7 +24,7 @@ GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height);
 /// The same with a vertical box in it.
 GtkWidget* CreateNormalDialogBox(GtkWidget** vbox, int width, int height, int spacing);
 /// The same with a picture beside the vertical box.
-GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const char* const* xpm, int width, int height, int spacing);
+GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const Picture& picture, int width, int height, int spacing);
 /// The same with a notebook in it.
 GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height);
 
@@ -45,7 +46,7 @@ GtkWidget* CreateScroll();
 /// A drop-down with an entry. max_length counts characters, 0 is no limit; entry may be null.
 GtkWidget* CreateComboBox(GtkWidget** entry, bool editable, int max_length);
 /// Not shown either.
-GtkWidget* CreatePixmap(const char* const* xpm);
+GtkWidget* CreatePixmap(const Picture& picture);
 GtkWidget* CreateLabel(GtkWidget* box, const char* text);
 GtkWidget* CreateTabLabel(GtkWidget* notebook, int page, const char* text);
 GtkWidget* CreateSeparator(GtkWidget* box);
@@ -114,7 +115,5 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
 /// toolkit tells it of every row that comes, goes or is selected, which doubles the time a large
 /// directory takes.
 GtkWidget* CreateTreeView(const char* accessible_name);
-/// A colour of the settings as the screen shows it.
-GdkRGBA ShownColor(const Color& color);
 /// What screen readers call the widget.
 void SetAccessibleName(GtkWidget* widget, const char* name);

@@ -128,7 +128,7 @@ TEST_F(Dialogs, OneButtonIsTheDefaultAndAMissingArgumentIsAnError)
     EXPECT_EQ(CreateDlgButtonBox(nullptr, &ok, nullptr, CLOSING_WIRED), kWidgetError);
     EXPECT_EQ(CreateDialogBox(nullptr, 1, 1), nullptr);
     EXPECT_EQ(CreateNormalDialogBox(nullptr, 1, 1, 1), nullptr);
-    EXPECT_EQ(CreateIconDialogBox(&vbox, nullptr, 1, 1, 1), nullptr);
+    EXPECT_EQ(CreateIconDialogBox(&vbox, Picture(), 1, 1, 1), nullptr);
     EXPECT_EQ(CreateNotebookDialogBox(nullptr, 1, 1), nullptr);
     for (auto* const builder : {CreateHandleBox, CreateSeparator}) {
         EXPECT_EQ(builder(nullptr), nullptr);
@@ -137,7 +137,7 @@ TEST_F(Dialogs, OneButtonIsTheDefaultAndAMissingArgumentIsAnError)
     EXPECT_EQ(CreateHBox(nullptr, false, 0, 0), nullptr);
     EXPECT_EQ(CreateLabel(nullptr, "text"), nullptr);
     EXPECT_EQ(CreateTabLabel(nullptr, 0, "text"), nullptr);
-    EXPECT_EQ(CreatePixmap(nullptr), nullptr);
+    EXPECT_EQ(CreatePixmap(Picture()), nullptr);
     ModalMainLoop(nullptr, nullptr);
 }
 

@@ -3,6 +3,7 @@
 #include <gdk/gdkkeysyms.h>
 
 #include "fnkfilelist-sort.h"
+#include "fnkutil-color.h"
 #include "windowtest.h"
 
 namespace {
