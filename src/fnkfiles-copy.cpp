@@ -445,7 +445,8 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportStep();
     }
     *flag = 1;
-    const PathPlace target_place(target);
+    const PathPlace target_place =
+        is_directory ? PathPlace(target, PlaceOfDestination(destination)) : PathPlace(target);
     const Command command{kind, {}};
     const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOTHING};
     if (!GoesWhole(transfer)) {

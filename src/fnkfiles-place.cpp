@@ -23,6 +23,14 @@ PathPlace::PathPlace(const std::string& path)
 {
 }
 
+PathPlace::PathPlace(const std::string& path, const std::string& directory)
+    : path_(path),
+      name_(GetLastPath(path)),
+      parent_(open(directory.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)),
+      error_(parent_ ? 0 : errno)
+{
+}
+
 bool GetStatus(const Place& place, struct stat* st)
 {
     return fstatat(place.directory, place.name.c_str(), st, AT_SYMLINK_NOFOLLOW) == 0;

@@ -21,6 +21,8 @@ struct Place {
 class PathPlace {
 public:
     explicit PathPlace(const std::string& path);
+    /// The place that path names in directory, which is no link: it may have become one.
+    PathPlace(const std::string& path, const std::string& directory);
     /// False when the directory cannot be entered; Error says why.
     explicit operator bool() const { return static_cast<bool>(parent_); }
     int Error() const { return error_; }

@@ -288,13 +288,15 @@ TEST_F(FaultTest, ADirectorySwappedForALinkBetweenTwoCallsHarmsNothingOutside)
     const std::function<void()> commands[] = {
         [this] { Copy("to", {"from/t/"}); },
         [this] { Move("to", {"from/t/"}); },
+        [this] { Copy("to", {"from/single"}); },
+        [this] { Move("to", {"from/single"}); },
         [this] {
             Result answer = RESULT_CANCEL;
             RemoveFile(files.At("from/t/"), &answer);
         },
     };
     table.ConfilmOverwrite = 0;
-    for (const char* const name : {"from/t/sub", "to/t/sub"}) {
+    for (const char* const name : {"from/t/sub", "to/t/sub", "to"}) {
         for (std::size_t command = 0; command < std::size(commands); ++command) {
             int k = 0;
             do {
