@@ -78,11 +78,8 @@ int main(int argc, char** argv)
     constexpr struct {
         const char* name;
         std::string (*run)(std::uint64_t seed, const std::string& root_path);
-    } kModes[] = {{"model", RunAgainstModel},
-                  {"faults", RunWithFaults},
-                  {"full", RunOnFullDisk},
-                  {"kill", RunKilledEverywhere},
-                  {"settings", RunSettingsKilled}};
+    } kModes[] = {{"model", RunAgainstModel},    {"faults", RunWithFaults},       {"full", RunOnFullDisk},
+                  {"kill", RunKilledEverywhere}, {"settings", RunSettingsKilled}, {"neighbour", RunBesideNeighbour}};
     std::uint64_t sequences = 1000;
     std::uint64_t seed = 1;
     const auto* mode = kModes;

@@ -17,3 +17,6 @@ std::string RunOnFullDisk(std::uint64_t seed, const std::string& root_path);
 /// With the process killed at each of its calls; and the writing of the settings likewise.
 std::string RunKilledEverywhere(std::uint64_t seed, const std::string& root_path);
 std::string RunSettingsKilled(std::uint64_t seed, const std::string& root_path);
+/// Many commands beside another process that changes the same tree; seed only says what is
+/// tried, not when.
+std::string RunBesideNeighbour(std::uint64_t seed, const std::string& root_path);
