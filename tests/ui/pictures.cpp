@@ -65,8 +65,8 @@ TEST_F(Pictures, HaveAsManyPixelsAsTheScreenHas)
 
 TEST_F(Pictures, AreDrawnAnewAndNotEnlarged)
 {
-    for (const Picture& picture : {PICTURE(Abort), PICTURE(IconFind)}) {
-        EXPECT_GT(CountFineDetails(PictureSurface(picture, 2)), 0) << picture.name;
+    for (const Size& size : sizes) {
+        EXPECT_GT(CountFineDetails(PictureSurface(size.picture, 2)), 0) << size.picture.name;
     }
 }
 
