@@ -16,6 +16,9 @@ from pathlib import Path
 
 BUILD = os.path.abspath(sys.argv.pop(1))
 DEADLINE = 20
+SOURCES = Path(__file__).resolve().parents[2]
+PICTURES = re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text())
+LANGUAGES = (SOURCES / "po/LINGUAS").read_text().split()
 
 FILES = {
     "bin/fennick",
@@ -23,12 +26,13 @@ FILES = {
     "share/applications/fennick.desktop",
     "share/doc/fennick/extension.example",
     "share/fennick/Help/fennick.htm",
+    *(f"share/fennick/Help/{picture}" for picture in PICTURES),
+    *(f"share/locale/{language}/LC_MESSAGES/fennick.mo" for language in LANGUAGES),
     "share/icons/hicolor/scalable/apps/fennick.svg",
     *(f"share/icons/hicolor/{size}x{size}/apps/fennick.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)),
     "share/man/man1/fennick.1",
     "share/metainfo/alt.fennick.fennick.metainfo.xml",
 }
-CATALOGUE = re.compile("share/locale/[a-zA-Z_]+/LC_MESSAGES/fennick.mo")
 
 
 def run(*command, **how):
@@ -58,7 +62,7 @@ class Installed(unittest.TestCase):
         outside = [name for name in found if not name.startswith(prefix)]
         inside = {name.removeprefix(prefix) for name in found}
         self.assertEqual(outside, [])
-        self.assertEqual({name for name in inside if not CATALOGUE.fullmatch(name)}, FILES)
+        self.assertEqual(inside, FILES)
         for name, mode in found.items():
             program = name.startswith(prefix + "bin/")
             self.assertEqual(oct(mode), oct(stat.S_IFREG | (0o755 if program else 0o644)), name)
