@@ -47,8 +47,7 @@ int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
         Descriptor parent(openat(directory.Get(), "..", kPlaceOnly));
         struct stat parent_st = {};
         if (!parent || fstat(parent.Get(), &parent_st) != 0) {
-            // What may not even be searched takes nothing in either.
-            return errno == EACCES ? 0 : errno;
+            return errno;
         }
         if (IsSameObject(st, parent_st)) {
             return 0;
@@ -131,9 +130,14 @@ int LookInside(const std::string& target, const std::string& source, bool* is_in
         fstat(source_directory.Get(), &source_st) != 0) {
         return errno;
     }
+    bool is_told_by_paths = false;
     if (target_st.st_dev == source_st.st_dev) {
         const std::string inner_source = PathInFileSystem(source_directory.Get());
-        *is_inside = !inner_source.empty() && PathInFileSystem(target_directory.Get()).starts_with(inner_source);
+        const std::string inner_target = PathInFileSystem(target_directory.Get());
+        is_told_by_paths = !inner_source.empty() && !inner_target.empty();
+        *is_inside = is_told_by_paths && inner_target.starts_with(inner_source);
     }
-    return *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
+    const int error = *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
+    // From a directory that may not be searched there is no climbing.
+    return error == EACCES && is_told_by_paths ? 0 : error;
 }

@@ -326,12 +326,22 @@ void SwitchPane()
     }
 }
 
+/// A drag has pointer and keyboard then. A menu that a key opened would get neither, and the toolkit
+/// be left with a grab on a window that is not there.
+bool IsButtonHeld(guint state)
+{
+    return (state & (GDK_BUTTON1_MASK | GDK_BUTTON2_MASK | GDK_BUTTON3_MASK)) != 0;
+}
+
 }  // namespace
 
 gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gpointer)
 {
     if (pGTable == nullptr) {
         return FALSE;
+    }
+    if (IsButtonHeld(event->state)) {
+        return TRUE;
     }
     const guint key = PlainKey(event->keyval);
     if (key == GDK_KEY_Tab) {

@@ -7,7 +7,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static FuzzHome home;
     std::uint64_t numbers[2] = {};
-    std::memcpy(numbers, data, std::min(size, sizeof numbers));
+    AsText(data, size).copy(reinterpret_cast<char*>(numbers), sizeof numbers);
     const auto [a, b] = AsTwoTexts(data, size);
     for (int flags = 0; flags < 4; ++flags) {
         home.table.SortCase = flags & 1;

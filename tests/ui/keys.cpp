@@ -323,6 +323,16 @@ TEST_F(Keys, BelongToTheEntryWhileItHasTheFocus)
     ExpectConsistent();
 }
 
+TEST_F(Keys, DoNothingWhileAButtonOfThePointerIsHeld)
+{
+    Start();
+    SelectNames({"a"});
+    SendKey(pMainW->MainWindow, GDK_KEY_Down, GDK_BUTTON1_MASK);
+    EXPECT_EQ(SelectedNames(), Names{"a"});
+    SendKey(pMainW->MainWindow, GDK_KEY_f, GDK_BUTTON3_MASK | GDK_MOD1_MASK);
+    EXPECT_EQ(gtk_grab_get_current(), nullptr) << "a menu that cannot grab the pointer";
+}
+
 TEST_F(Keys, NeverPressAToolbarButton)
 {
     Start();
