@@ -434,8 +434,8 @@ void on_FileList_click_column(int column)
 }
 
 // The toolkit's view keeps a node for each row and sorts these in its turn, which takes longer than
-// all the rest. As all rows are of one height, the nodes differ in nothing but being selected and what a screen
-// reader knows of them, so without either it is enough to draw the rows again.
+// all the rest. As all rows are of one height, the nodes differ in nothing but being selected and
+// what a screen reader knows of them, so without either it is enough to draw the rows again.
 void SortFileList()
 {
     GtkTreeView* const list = MainList();

@@ -57,6 +57,21 @@ void InstallSignalHandler()
     }
 }
 
+/// Null where it cannot be read. Told what it reads, the toolkit need not look through the data base
+/// of all types of files for that, which would take longer than the reading.
+GdkPixbuf* ReadIcon(const char* path)
+{
+    GBytes* const bytes = g_resources_lookup_data(path, G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
+    GdkPixbufLoader* const loader = gdk_pixbuf_loader_new_with_type("png", nullptr);
+    const bool is_read = bytes != nullptr && gdk_pixbuf_loader_write_bytes(loader, bytes, nullptr);
+    // To be closed in any case.
+    const bool is_whole = gdk_pixbuf_loader_close(loader, nullptr) && is_read;
+    GdkPixbuf* const icon = is_whole ? GDK_PIXBUF(g_object_ref(gdk_pixbuf_loader_get_pixbuf(loader))) : nullptr;
+    g_object_unref(loader);
+    g_bytes_unref(bytes);
+    return icon;
+}
+
 /// One picture in the sizes of title bars, window lists and panels, for every window. They are in
 /// the program, so that they are there before it is installed, too.
 void SetWindowIcons()
@@ -64,7 +79,7 @@ void SetWindowIcons()
     GList* icons = nullptr;
     for (const int size : {16, 24, 32, 48, 64, 128}) {
         const std::string path = "/fennick/icons/" + std::to_string(size) + ".png";
-        if (GdkPixbuf* const icon = gdk_pixbuf_new_from_resource(path.c_str(), nullptr)) {
+        if (GdkPixbuf* const icon = ReadIcon(path.c_str())) {
             icons = g_list_append(icons, icon);
         }
     }
