@@ -147,6 +147,13 @@ void on_DirTree_destroy(GtkWidget*, gpointer)
     }
 }
 
+std::string PathOfNode(GtkTreeView* tree, GtkTreePath* path)
+{
+    GtkTreeIter node;
+    return gtk_tree_model_get_iter(gtk_tree_view_get_model(tree), &node, path) ? GetNodePath(tree, node)
+                                                                               : std::string();
+}
+
 /// Pressing the button that selects has entered the directory already; with the other one the
 /// directory under the pointer is entered first, so that what is dragged is what is shown.
 std::vector<std::string> TakeDirectory(GtkTreeView* tree, GtkTreePath* pressed)
@@ -165,7 +172,7 @@ std::string FindTreeDestination(GtkTreeView* tree, int x, int y)
     return node ? GetNodePath(tree, *node) : std::string();
 }
 
-constexpr DragPane kTreePane = {TakeDirectory, FindTreeDestination, ConnectTreeSelectSignal};
+constexpr DragPane kTreePane = {PathOfNode, TakeDirectory, FindTreeDestination, ConnectTreeSelectSignal};
 
 }  // namespace
 

@@ -29,6 +29,7 @@ struct Press {
     int x = 0;
     int y = 0;
     TreePath row;
+    std::string path;  ///< What the row stood for then. The rows may change under a button that is held.
 };
 Press press;
 std::vector<std::string> dragged_items;
@@ -38,7 +39,7 @@ const DragPane& PaneOf(gpointer data)
     return *static_cast<const DragPane*>(data);
 }
 
-gboolean on_Pane_button_press(GtkWidget* widget, GdkEventButton* event, gpointer)
+gboolean on_Pane_button_press(GtkWidget* widget, GdkEventButton* event, gpointer data)
 {
     GtkTreeView* const view = GTK_TREE_VIEW(widget);
     GtkTreePath* row = nullptr;
@@ -48,7 +49,12 @@ gboolean on_Pane_button_press(GtkWidget* widget, GdkEventButton* event, gpointer
         event->window == gtk_tree_view_get_bin_window(view) &&
         gtk_tree_view_get_path_at_pos(view, static_cast<int>(event->x), static_cast<int>(event->y), &row, nullptr,
                                       nullptr, nullptr)) {
-        press = {view, event->button, static_cast<int>(event->x), static_cast<int>(event->y), TreePath(row)};
+        press = {view,
+                 event->button,
+                 static_cast<int>(event->x),
+                 static_cast<int>(event->y),
+                 TreePath(row),
+                 PaneOf(data).PathOfRow(view, row)};
     }
     return FALSE;
 }
@@ -81,7 +87,11 @@ gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointe
         return FALSE;
     }
     const Press start = std::exchange(press, {});
-    dragged_items = PaneOf(data).TakeItems(start.view, start.row.get());
+    const DragPane& pane = PaneOf(data);
+    if (start.path.empty() || pane.PathOfRow(start.view, start.row.get()) != start.path) {
+        return TRUE;
+    }
+    dragged_items = pane.TakeItems(start.view, start.row.get());
     if (!dragged_items.empty()) {
         BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start);
     }

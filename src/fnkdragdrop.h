@@ -13,8 +13,10 @@ extern int (*OnFilesDropped)(const std::vector<std::string>& items, const std::s
 
 /// What a pane has to say about drags.
 struct DragPane {
-    /// A drag starts on that row: the paths that it carries, those of directories with a "/" at
-    /// the end. None: no drag.
+    /// What the row stands for now, a path; empty where there is nothing to drag.
+    std::string (*PathOfRow)(GtkTreeView* view, GtkTreePath* row);
+    /// A drag starts on that row, which has something to drag: the paths that it carries, those of
+    /// directories with a "/" at the end. None: no drag.
     std::vector<std::string> (*TakeItems)(GtkTreeView* view, GtkTreePath* pressed);
     /// The directory that a drop at these coordinates of the widget goes to; empty for none.
     std::string (*FindDestination)(GtkTreeView* view, int x, int y);

@@ -74,13 +74,16 @@ gboolean on_FileList_release_held(GtkWidget*, GdkEventButton*, gpointer)
     return FALSE;
 }
 
+std::string PathOfListRow(GtkTreeView*, GtkTreePath* path)
+{
+    const auto row = static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]);
+    return row < ListRows().Count() && !ListRows().IsParentRow(row) ? ListRowPath(row) : std::string();
+}
+
 std::vector<std::string> TakeSelectedFiles(GtkTreeView*, GtkTreePath* pressed)
 {
     held_row = -1;
     const int row = gtk_tree_path_get_indices(pressed)[0];
-    if (ListRows().IsParentRow(static_cast<std::size_t>(row))) {
-        return {};
-    }
     if (!IsSelected(row)) {
         SelectOnly(row);  // The button that opens no selection still drags what is under it.
     }
@@ -98,7 +101,7 @@ std::string FindListDestination(GtkTreeView*, int, int)
     return pGTable->CurrentDir;
 }
 
-constexpr DragPane kListPane = {TakeSelectedFiles, FindListDestination, ConnectTreeSelectSignal};
+constexpr DragPane kListPane = {PathOfListRow, TakeSelectedFiles, FindListDestination, ConnectTreeSelectSignal};
 
 }  // namespace
 

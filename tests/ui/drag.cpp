@@ -206,4 +206,21 @@ TEST_F(Drag, TheOtherButtonDragsWhatIsUnderIt)
     EXPECT_TRUE(Await([this] { return files.Names("to") == Names{"a", "deep"}; }));
 }
 
+TEST_F(Drag, DoesNotBeginOnARowThatHasChangedUnderThePress)
+{
+    StartWithFiles();
+    for (const char* const name : {"v", "w", "x", "y", "z"}) {
+        files.File(std::string("to/deep/") + name);
+    }
+    const Spot pressed = Row("b b");
+    Pointer(MoveTo(pressed) + "mousedown 3 sleep 0.05");
+    Visit("to/deep/");
+    Settle();
+    Pointer(MoveTo({pressed.x + 40, pressed.y}) + MoveTo({pressed.x + 80, pressed.y}));
+    EXPECT_EQ(SelectedNames(), Names());
+    EXPECT_NE(pGTable->TreeSelectSignal, 0U) << "a drag is under way";
+    Release(3);
+    ExpectConsistent();
+}
+
 }  // namespace
