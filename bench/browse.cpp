@@ -354,13 +354,21 @@ void PrintGrowth(const char* name, const std::vector<int>& counts, const std::fu
         return;
     }
     std::printf("| %s |", name);
+    constexpr std::size_t kColumns = 4;
     std::vector<double> times;
     for (const int count : counts) {
         times.push_back(MedianOf(step(count)));
         std::printf(" %.2f ms |", times.back());
     }
-    for (std::size_t i = 2; i < times.size(); ++i) {
-        std::printf(" %.1f |", times[i] / times[i - 1]);
+    for (std::size_t i = times.size(); i < kColumns; ++i) {
+        std::printf(" |");
+    }
+    for (std::size_t i = 2; i < kColumns; ++i) {
+        if (i < times.size()) {
+            std::printf(" %.1f |", times[i] / times[i - 1]);
+        } else {
+            std::printf(" |");
+        }
     }
     std::printf("\n");
     std::fflush(stdout);
