@@ -171,40 +171,37 @@ void LookAtRows()
     }
 }
 
-Side SelectingAll()
+/// Timed until the selection is painted.
+Side Selecting(void (*choose)(), void (*prepare)())
 {
-    return {[](int) {
-                SelectAllListRows();
+    return {[choose](int) {
+                choose();
                 Paint();
             },
-            [](int) {
-                UnselectAllListRows();
+            [prepare](int) {
+                prepare();
                 Settle();
             }};
+}
+
+void SelectScattered()
+{
+    SelectMatchingRows(kScattered);
+}
+
+Side SelectingAll()
+{
+    return Selecting(SelectAllListRows, UnselectAllListRows);
 }
 
 Side SelectingScattered()
 {
-    return {[](int) {
-                SelectMatchingRows(kScattered);
-                Paint();
-            },
-            [](int) {
-                UnselectAllListRows();
-                Settle();
-            }};
+    return Selecting(SelectScattered, UnselectAllListRows);
 }
 
 Side Inverting()
 {
-    return {[](int) {
-                InvertListSelection();
-                Paint();
-            },
-            [](int) {
-                SelectMatchingRows(kScattered);
-                Settle();
-            }};
+    return Selecting(InvertListSelection, SelectScattered);
 }
 
 void PressKey(guint keyval)
@@ -312,15 +309,7 @@ void MeasureRows()
     Compare(wanted, "invert among 100,000 rows", goal, Inverting(), "one pass", pass);
     Compare(wanted, "select by pattern among 100,000 rows", goal, SelectingScattered(), "one pass", pass);
     Compare(wanted, "a key with 100,000 rows selected", goal,
-            {[](int) {
-                 PressKey(GDK_KEY_Up);
-                 Paint();
-             },
-             [](int) {
-                 SelectAllListRows();
-                 Settle();
-             }},
-            "one pass", pass);
+            Selecting([] { PressKey(GDK_KEY_Up); }, SelectAllListRows), "one pass", pass);
     UnselectAllListRows();
     for (int kind = COLUMN_NAME; kind <= COLUMN_INODE; ++kind) {
         const std::string name = std::string("sort 100,000 rows by ") + kKindNames[kind];
