@@ -2,13 +2,12 @@
 // cannot do without, in turns; and how that grows with the directory. Needs a display;
 // FENNICK_BENCH_DIR names the folder for the scratch directory, which takes 1.2 million files.
 //
-//     script/with-display build/bench/bench-browse [PART OF A NAME]
+//     script/with-display build/bench/bench-browse [--growth] [PART OF A NAME]
 
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -29,8 +28,6 @@ constexpr int kMillion = 1'000'000;
 constexpr int kSubdirectories = 10'000;
 
 std::string top;
-/// Only what has this in its name is measured.
-std::string wanted;
 
 /// Names that come in no order, as those of real files.
 std::string NameOf(int i)
@@ -291,12 +288,11 @@ void MeasureOpening()
 {
     for (const auto& [count, name, goal] : {std::tuple{kEntries, "open 100,000 entries", Goal{.ratio = 2}},
                                             std::tuple{kMillion, "open 1,000,000 entries", Goal{.ratio = 2.5}}}) {
-        if (std::string(name).find(wanted) == std::string::npos) {
+        if (!wanted.Has(name)) {
             continue;
         }
         const std::string path = ManyFiles(count);
-        Compare(wanted, name, goal, {[&](int) { OpenAndPaint(path); }}, "readdir + fstatat",
-                {[&](int) { BareRead(path); }});
+        Compare(name, goal, {[&](int) { OpenAndPaint(path); }}, "readdir + fstatat", {[&](int) { BareRead(path); }});
     }
 }
 
@@ -305,15 +301,15 @@ void MeasureRows()
     Enter(ManyFiles(kEntries));
     const Goal goal = {.milliseconds = 100};
     const Side pass = {[](int) { LookAtRows(); }};
-    Compare(wanted, "select all of 100,000 rows", goal, SelectingAll(), "one pass", pass);
-    Compare(wanted, "invert among 100,000 rows", goal, Inverting(), "one pass", pass);
-    Compare(wanted, "select by pattern among 100,000 rows", goal, SelectingScattered(), "one pass", pass);
-    Compare(wanted, "a key with 100,000 rows selected", goal,
-            Selecting([] { PressKey(GDK_KEY_Up); }, SelectAllListRows), "one pass", pass);
+    Compare("select all of 100,000 rows", goal, SelectingAll(), "one pass", pass);
+    Compare("invert among 100,000 rows", goal, Inverting(), "one pass", pass);
+    Compare("select by pattern among 100,000 rows", goal, SelectingScattered(), "one pass", pass);
+    Compare("a key with 100,000 rows selected", goal, Selecting([] { PressKey(GDK_KEY_Up); }, SelectAllListRows),
+            "one pass", pass);
     UnselectAllListRows();
     for (int kind = COLUMN_NAME; kind <= COLUMN_INODE; ++kind) {
         const std::string name = std::string("sort 100,000 rows by ") + kKindNames[kind];
-        Compare(wanted, name.c_str(), {.ratio = 1.5}, Sorting(kind), "std::stable_sort", SortingPlainly(kind));
+        Compare(name.c_str(), {.ratio = 1.5}, Sorting(kind), "std::stable_sort", SortingPlainly(kind));
     }
     pGTable->ColumnPosition[1] = COLUMN_SIZE;
 }
@@ -321,85 +317,32 @@ void MeasureRows()
 void MeasureExpanding()
 {
     const std::string path = ManyDirectories(kSubdirectories);
-    Compare(wanted, "expand 10,000 subdirectories", {.ratio = 2}, Expanding(path), "the same reads",
+    Compare("expand 10,000 subdirectories", {.ratio = 2}, Expanding(path), "the same reads",
             {[&](int) { BareExpand(path); }});
-}
-
-double MedianOf(const Side& side)
-{
-    std::vector<double> times;
-    for (int run = 0; run < kRuns; ++run) {
-        side.prepare(run);
-        times.push_back(Milliseconds([&] { side.work(run); }));
-    }
-    return Median(times);
-}
-
-/// One row: what a step takes in directories of growing size, and by how much it grew where that
-/// shows best, from 10,000 on.
-void PrintGrowth(const char* name, const std::vector<int>& counts, const std::function<Side(int)>& step)
-{
-    if (std::string(name).find(wanted) == std::string::npos) {
-        return;
-    }
-    std::printf("| %s |", name);
-    constexpr std::size_t kColumns = 4;
-    std::vector<double> times;
-    for (const int count : counts) {
-        times.push_back(MedianOf(step(count)));
-        std::printf(" %.2f ms |", times.back());
-    }
-    for (std::size_t i = times.size(); i < kColumns; ++i) {
-        std::printf(" |");
-    }
-    for (std::size_t i = 2; i < kColumns; ++i) {
-        if (i < times.size()) {
-            std::printf(" %.1f |", times[i] / times[i - 1]);
-        } else {
-            std::printf(" |");
-        }
-    }
-    std::printf("\n");
-    std::fflush(stdout);
-}
-
-/// Ten times as many entries may take this many times as long, at n log n.
-double Allowed(double from)
-{
-    return 10 * std::log(10 * from) / std::log(from);
 }
 
 void MeasureGrowth()
 {
-    if (!wanted.empty() && !wanted.starts_with("growth")) {
-        return;
-    }
-    const std::vector<int> counts = {1'000, 10'000, kEntries, kMillion};
-    std::printf(
-        "\n| step | 1,000 | 10,000 | 100,000 | 1,000,000 | to 100,000 (n log n: %.1f) "
-        "| to 1,000,000 (n log n: %.1f) |\n|---|---|---|---|---|---|---|\n",
-        Allowed(1e4), Allowed(1e5));
     const auto listed = [](Side (*step)()) {
         return [step](int count) {
             Enter(ManyFiles(count));
             return step();
         };
     };
-    PrintGrowth("growth: bare readdir + fstatat", counts,
+    PrintGrowth("bare readdir + fstatat", kUpToAMillion,
                 [](int count) { return Side{[path = ManyFiles(count)](int) { BareRead(path); }}; });
-    PrintGrowth("growth: open and paint", counts,
+    PrintGrowth("open and paint", kUpToAMillion,
                 [](int count) { return Side{[path = ManyFiles(count)](int) { OpenAndPaint(path); }}; });
-    PrintGrowth("growth: select all", counts, listed(SelectingAll));
-    PrintGrowth("growth: invert", counts, listed(Inverting));
-    PrintGrowth("growth: select by pattern", counts, listed(SelectingScattered));
-    PrintGrowth("growth: sort by name", counts, listed([] { return Sorting(COLUMN_NAME); }));
-    PrintGrowth("growth: std::stable_sort of names", counts, listed([] { return SortingPlainly(COLUMN_NAME); }));
-    PrintGrowth("growth: sort by i Node number", counts, listed([] { return Sorting(COLUMN_INODE); }));
-    PrintGrowth("growth: std::stable_sort of numbers", counts, listed([] { return SortingPlainly(COLUMN_INODE); }));
-    PrintGrowth("growth: sort by permission", counts, listed([] { return Sorting(COLUMN_PERMISSION); }));
-    PrintGrowth("growth: sort by modification time", counts, listed([] { return Sorting(COLUMN_MODIFICATION_TIME); }));
-    PrintGrowth("growth: expand", {1'000, 10'000, kEntries},
-                [](int count) { return Expanding(ManyDirectories(count)); });
+    PrintGrowth("select all", kUpToAMillion, listed(SelectingAll));
+    PrintGrowth("invert", kUpToAMillion, listed(Inverting));
+    PrintGrowth("select by pattern", kUpToAMillion, listed(SelectingScattered));
+    PrintGrowth("sort by name", kUpToAMillion, listed([] { return Sorting(COLUMN_NAME); }));
+    PrintGrowth("std::stable_sort of names", kUpToAMillion, listed([] { return SortingPlainly(COLUMN_NAME); }));
+    PrintGrowth("sort by i Node number", kUpToAMillion, listed([] { return Sorting(COLUMN_INODE); }));
+    PrintGrowth("std::stable_sort of numbers", kUpToAMillion, listed([] { return SortingPlainly(COLUMN_INODE); }));
+    PrintGrowth("sort by permission", kUpToAMillion, listed([] { return Sorting(COLUMN_PERMISSION); }));
+    PrintGrowth("sort by modification time", kUpToAMillion, listed([] { return Sorting(COLUMN_MODIFICATION_TIME); }));
+    PrintGrowth("expand", {1'000, 10'000, kEntries}, [](int count) { return Expanding(ManyDirectories(count)); });
 }
 
 }  // namespace
@@ -409,11 +352,14 @@ int main(int argc, char** argv)
     const BenchDirectory scratch;
     top = scratch.Path();
     gtk_init(&argc, &argv);
-    wanted = argc > 1 ? argv[1] : "";
+    ReadWanted(argc, argv);
     StartFennick(top);
-    MeasureOpening();
-    MeasureRows();
-    MeasureExpanding();
-    MeasureGrowth();
+    if (wanted.growth) {
+        MeasureGrowth();
+    } else {
+        MeasureOpening();
+        MeasureRows();
+        MeasureExpanding();
+    }
     return 0;
 }

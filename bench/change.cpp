@@ -2,7 +2,9 @@
 // turns; and for how long the window does not paint meanwhile. Needs a display; FENNICK_BENCH_DIR
 // names the folder for the scratch directory, which should be on a disk and have 12 GiB to spare.
 //
-//     script/with-display build/bench/bench-change [PART OF A NAME]
+//     script/with-display build/bench/bench-change [--growth] [PART OF A NAME]
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -25,8 +27,6 @@ constexpr int kDirectories = 110;
 constexpr std::size_t kLargeBytes = std::size_t{1} << 30;
 
 std::string top;
-/// Only what has this in its name is measured.
-std::string wanted;
 
 /// As the commands do.
 void RunCommand(OperationKind kind, const std::string& item, const std::function<void()>& work)
@@ -79,15 +79,52 @@ void Measure()
         return [&at, name](int run) { Tool("cp -a " + top + "/tree " + at(name, run)); };
     };
     const auto goal = [](double ratio) { return Goal{.ratio = ratio, .pause = 100}; };
-    Compare(wanted, "copy 10,000 files", goal(1.3), {[&](int run) { Copy(top + "/tree/", at("ours", run)); }},
-            "cp -a, sync", {[&](int run) { Tool("cp -a " + top + "/tree " + at("tool", run) + " && sync"); }});
-    Compare(wanted, "count 10,000 files", goal(1.2), {[&](int) { CountOperationFile(top + "/tree/"); }}, "find",
+    Compare("copy 10,000 files", goal(1.3), {[&](int run) { Copy(top + "/tree/", at("ours", run)); }}, "cp -a, sync",
+            {[&](int run) { Tool("cp -a " + top + "/tree " + at("tool", run) + " && sync"); }});
+    Compare("count 10,000 files", goal(1.2), {[&](int) { CountOperationFile(top + "/tree/"); }}, "find",
             {[&](int) { Tool("find " + top + "/tree > /dev/null"); }});
-    Compare(wanted, "delete 10,000 files", goal(1.3),
-            {[&](int run) { Delete(at("doomed", run) + "/"); }, doom("doomed")}, "rm -rf, sync",
+    Compare("delete 10,000 files", goal(1.3), {[&](int run) { Delete(at("doomed", run) + "/"); }, doom("doomed")},
+            "rm -rf, sync",
             {[&](int run) { Tool("rm -rf " + at("tool-doomed", run) + " && sync"); }, doom("tool-doomed")});
-    Compare(wanted, "copy 1 GiB", goal(1.1), {[&](int run) { Copy(top + "/large", at("our-large", run)); }}, "cp, sync",
+    Compare("copy 1 GiB", goal(1.1), {[&](int run) { Copy(top + "/large", at("our-large", run)); }}, "cp, sync",
             {[&](int run) { Tool("cp " + top + "/large " + at("tool-large", run) + " && sync"); }});
+}
+
+/// A tree of so many empty files, a hundred in each directory, made when it is first asked for.
+std::string ManyFiles(int count)
+{
+    constexpr int kInDirectory = 100;
+    const std::string path = top + "/files" + std::to_string(count);
+    if (!fs::create_directory(path)) {
+        return path;
+    }
+    for (int i = 0; i < count; ++i) {
+        const std::string directory = path + "/d" + std::to_string(i / kInDirectory);
+        fs::create_directory(directory);
+        mknod((directory + "/file" + std::to_string(i)).c_str(), S_IFREG | 0644, 0);
+    }
+    sync();
+    return path;
+}
+
+/// Everything is copied before anything is deleted: where many files were deleted, ext4 is slow at
+/// making new ones for some minutes.
+void MeasureGrowth()
+{
+    const auto row = [](const char* name, const char* copy, void (*step)(const std::string&, const std::string&)) {
+        const auto side = [copy, step](int count) {
+            return Side{[=, source = ManyFiles(count)](int run) { step(source, source + copy + std::to_string(run)); }};
+        };
+        PrintGrowth(name, kUpToAMillion, side, [](int count) { return count < kMeasuredOnce ? kRuns : 1; });
+    };
+    row("copy", "-ours", [](const std::string& source, const std::string& copy) { Copy(source + "/", copy); });
+    row("cp -a, sync", "-tool",
+        [](const std::string& source, const std::string& copy) { Tool("cp -a " + source + " " + copy + " && sync"); });
+    row("count", "-ours", [](const std::string&, const std::string& copy) { CountOperationFile(copy + "/"); });
+    row("find", "-tool", [](const std::string&, const std::string& copy) { Tool("find " + copy + " > /dev/null"); });
+    row("delete", "-ours", [](const std::string&, const std::string& copy) { Delete(copy + "/"); });
+    row("rm -rf, sync", "-tool",
+        [](const std::string&, const std::string& copy) { Tool("rm -rf " + copy + " && sync"); });
 }
 
 }  // namespace
@@ -97,9 +134,13 @@ int main(int argc, char** argv)
     const BenchDirectory scratch;
     top = scratch.Path();
     gtk_init(&argc, &argv);
-    wanted = argc > 1 ? argv[1] : "";
-    MakeTree();
+    ReadWanted(argc, argv);
     StartFennick(top);
-    Measure();
+    if (wanted.growth) {
+        MeasureGrowth();
+    } else {
+        MakeTree();
+        Measure();
+    }
     return 0;
 }

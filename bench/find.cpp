@@ -1,8 +1,8 @@
 // What finding files costs, from the press of OK to the painted result, beside find(1) looking for
 // the same, in turns; and for how long the window does not paint meanwhile. Needs a display;
-// FENNICK_BENCH_DIR names the folder for the scratch directory, which takes half a million files.
+// FENNICK_BENCH_DIR names the folder for the scratch directory, which takes 1.1 million files.
 //
-//     script/with-display build/bench/bench-find [PART OF A NAME]
+//     script/with-display build/bench/bench-find [--growth] [PART OF A NAME]
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,9 +13,10 @@
 
 namespace {
 
-constexpr int kTopDirectories = 50;
-constexpr int kDirectories = 100;  ///< In each of them.
+constexpr int kDirectories = 100;  ///< At most, in each top directory.
 constexpr int kFiles = 99;         ///< In each of those.
+
+std::string top;
 
 /// One file in a hundred is a "one-", one in five a "many-".
 std::string FileName(int number)
@@ -24,16 +25,22 @@ std::string FileName(int number)
     return kind + std::to_string(number) + ".txt";
 }
 
-void MakeTree(const std::string& top)
+/// A tree of so many entries, made when it is first asked for.
+std::string Tree(int count)
 {
-    for (int i = 0; i < kTopDirectories * kDirectories; ++i) {
+    const std::string tree = top + "/" + std::to_string(count) + "/";
+    for (int i = 0; !std::filesystem::exists(tree + "complete"); ++i) {
         const std::string directory =
-            top + "/d" + std::to_string(i % kTopDirectories) + "/e" + std::to_string(i / kTopDirectories) + "/";
+            tree + "d" + std::to_string(i / kDirectories) + "/e" + std::to_string(i % kDirectories) + "/";
         std::filesystem::create_directories(directory);
         for (int file = 0; file < kFiles; ++file) {
             mknod((directory + FileName(file)).c_str(), S_IFREG | 0644, 0);
         }
+        if ((i + 1) * (kFiles + 1) >= count) {
+            mknod((tree + "complete").c_str(), S_IFREG | 0644, 0);
+        }
     }
+    return tree;
 }
 
 /// Presses OK as soon as the result is on the screen: with less priority than painting it.
@@ -47,11 +54,34 @@ gboolean LeaveResult(gpointer)
     return G_SOURCE_CONTINUE;
 }
 
-void Find(const std::string& top, const char* pattern)
+void Find(const std::string& tree, const char* pattern)
 {
     const guint watch = g_timeout_add_full(G_PRIORITY_LOW, 1, LeaveResult, nullptr, nullptr);
-    CreateFindResultDlg(pMainW->MainWindow, {top + "/", pattern, true});
+    CreateFindResultDlg(pMainW->MainWindow, {tree, pattern, true});
     g_source_remove(watch);
+}
+
+void FindByTool(const std::string& tree, const char* pattern)
+{
+    Tool("find " + tree + " -name '" + pattern + "' > /dev/null");
+}
+
+void MeasureFinding(const char* name, const char* pattern)
+{
+    if (wanted.Has(name)) {
+        const std::string tree = Tree(500'000);
+        Compare(name, {.ratio = 1.5, .pause = 100}, {[&](int) { Find(tree, pattern); }}, "find",
+                {[&](int) { FindByTool(tree, pattern); }});
+    }
+}
+
+void MeasureGrowth()
+{
+    const auto growing = [](void (*find)(const std::string&, const char*)) {
+        return [find](int count) { return Side{[find, tree = Tree(count)](int) { find(tree, "many-*"); }}; };
+    };
+    PrintGrowth("find a fifth of the files", kUpToAMillion, growing(Find));
+    PrintGrowth("find(1), the same", kUpToAMillion, growing(FindByTool));
 }
 
 }  // namespace
@@ -59,16 +89,16 @@ void Find(const std::string& top, const char* pattern)
 int main(int argc, char** argv)
 {
     const BenchDirectory scratch;
-    const std::string top = scratch.Path();
+    top = scratch.Path();
     gtk_init(&argc, &argv);
-    MakeTree(top);
+    ReadWanted(argc, argv);
     StartFennick(top);
-    const auto measure = [&](const char* name, const char* pattern) {
-        Compare(argc > 1 ? argv[1] : "", name, {.ratio = 1.5, .pause = 100}, {[&](int) { Find(top, pattern); }}, "find",
-                {[&](int) { Tool("find " + top + " -name '" + pattern + "' > /dev/null"); }});
-    };
-    measure("find 5,000 of 500,000 files", "one-*");
-    measure("find 100,000 of 500,000 files", "many-*");
-    measure("find none of 500,000 files", "no such*");
+    if (wanted.growth) {
+        MeasureGrowth();
+    } else {
+        MeasureFinding("find 5,000 of 500,000 files", "one-*");
+        MeasureFinding("find 100,000 of 500,000 files", "many-*");
+        MeasureFinding("find none of 500,000 files", "no such*");
+    }
     return 0;
 }

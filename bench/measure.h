@@ -118,13 +118,27 @@ inline std::string GoalText(const Goal& goal)
     return text;
 }
 
-/// Measures both sides in turns and prints one row of a table: the work, ours, what it is compared
-/// with, the ratio, the longest pause of the main loop, the goal and whether it is met. Prints
-/// nothing unless wanted is part of the name.
-inline void Compare(const std::string& wanted, const char* name, const Goal& goal, const Side& ours,
-                    const char* against, const Side& other)
+/// What is measured: the table of comparisons or that of growth, and of it what has part in its name.
+struct Wanted {
+    bool growth = false;
+    std::string part;
+    bool Has(const std::string& name) const { return name.find(part) != std::string::npos; }
+};
+inline Wanted wanted;
+
+inline void ReadWanted(int argc, char** argv)
 {
-    if (std::string(name).find(wanted) == std::string::npos) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        argument == "--growth" ? void(wanted.growth = true) : void(wanted.part = argument);
+    }
+}
+
+/// Measures both sides in turns and prints one row of a table: the work, ours, what it is compared
+/// with, the ratio, the longest pause of the main loop, the goal and whether it is met.
+inline void Compare(const char* name, const Goal& goal, const Side& ours, const char* against, const Side& other)
+{
+    if (!wanted.Has(name)) {
         return;
     }
     std::vector<double> our_times;
@@ -148,6 +162,40 @@ inline void Compare(const std::string& wanted, const char* name, const Goal& goa
     const bool met = within(ratio, goal.ratio) && within(us.median, goal.milliseconds) && within(pause, goal.pause);
     std::printf("| %s | %s | %s: %s | %.2f | %.0f ms | %s | %s |\n", name, us.Text().c_str(), against,
                 them.Text().c_str(), ratio, pause, GoalText(goal).c_str(), met ? "met" : "**missed**");
+    std::fflush(stdout);
+}
+
+const std::vector<int> kUpToAMillion = {1'000, 10'000, 100'000, 1'000'000};
+/// From here on once is enough: it takes long, and noise counts for less.
+constexpr int kMeasuredOnce = 1'000'000;
+
+/// Prints one row: what a step takes with growing counts, and by how much it grew where that shows
+/// best, from 10,000 on. `runs_of` says how often a count is measured.
+inline void PrintGrowth(
+    const char* name, const std::vector<int>& counts, const std::function<Side(int)>& step,
+    const std::function<int(int)>& runs_of = [](int) { return kRuns; })
+{
+    if (!wanted.Has(name)) {
+        return;
+    }
+    std::vector<double> times;
+    for (const int count : counts) {
+        const Side side = step(count);
+        std::vector<double> runs;
+        for (int run = 0; run < runs_of(count); ++run) {
+            side.prepare(run);
+            runs.push_back(Milliseconds([&] { side.work(run); }));
+        }
+        times.push_back(Median(runs));
+    }
+    std::printf("| %s |", name);
+    for (std::size_t i = 0; i < kUpToAMillion.size(); ++i) {
+        i < times.size() ? std::printf(" %.2f ms |", times[i]) : std::printf(" |");
+    }
+    for (std::size_t i = 2; i < kUpToAMillion.size(); ++i) {
+        i < times.size() ? std::printf(" %.1f |", times[i] / times[i - 1]) : std::printf(" |");
+    }
+    std::printf("\n");
     std::fflush(stdout);
 }
 
