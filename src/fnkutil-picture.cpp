@@ -52,22 +52,7 @@ void on_Loader_size_prepared(GdkPixbufLoader* loader, int width, int height, gpo
 /// Null where the toolkit cannot read drawings: what reads them is a package of its own.
 Pixels RenderDrawing(std::string_view svg, int scale)
 {
-    if (svg.empty()) {
-        return nullptr;
-    }
-    const ObjectPointer<GdkPixbufLoader> loader(gdk_pixbuf_loader_new_with_mime_type("image/svg+xml", nullptr));
-    if (loader == nullptr) {
-        return nullptr;
-    }
-    g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(on_Loader_size_prepared), GINT_TO_POINTER(scale));
-    const auto* const bytes = reinterpret_cast<const guchar*>(svg.data());
-    const gboolean is_read = gdk_pixbuf_loader_write(loader.get(), bytes, svg.size(), nullptr);
-    // To be closed in any case.
-    if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !is_read) {
-        return nullptr;
-    }
-    GdkPixbuf* const pixels = gdk_pixbuf_loader_get_pixbuf(loader.get());
-    return Pixels(pixels != nullptr ? GDK_PIXBUF(g_object_ref(pixels)) : nullptr);
+    return Pixels(svg.empty() ? nullptr : ReadPixels(svg, "svg", scale));
 }
 
 Pixels ReadXpm(const char* const* xpm)
@@ -101,6 +86,23 @@ void on_Image_state_flags_changed(GtkWidget* image, GtkStateFlags, gpointer)
 }
 
 }  // namespace
+
+GdkPixbuf* ReadPixels(std::string_view data, const char* type, int scale)
+{
+    const ObjectPointer<GdkPixbufLoader> loader(gdk_pixbuf_loader_new_with_type(type, nullptr));
+    if (loader == nullptr) {
+        return nullptr;
+    }
+    g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(on_Loader_size_prepared), GINT_TO_POINTER(scale));
+    const auto* const bytes = reinterpret_cast<const guchar*>(data.data());
+    const gboolean is_read = gdk_pixbuf_loader_write(loader.get(), bytes, data.size(), nullptr);
+    // To be closed in any case.
+    if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !is_read) {
+        return nullptr;
+    }
+    GdkPixbuf* const pixels = gdk_pixbuf_loader_get_pixbuf(loader.get());
+    return pixels != nullptr ? GDK_PIXBUF(g_object_ref(pixels)) : nullptr;
+}
 
 cairo_surface_t* PictureSurface(const Picture& picture, int scale)
 {

@@ -4,6 +4,14 @@
 
 #include <gtk/gtk.h>
 
+#include <string_view>
+
+/// The picture that is in the data, of a type such as "png", with so many pixels to each of its
+/// own; to be unreferenced. Null where the toolkit cannot read it. Told what it reads, the toolkit
+/// need not look through the data base of all types of files for that, which would take longer than
+/// the reading.
+GdkPixbuf* ReadPixels(std::string_view data, const char* type, int scale = 1);
+
 /// A built-in picture by its name, for which Name.xpm has been included.
 struct Picture {
     const char* name = nullptr;

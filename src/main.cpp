@@ -19,6 +19,7 @@
 #include "fnktable-start.h"
 #include "fnktable.h"
 #include "fnkutil-launch.h"
+#include "fnkutil-picture.h"
 #include "fnkutil-widget.h"
 #include "fnkversion.h"
 
@@ -57,17 +58,16 @@ void InstallSignalHandler()
     }
 }
 
-/// Null where it cannot be read. Told what it reads, the toolkit need not look through the data base
-/// of all types of files for that, which would take longer than the reading.
-GdkPixbuf* ReadIcon(const char* path)
+/// Null where it cannot be read.
+GdkPixbuf* ReadIcon(const std::string& path)
 {
-    GBytes* const bytes = g_resources_lookup_data(path, G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
-    GdkPixbufLoader* const loader = gdk_pixbuf_loader_new_with_type("png", nullptr);
-    const bool is_read = bytes != nullptr && gdk_pixbuf_loader_write_bytes(loader, bytes, nullptr);
-    // To be closed in any case.
-    const bool is_whole = gdk_pixbuf_loader_close(loader, nullptr) && is_read;
-    GdkPixbuf* const icon = is_whole ? GDK_PIXBUF(g_object_ref(gdk_pixbuf_loader_get_pixbuf(loader))) : nullptr;
-    g_object_unref(loader);
+    GBytes* const bytes = g_resources_lookup_data(path.c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
+    if (bytes == nullptr) {
+        return nullptr;
+    }
+    std::size_t size = 0;
+    const auto* const data = static_cast<const char*>(g_bytes_get_data(bytes, &size));
+    GdkPixbuf* const icon = ReadPixels({data, size}, "png");
     g_bytes_unref(bytes);
     return icon;
 }
@@ -79,7 +79,7 @@ void SetWindowIcons()
     GList* icons = nullptr;
     for (const int size : {16, 24, 32, 48, 64, 128}) {
         const std::string path = "/fennick/icons/" + std::to_string(size) + ".png";
-        if (GdkPixbuf* const icon = ReadIcon(path.c_str())) {
+        if (GdkPixbuf* const icon = ReadIcon(path)) {
             icons = g_list_append(icons, icon);
         }
     }
