@@ -13,6 +13,7 @@
 #include "fnkfiles-delete.h"
 #include "fnkfiles-directory.h"
 #include "fnkfiles-inside.h"
+#include "fnkfiles-newfile.h"
 #include "fnkfiles-place.h"
 #include "fnkfiles-sync.h"
 #include "fnkstring.h"

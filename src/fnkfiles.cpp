@@ -13,6 +13,8 @@
 #include <cstring>
 #include <map>
 
+#include "fnkfiles-newfile.h"
+#include "fnkfiles-place.h"
 #include "fnkraii.h"
 #include "fnkutil.h"
 
@@ -130,15 +132,17 @@ FileResult WriteFile(const std::string& path, std::string_view data)
     if (target.empty() || (exists && (!S_ISREG(old.st_mode) || !IsWritableFile(target)))) {
         return FILE_NOT_OPENED;
     }
-    std::string fresh = target + ".XXXXXX";
-    Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));
+    const PathPlace place(target);
+    if (!place) {
+        return FILE_NOT_OPENED;
+    }
+    NewFile file(place.Get().directory);
     if (!file) {
         return FILE_NOT_OPENED;
     }
-    bool written = (!exists || TakeOver(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
-    written = close(file.Release()) == 0 && written;
-    if (!written || rename(fresh.c_str(), target.c_str()) != 0) {
-        unlink(fresh.c_str());
+    const bool is_complete =
+        (!exists || TakeOver(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
+    if (!is_complete || file.TakeNameOf(place.Get().name) != 0) {
         return FILE_NOT_WRITTEN;
     }
     sync();

@@ -14,6 +14,7 @@
 #include "child.h"
 #include "enginetest.h"
 #include "fnkfiles-delete.h"
+#include "fnkfiles.h"
 
 namespace {
 
@@ -325,8 +326,8 @@ TEST_F(FaultTest, ADirectorySwappedForALinkBetweenTwoCallsHarmsNothingOutside)
 
 TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
 {
-    // A signal ends the process from inside the main loop that the engine runs. What has a name so
-    // early is for nobody else to read.
+    // A signal ends the process from inside the main loop that the engine runs, after the settings
+    // are written. What has a name so early is for nobody else to read.
     files.File("from/large", std::string(32 << 20, 'x'), 0600);
     files.File("to/large", "old");
     const std::vector<std::string> before = files.Names("to");
@@ -337,6 +338,7 @@ TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
                   answers.at_paint = [&] {
                       const std::vector<std::string> names = files.Names("to");
                       const bool is_private = (files.Status("to/" + names.front()).st_mode & 077) == 0;
+                      WriteFile(files.At("settings"), "written");
                       std::exit(names.size() == 2 && is_private ? CHILD_PASSED : CHILD_FAILED);
                   };
                   Copy("to", {"from/large"});
@@ -344,7 +346,8 @@ TEST_F(FaultTest, TemporaryNamesGoWithTheProcess)
               }),
               CHILD_PASSED);
     EXPECT_EQ(files.Names("to"), before);
-    EXPECT_EQ(files.Contents("to/large"), "old");
+    EXPECT_EQ(files.Contents("to/large") + files.Contents("settings"), "oldwritten");
+    EXPECT_EQ(files.Names(), (std::vector<std::string>{"from", "settings", "to"}));
 }
 
 }  // namespace

@@ -22,8 +22,8 @@ constexpr int kNeverAgain = 1'000'000;
 
 bool TakesRoom(std::string_view call)
 {
-    constexpr std::string_view kCalls[] = {"pwrite",    "write",  "copy_file_range", "ftruncate", "mkdirat",
-                                           "symlinkat", "linkat", "mkostemp",        "O_TMPFILE"};
+    constexpr std::string_view kCalls[] = {"pwrite",  "write",     "copy_file_range", "ftruncate",
+                                           "mkdirat", "symlinkat", "linkat",          "O_TMPFILE"};
     return std::find(std::begin(kCalls), std::end(kCalls), call) != std::end(kCalls);
 }
 
@@ -87,13 +87,10 @@ WRAP(int, chmod, -1, (const char* path, mode_t mode), path, mode)
 WRAP(int, fchmod, -1, (int fd, mode_t mode), fd, mode)
 WRAP(int, fchmodat, -1, (int at, const char* path, mode_t mode, int flags), at, path, mode, flags)
 WRAP(int, mkdirat, -1, (int at, const char* path, mode_t mode), at, path, mode)
-WRAP(int, mkostemp, -1, (char* path, int flags), path, flags)
 WRAP(int, symlinkat, -1, (const char* text, int at, const char* path), text, at, path)
 WRAP(int, linkat, -1, (int from, const char* path, int to, const char* name, int flags), from, path, to, name, flags)
 WRAP(int, unlinkat, -1, (int at, const char* path, int flags), at, path, flags)
-WRAP(int, unlink, -1, (const char* path), path)
 WRAP(int, renameat, -1, (int from, const char* path, int to, const char* name), from, path, to, name)
-WRAP(int, rename, -1, (const char* path, const char* name), path, name)
 WRAP(int, open, -1, (const char* path, int flags, mode_t mode), path, flags, mode)
 
 extern "C" int __real_openat(int at, const char* path, int flags, mode_t mode);
