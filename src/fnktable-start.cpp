@@ -11,11 +11,11 @@ std::string ArgumentAt(int argc, char** argv, int index)
 }
 
 /// What is relative counts from where the program was started, and is told from the top, as all
-/// paths are here.
+/// paths are here. Only a directory is: a link to one is no directory under either kind of path.
 std::string DirectoryAt(int argc, char** argv, int index)
 {
     const std::string argument = ArgumentAt(argc, argv, index);
-    if (argument.empty() || argument.front() == '/') {
+    if (argument.empty() || argument.front() == '/' || !IsDirectory(argument)) {
         return argument;
     }
     const std::string real = GetRealDirectory(argument);

@@ -47,12 +47,17 @@ TEST_F(Start, OnlyTheFirstArgumentIsAnOption)
 TEST_F(Start, RelativeDirectoriesCountFromWhereOneIs)
 {
     files.Directory("top/dir");
+    files.Link("top/link", "dir");
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(files.At("top"));
     const CommandLine parsed = Parse({"--home", "../top/.", "dir"});
+    const CommandLine linked = Parse({"--home", "link", "link"});
     std::filesystem::current_path(before);
     EXPECT_EQ(parsed.root, files.At("top/"));
     EXPECT_EQ(parsed.start, files.At("top/dir/"));
+    // No more than a link named from the top.
+    EXPECT_EQ(linked.root, home.Path());
+    EXPECT_EQ(linked.start, "link");
 }
 
 TEST_F(Start, StartsInsideTheRootOrAtIt)
