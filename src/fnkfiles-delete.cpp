@@ -68,6 +68,15 @@ Result AskOnce(const std::string& path, Result* answer)
 
 Result RemoveTree(const Place& place, Result* answer);
 
+/// An entry whose path is too long to work with stays, as one that cannot be deleted does.
+Result RemoveEntry(const Place& place, Result* answer)
+{
+    if (place.path.size() <= kMaxPathBytes) {
+        return RemoveTree(place, answer);
+    }
+    return Conclude(place.path, ENAMETOOLONG, IsDirectory(place) ? STEP_NOT_COUNTED : STEP_COUNTED);
+}
+
 /// Deletes what is in the open directory. RESULT_OK when something of it stays.
 Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 {
@@ -81,8 +90,7 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
             return asked;
         }
         const std::string entry_path = WithSlash(path) + name;
-        const Result result = entry_path.size() > kMaxPathBytes ? ReportUndeleted(entry_path, ENAMETOOLONG)
-                                                                : RemoveTree({dirfd(stream), name, entry_path}, answer);
+        const Result result = RemoveEntry({dirfd(stream), name, entry_path}, answer);
         if (result == RESULT_CANCEL) {
             return RESULT_CANCEL;
         }

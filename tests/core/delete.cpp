@@ -200,13 +200,18 @@ TEST_F(Delete, PathsThatGrowTooLongAreReportedAndStay)
         directory = below;
         path += name + "/";
     }
+    const std::string file(200, 'f');
     ASSERT_EQ(mkdirat(directory, name.c_str(), 0755), 0);
+    ASSERT_EQ(mknodat(directory, file.c_str(), S_IFREG | 0644, 0), 0);
     close(directory);
     answers.to_deletes = {RESULT_OK};
-    answers.to_messages = {RESULT_OK};
+    answers.to_messages = {RESULT_OK, RESULT_OK};
     EXPECT_EQ(DeleteAll({files.At(name + "/")}), RESULT_OK);
-    ASSERT_EQ(answers.asked.size(), 2U);
-    EXPECT_TRUE(answers.asked[1].ends_with("cause:File name too long [Skip]")) << answers.asked[1];
+    ASSERT_EQ(answers.asked.size(), 3U);
+    for (const std::size_t report : {1, 2}) {
+        EXPECT_TRUE(answers.asked[report].ends_with("cause:File name too long [Skip]")) << answers.asked[report];
+    }
+    EXPECT_EQ(answers.steps, 1) << "the file";
     EXPECT_EQ(IsDirectory(path), 1);
 }
 
