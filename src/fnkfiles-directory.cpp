@@ -101,7 +101,9 @@ bool AskToOverwrite(const std::string& path)
 
 void SetDirectoryMode(const Descriptor& directory, mode_t mode)
 {
-    if (chmod(DescriptorPath(directory.Get()).c_str(), mode & 07777) == 0) {
+    const mode_t bits = mode & 07777;
+    // The first way needs /proc, the second the right to search the directory.
+    if (chmod(DescriptorPath(directory.Get()).c_str(), bits) == 0 || fchmodat(directory.Get(), ".", bits, 0) == 0) {
         NoteChange();
     }
 }

@@ -207,6 +207,23 @@ TEST_F(CopyTest, MountsHideNoDirectoryFromItself)
     EXPECT_EQ(result, CHILD_PASSED);
 }
 
+TEST_F(CopyTest, DirectoriesGetTheirBitsWhereThereIsNoProc)
+{
+    const ChildResult result = RunInChild([this] {
+        MountSmallDisk("/proc", "size=4k");
+        files.Directory("tree/sub");
+        files.SetMode("tree/sub", 0505);
+        files.SetMode("tree", 0751);
+        EXPECT_EQ(Copy("copy", {"tree/"}), RESULT_DONE);
+        EXPECT_EQ(Describe("copy"), Describe("tree"));
+        EXPECT_EQ(files.Status("copy").st_mode, files.Status("tree").st_mode);
+    });
+    if (result == CHILD_SKIPPED) {
+        GTEST_SKIP() << "no mounts allowed here";
+    }
+    EXPECT_EQ(result, CHILD_PASSED);
+}
+
 TEST_F(CopyTest, FilesAndLinksReplaceFilesAndLinks)
 {
     table.ConfilmOverwrite = 0;
