@@ -25,6 +25,17 @@
 
 namespace {
 
+/// Whoever started this may have closed them. The next file or connection that is opened would be
+/// taken for one of them, and be sent warnings.
+void OpenStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) < 0) {
+            open("/dev/null", O_RDWR);  // Gets the lowest number that is free: this one.
+        }
+    }
+}
+
 int signal_pipe[2] = {-1, -1};
 
 /// Only notes the signal; the main loop does the rest.
@@ -122,6 +133,7 @@ bool StartToolkit(int* argc, char*** argv)
 
 int main(int argc, char** argv)
 {
+    OpenStandardDescriptors();
     const CommandLine command_line = ParseCommandLine(argc, argv);
     if (command_line.version) {
         g_print("Fennick  Version %s %s\n%s\n", kVersion, kVersionDate, kRights);

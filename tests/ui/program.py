@@ -201,6 +201,19 @@ class Program(ProgramTest):
             self.assertEqual((done.returncode, done.stdout, done.stderr), (1, "", f"fennick: {sentence}\n"))
         self.assertEqual(os.listdir(self.home), [])
 
+    def test_closed_standard_descriptors_are_used_for_nothing_else(self):
+        closing = ["sh", "-c", 'exec "$0" <&- >&- 2>&-', PROGRAM]
+        process = subprocess.Popen(closing, env=dict(os.environ, HOME=self.home))
+        self.addCleanup(process.kill)
+        wait_for("the settings", lambda: os.path.exists(os.path.join(self.home, ".fennick")))
+        links = [os.readlink(f"/proc/{process.pid}/fd/{number}") for number in range(3)]
+        self.assertEqual(links, ["/dev/null"] * 3)
+        wait_for("the window", lambda: subprocess.run(
+            ["xdotool", "search", "--onlyvisible", "--pid", str(process.pid), "--name", "^Fennick$"],
+            capture_output=True).stdout)
+        process.terminate()
+        self.assertEqual(process.wait(DEADLINE), 0)
+
     def test_a_desktop_knows_its_windows(self):
         fennick = self.start(DESKTOP_STARTUP_ID="launcher-7_TIME0")
 
