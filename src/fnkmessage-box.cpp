@@ -116,6 +116,7 @@ Result MessageBox(const char* title, const std::string& message, unsigned style)
     Result result = RESULT_CANCEL;
     Answer answers[] = {{&result, RESULT_OK}, {&result, RESULT_CANCEL}};
     GtkWidget* const buttons = CreateButtonRow(dialog);
+    gtk_container_set_border_width(GTK_CONTAINER(gtk_widget_get_parent(buttons)), kBoxBorder);
     const ButtonLabels labels = MessageButtons(style);
     GtkWidget* last = nullptr;
     for (std::size_t i = 0; i < labels.size() && labels[i] != nullptr; ++i) {
