@@ -53,6 +53,9 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
 /// Brings the row beside the one at that height to the edge; at the end of the tree it stops.
 gboolean ScrollBy(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
 {
+    if (pGTable == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
     if (GtkTreeView* const tree = MainTree()) {
         const TreeWalk walk(tree);
         const OptionalNode node = NodeAt(tree, 0, GPOINTER_TO_INT(y));
@@ -77,6 +80,9 @@ gboolean TreeDownScroll(gpointer y)
 
 gboolean TreeExpand(gpointer data)
 {
+    if (pGTable == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
     pGTable->ExpandTimer = 0;
     std::string path = static_cast<const char*>(data);
     GtkTreeIter node;

@@ -196,6 +196,37 @@ TEST_F(Drag, ARestingPointerExpandsAndTheEdgesScroll)
     EXPECT_EQ(pGTable->CurrentDir, files.At("from/"));
 }
 
+/// The window is closed while something is dragged over it; with true, near the edge of the tree.
+class DragAtTheEnd : public Drag, public ::testing::WithParamInterface<bool> {};
+INSTANTIATE_TEST_SUITE_P(Each, DragAtTheEnd, ::testing::Bool(),
+                         [](const auto& near_edge) { return near_edge.param ? "Scrolling" : "Expanding"; });
+
+TEST_P(DragAtTheEnd, TheTimerFindsNothingToDo)
+{
+    for (int i = 0; i < 60; ++i) {
+        files.Directory("from/sub/d" + std::to_string(100 + i) + "/x");
+    }
+    StartWithFiles();
+    const bool near_edge = GetParam();
+    SetExpanded(files.At("from/sub/"), near_edge);
+    Settle();
+    Spot spot = Node(files.At("from/sub/"));
+    if (near_edge) {
+        GtkWidget* const tree = GTK_WIDGET(MainTree());
+        const int y = gtk_widget_get_allocated_height(tree) - 8;
+        gdk_window_get_root_coords(gtk_widget_get_window(tree), 60, y, &spot.x, &spot.y);
+    }
+    SelectNames({"a"});
+    DragFromTo(Row("a"), spot);
+    const unsigned timer = near_edge ? pGTable->ScrollTimer : pGTable->ExpandTimer;
+    ASSERT_NE(timer, 0U);
+    gboolean stays = TRUE;
+    g_signal_emit_by_name(pMainW->MainWindow, "delete-event", nullptr, &stays);
+    ASSERT_EQ(pGTable, nullptr);
+    EXPECT_TRUE(Await([timer] { return g_main_context_find_source_by_id(nullptr, timer) == nullptr; }));
+    Release();
+}
+
 TEST_F(Drag, TheOtherButtonDragsWhatIsUnderIt)
 {
     StartWithFiles();
