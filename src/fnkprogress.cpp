@@ -52,10 +52,11 @@ void ReleaseInput()
     }
 }
 
+/// Nothing is done as long as the steps are still being counted.
 void ShowFraction()
 {
     const double done = pGTable->ProgressDone;
-    const double fraction = pGTable->ProgressTotal == 0 ? 1.0 : std::min(1.0, done / pGTable->ProgressTotal);
+    const double fraction = done == 0 ? 0.0 : std::min(1.0, done / std::max(1, pGTable->ProgressTotal));
     gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(pGTable->ProgressBar), fraction);
 }
 

@@ -170,6 +170,27 @@ TEST_F(Progress, CountsWhatIsNoDirectoryAndEndsByItself)
     ExpectConsistent();
 }
 
+TEST_F(Progress, IsNothingWhileTheStepsAreStillCounted)
+{
+    const std::string empty = files.Directory("empty") + "/";
+    Start();
+    SetupProgress({empty}, OPERATION_COPY);
+    ASSERT_EQ(pGTable->ProgressTotal, 0);
+    static double painted;
+    painted = -1;
+    const auto look = [](gpointer) -> gboolean {
+        painted = Fraction();
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add(look, nullptr);
+    const gint64 deadline = g_get_monotonic_time() + 5 * G_USEC_PER_SEC;
+    while (painted < 0 && g_get_monotonic_time() < deadline) {
+        EXPECT_FALSE(KeepPainting());
+    }
+    EXPECT_EQ(painted, 0.0);
+    EndProgress();
+}
+
 TEST_F(Progress, ABoxStaysAboveTheWindowThatItInterrupts)
 {
     const std::vector<std::string> items = MakeItems();
