@@ -150,7 +150,8 @@ int UpdateProgress()
     ShowFraction();
     ProcessPending();
     DestroyProgressDlg();
-    return cancelled ? static_cast<int>(RESULT_CANCEL) : 0;
+    // Cancel may have been pressed just now.
+    return pGTable->ProgressCancel != 0 ? static_cast<int>(RESULT_CANCEL) : 0;
 }
 
 void EndProgress()

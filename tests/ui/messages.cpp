@@ -233,6 +233,20 @@ TEST_F(Progress, CancelIsToldOnceAtTheNextStep)
     }
 }
 
+TEST_F(Progress, CancelIsHeardUpToTheLastStep)
+{
+    const std::string last = files.File("last");
+    Start();
+    SetupProgress({last}, OPERATION_COPY);
+    const auto press_cancel = [](gpointer) -> gboolean {
+        Pressing("Cancel")(pGTable->ProgressDlg);
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add(press_cancel, nullptr);
+    EXPECT_EQ(static_cast<unsigned>(UpdateProgress()), RESULT_CANCEL);
+    EndProgress();
+}
+
 TEST_F(Progress, WithoutADialogTheWindowStillTakesNoInput)
 {
     const std::vector<std::string> items = MakeItems();
