@@ -79,8 +79,17 @@ void BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
     }
 }
 
+/// A dialog that a double click opens gets the release in the pane's stead.
+bool IsHeld(guint button, guint state)
+{
+    return (state & (button == GDK_BUTTON_PRIMARY ? GDK_BUTTON1_MASK : GDK_BUTTON3_MASK)) != 0;
+}
+
 gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointer data)
 {
+    if (press.view != nullptr && !IsHeld(press.button, event->state)) {
+        press = {};
+    }
     if (pGTable == nullptr || press.view != GTK_TREE_VIEW(widget) ||
         event->window != gtk_tree_view_get_bin_window(press.view) ||
         !gtk_drag_check_threshold(widget, press.x, press.y, static_cast<int>(event->x), static_cast<int>(event->y))) {

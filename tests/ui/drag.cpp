@@ -66,6 +66,13 @@ protected:
         EXPECT_TRUE(Await([] { return is_over; }));
         Settle();
     }
+    static bool IsButtonDown()
+    {
+        GdkDevice* const pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
+        GdkModifierType state = {};
+        gdk_window_get_device_position(gdk_get_default_root_window(), pointer, nullptr, nullptr, &state);
+        return (state & GDK_BUTTON1_MASK) != 0;
+    }
     static std::string MoveTo(Spot spot)
     {
         return "mousemove " + std::to_string(spot.x) + " " + std::to_string(spot.y) + " sleep 0.05 ";
@@ -235,6 +242,21 @@ TEST_F(Drag, TheOtherButtonDragsWhatIsUnderIt)
     EXPECT_EQ(SelectedNames(), Names{"a"});
     ReleaseAndChoose("m", 3);
     EXPECT_TRUE(Await([this] { return files.Names("to") == Names{"a", "deep"}; }));
+}
+
+TEST_F(Drag, NoneBeginsAfterADialogTookTheRelease)
+{
+    files.Link("from/out", "/");
+    StartWithFiles();
+    const Spot pressed = Row("out");
+    DuringDialogs([&] { Pointer(MoveTo(pressed) + "click --repeat 2 --delay 60 1"); }, {[&](GtkWidget* box) {
+                      EXPECT_TRUE(Await([] { return !IsButtonDown(); }));
+                      Settle();
+                      gtk_button_clicked(GTK_BUTTON(FindByText(box, "OK")));
+                  }});
+    Pointer(MoveTo({pressed.x + 40, pressed.y}) + MoveTo({pressed.x + 80, pressed.y}));
+    EXPECT_NE(pGTable->TreeSelectSignal, 0U) << "a drag is under way";
+    Pointer("click 1");
 }
 
 TEST_F(Drag, DoesNotBeginOnARowThatHasChangedUnderThePress)
