@@ -135,11 +135,16 @@ gboolean on_Pane_drag_motion(GtkWidget*, GdkDragContext*, int, int, guint, gpoin
     return TRUE;
 }
 
+/// While a command or a dialog runs, nothing else starts.
+bool MayStart()
+{
+    return pGTable != nullptr && gtk_grab_get_current() == nullptr;
+}
+
 gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, int y, guint time, gpointer data)
 {
     const GdkAtom target = gtk_drag_dest_find_target(widget, context, nullptr);
-    // While a command or a dialog runs, nothing else starts.
-    if (pGTable == nullptr || target == GDK_NONE || gtk_grab_get_current() != nullptr) {
+    if (target == GDK_NONE || !MayStart()) {
         return FALSE;
     }
     drop_destination = PaneOf(data).FindDestination(GTK_TREE_VIEW(widget), x, y);
@@ -168,11 +173,12 @@ struct Drop {
 };
 
 /// The popup and the command run loops of their own, for which there is no room inside the
-/// toolkit's handling of the data.
+/// toolkit's handling of the data. Since the drop, for which other programs may take their time to
+/// send the data, something else may have started.
 gboolean CarryOut(gpointer data)
 {
     auto* const drop = static_cast<Drop*>(data);
-    const bool is_done = pGTable != nullptr && OnFilesDropped != nullptr && !drop->items.empty() &&
+    const bool is_done = MayStart() && OnFilesDropped != nullptr && !drop->items.empty() &&
                          !drop->destination.empty() && OnFilesDropped(drop->items, drop->destination) == 0;
     // The engine has done what a move does; the source has nothing to delete.
     gtk_drag_finish(drop->context, is_done, FALSE, drop->time);

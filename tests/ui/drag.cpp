@@ -1,7 +1,10 @@
 // Dragging with a real pointer: what is carried, where it goes, and what the tree does meanwhile.
 
+#include <gdk/gdkkeysyms.h>
 #include <glib.h>
 
+#include "fnkdragdrop.h"
+#include "fnkhelpmenu.h"
 #include "windowtest.h"
 
 namespace {
@@ -257,6 +260,32 @@ TEST_F(Drag, NoneBeginsAfterADialogTookTheRelease)
     Pointer(MoveTo({pressed.x + 40, pressed.y}) + MoveTo({pressed.x + 80, pressed.y}));
     EXPECT_NE(pGTable->TreeSelectSignal, 0U) << "a drag is under way";
     Pointer("click 1");
+}
+
+TEST_F(Drag, ADropOfWhichTheFilesCameTooLateIsRefused)
+{
+    StartWithFiles();
+    SelectNames({"a"});
+    static bool is_carried_out = false;
+    OnFilesDropped = [](const std::vector<std::string>&, const std::string&) {
+        is_carried_out = true;
+        return 1;
+    };
+    const auto open_dialog = [](gpointer) -> gboolean {
+        CreateAbortDlg();
+        return G_SOURCE_REMOVE;
+    };
+    g_signal_connect(MainList(), "drag-data-get",
+                     G_CALLBACK(+[](GtkWidget*, GdkDragContext*, GtkSelectionData*, guint, guint, gpointer open) {
+                         g_idle_add_full(G_PRIORITY_HIGH, reinterpret_cast<GSourceFunc>(open), nullptr, nullptr);
+                     }),
+                     reinterpret_cast<gpointer>(+open_dialog));
+    DragFromTo(Row("a"), Node(files.At("to/")));
+    DuringDialogs([] { Release(); }, {[](GtkWidget* dialog) {
+                      Settle();
+                      EXPECT_FALSE(is_carried_out) << "while a dialog is up";
+                      SendKey(dialog, GDK_KEY_Return);
+                  }});
 }
 
 TEST_F(Drag, DoesNotBeginOnARowThatHasChangedUnderThePress)
