@@ -65,7 +65,8 @@ gboolean on_Pane_button_release(GtkWidget*, GdkEventButton*, gpointer)
     return FALSE;
 }
 
-void BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
+/// False when the pointer cannot be had, as while another program holds it.
+bool BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
 {
     GtkTargetList* const targets = gtk_target_list_new(kOffered, G_N_ELEMENTS(kOffered));
     int x = 0;
@@ -76,6 +77,15 @@ void BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
     gtk_target_list_unref(targets);
     if (context != nullptr) {
         gtk_drag_set_icon_surface(context, ClosedFolder(widget));
+    }
+    return context != nullptr;
+}
+
+void EndDrag(const DragPane& pane)
+{
+    dragged_items.clear();
+    if (pGTable != nullptr && pane.Ended != nullptr) {
+        pane.Ended();
     }
 }
 
@@ -101,8 +111,8 @@ gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointe
         return TRUE;
     }
     dragged_items = pane.TakeItems(start.view, start.row.get());
-    if (!dragged_items.empty()) {
-        BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start);
+    if (!dragged_items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
+        EndDrag(pane);  // The toolkit tells of no end where there was no begin.
     }
     return TRUE;
 }
@@ -120,10 +130,7 @@ void on_Pane_drag_data_get(GtkWidget*, GdkDragContext*, GtkSelectionData* data, 
 
 void on_Pane_drag_end(GtkWidget*, GdkDragContext*, gpointer data)
 {
-    dragged_items.clear();
-    if (pGTable != nullptr && PaneOf(data).Ended != nullptr) {
-        PaneOf(data).Ended();
-    }
+    EndDrag(PaneOf(data));
 }
 
 /// A drop that has been asked for its data.

@@ -76,6 +76,24 @@ protected:
         gdk_window_get_device_position(gdk_get_default_root_window(), pointer, nullptr, nullptr, &state);
         return (state & GDK_BUTTON1_MASK) != 0;
     }
+    /// An event of the left button over the list, without a pointer.
+    static void SendPointer(GdkEventType type, int x, int y)
+    {
+        GdkEvent* const event = gdk_event_new(type);
+        event->any.window = GDK_WINDOW(g_object_ref(gtk_tree_view_get_bin_window(MainList())));
+        if (type == GDK_MOTION_NOTIFY) {
+            event->motion.x = x;
+            event->motion.y = y;
+            event->motion.state = GDK_BUTTON1_MASK;
+        } else {
+            event->button.x = x;
+            event->button.y = y;
+            event->button.button = GDK_BUTTON_PRIMARY;
+        }
+        gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())));
+        gtk_main_do_event(event);
+        gdk_event_free(event);
+    }
     static std::string MoveTo(Spot spot)
     {
         return "mousemove " + std::to_string(spot.x) + " " + std::to_string(spot.y) + " sleep 0.05 ";
@@ -286,6 +304,30 @@ TEST_F(Drag, ADropOfWhichTheFilesCameTooLateIsRefused)
                       EXPECT_FALSE(is_carried_out) << "while a dialog is up";
                       SendKey(dialog, GDK_KEY_Return);
                   }});
+}
+
+TEST_F(Drag, OneThatCannotBeginLeavesTheTreeAsItWas)
+{
+    StartWithFiles();
+    // What another program would do; the toolkit does not survive closing a second display.
+    GdkDisplay* const other = gdk_display_open(gdk_display_get_name(gdk_display_get_default()));
+    GtkWidget* const holder = gtk_invisible_new_for_screen(gdk_display_get_default_screen(other));
+    gtk_widget_show(holder);
+    GdkSeat* const seat = gdk_display_get_default_seat(other);
+    ASSERT_EQ(gdk_seat_grab(seat, gtk_widget_get_window(holder), GDK_SEAT_CAPABILITY_ALL, TRUE, nullptr, nullptr,
+                            nullptr, nullptr),
+              GDK_GRAB_SUCCESS);
+    const TreePath row(gtk_tree_path_new_from_indices(static_cast<int>(RowOf("a")), -1));
+    GdkRectangle area;
+    gtk_tree_view_get_cell_area(MainList(), row.get(), gtk_tree_view_get_column(MainList(), 1), &area);
+    SendPointer(GDK_BUTTON_PRESS, area.x + 30, area.y + 5);
+    SendPointer(GDK_MOTION_NOTIFY, area.x + 60, area.y + 5);
+    Settle();
+    EXPECT_NE(pGTable->TreeSelectSignal, 0U);
+    gdk_seat_ungrab(seat);
+    gtk_widget_destroy(holder);
+    Visit("to/");
+    ExpectConsistent();
 }
 
 TEST_F(Drag, DoesNotBeginOnARowThatHasChangedUnderThePress)
