@@ -260,8 +260,10 @@ void ShowRenamedDirectory(const std::string& old_path, const std::string& new_pa
     if (new_parent != old_parent) {
         RescanTree(MainTree(), new_parent);
     }
-    if (old_path == pGTable->CurrentDir && IsDirectory(new_path)) {
-        OpenChildTree(MainTree(), new_path, EXPAND_LAST_NO);
+    // It may be above the one that is shown: a drag over the tree leaves another one selected there.
+    if (pGTable->CurrentDir.starts_with(old_path) && IsDirectory(new_path)) {
+        const std::string below = pGTable->CurrentDir.substr(old_path.size());
+        OpenChildTree(MainTree(), WithSlash(new_path) + below, EXPAND_LAST_NO);
     }
 }
 

@@ -211,6 +211,20 @@ TEST_F(Property, TheWindowFollowsARenamedDirectory)
     ExpectConsistent();
 }
 
+TEST_F(Property, TheWindowFollowsADirectoryAboveIt)
+{
+    files.File("up/shown/file");
+    Start();
+    Visit("up/shown");
+    // As a drag over the tree leaves it.
+    DisconnectTreeSelectSignal();
+    SetTreeSelectPath(MainTree(), files.At("up/"));
+    ConnectTreeSelectSignal();
+    DuringDialogs([] { Open(); }, {Rename("renamed")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("renamed/shown/"));
+    ExpectConsistent();
+}
+
 TEST_F(Property, AnOrdinaryUserChangesWhatIsTheirs)
 {
     if (geteuid() != 0) {
