@@ -206,6 +206,15 @@ int NaturalWidth(GtkTreeView* list, GtkTreeViewColumn* column, int id)
     return std::max(title, GetTextWidth(GTK_WIDGET(list), typical) + kCellInsets);
 }
 
+/// The width that a column of that kind comes with; 0 for a kind that the list does not come with.
+int DefaultWidth(int id)
+{
+    const GTable defaults;
+    const auto end = defaults.ColumnPosition.begin() + defaults.ColumnCount;
+    const auto place = std::find(defaults.ColumnPosition.begin(), end, id);
+    return place != end ? defaults.ColumnSize[static_cast<std::size_t>(place - defaults.ColumnPosition.begin())] : 0;
+}
+
 /// The stored width, if there is one. A column of numbers that still has the width it came with
 /// gets what it needs in the font of today: a number without its end is another number.
 int ColumnWidth(GtkTreeView* list, GtkTreeViewColumn* column, std::size_t position)
@@ -216,7 +225,7 @@ int ColumnWidth(GtkTreeView* list, GtkTreeViewColumn* column, std::size_t positi
         return NaturalWidth(list, column, id);
     }
     const ColumnKind& kind = kColumns[static_cast<std::size_t>(id)];
-    const bool is_untouched = stored == GTable().ColumnSize[position];
+    const bool is_untouched = stored == DefaultWidth(id);
     const int needed = kind.align_right && is_untouched ? NaturalWidth(list, column, id) : 0;
     return std::max(needed, std::clamp(stored, kNarrowestColumn, kWidestColumn));
 }
@@ -447,8 +456,8 @@ void SortFileList()
         gtk_tree_row_reference_reordered(G_OBJECT(list), root.get(), nullptr, old_places.data());
         gtk_widget_queue_draw(GTK_WIDGET(list));
     } else if (!old_places.empty()) {
-        gtk_tree_model_rows_reordered_with_length(gtk_tree_view_get_model(list), root.get(), nullptr,
-                                                  old_places.data(), static_cast<int>(old_places.size()));
+        gtk_tree_model_rows_reordered_with_length(gtk_tree_view_get_model(list), root.get(), nullptr, old_places.data(),
+                                                  static_cast<int>(old_places.size()));
         batch_changed = true;  // The summary under way knows the rows by their old places.
     }
     UpdateSortArrows(list);

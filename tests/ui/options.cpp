@@ -271,6 +271,21 @@ TEST_F(Options, ColumnsAreAddedRemovedAndMoved)
     ExpectConsistent();
 }
 
+TEST_F(Options, AColumnThatMovesStaysAsWideAsItsNumbersNeed)
+{
+    Start();
+    const int width = ListColumnWidths()[1];
+    EXPECT_GT(width, pGTable->ColumnSize[1]) << "the test needs a font that is wider";
+    During({[this](GtkWidget* dialog) {
+        ShowPage(dialog, 2);
+        ClickTitleIn(Displayed(dialog), "Size");
+        SendKey(dialog, GDK_KEY_Down, GDK_MOD1_MASK);
+        PressButton(dialog, "OK");
+    }});
+    EXPECT_EQ(ListTitles(), (Names{"Name", "Modification time", "Size"}));
+    EXPECT_EQ(ListColumnWidths()[2], width);
+}
+
 TEST_F(Options, ColoursAreChosenAndConfirmed)
 {
     files.File("file");
