@@ -35,7 +35,8 @@ guint summary_source = 0;
 void ShowStatus(std::string text)
 {
     if (text.size() > kMaxStatusBytes) {
-        text.resize(kMaxStatusBytes);
+        const char* const last_character = g_utf8_find_prev_char(text.c_str(), text.c_str() + kMaxStatusBytes + 1);
+        text.resize(static_cast<std::size_t>(last_character - text.c_str()));
     }
     pGTable->StatusText = std::move(text);
     RestoreStatusText();

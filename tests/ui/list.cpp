@@ -232,6 +232,29 @@ TEST_F(List, LongTextsLeaveTheStatusFieldsTheirPlaces)
     ExpectConsistent();
 }
 
+TEST_F(List, AStatusTextThatIsTooLongEndsWithAWholeCharacter)
+{
+    std::string deep;
+    for (int level = 0; level < 4; ++level) {
+        for (int i = 0; i < 85; ++i) {
+            deep += "\u65e5";
+        }
+        deep += "/";
+    }
+    // One of these has its limit inside of a character, whatever the length of the path before.
+    for (const char* const top : {"a/", "bb/", "ccc/"}) {
+        files.Directory(top + deep);
+    }
+    Start();
+    for (const char* const top : {"a/", "bb/", "ccc/"}) {
+        Visit(top + deep);
+        const std::string shown = StatusShown();
+        EXPECT_GT(shown.size(), 1021U);
+        EXPECT_LE(shown.size(), 1024U);
+        EXPECT_TRUE((" " + pGTable->CurrentDir).starts_with(shown)) << shown;
+    }
+}
+
 TEST_F(List, TheFilterAppliesToAllButDirectories)
 {
     Settings("[Detailed View]\nFilter=yes\nFilterName=*.c\n[Setting]\nShowHidden=yes\n");
