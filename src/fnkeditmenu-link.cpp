@@ -62,15 +62,13 @@ GtkWidget* AddLinkEntry(GtkWidget* vbox)
     return entry;
 }
 
-/// Fills in what is selected; the next thing to type is then the name of the link.
-void OfferSelection(const LinkDlgInfo& info)
+/// Fills in what is selected, if anything; the next thing to type is then the name of the link.
+void OfferTarget(const LinkDlgInfo& info, const std::string& selected)
 {
-    std::vector<std::string> paths;
-    GetFileOperationString(paths, nullptr);
-    if (!paths.empty()) {
-        SetEntryBytes(info.ExistingEntry, paths.front());
+    if (!selected.empty()) {
+        SetEntryBytes(info.ExistingEntry, selected);
     }
-    gtk_widget_grab_focus(paths.empty() ? info.ExistingEntry : info.LinkEntry);
+    gtk_widget_grab_focus(selected.empty() ? info.ExistingEntry : info.LinkEntry);
 }
 
 /// Judges the text of an existing file. It stays as it was typed, but for the "/" after a
@@ -105,6 +103,14 @@ PathStatus CheckLinkName(std::string* name)
 
 void CreateSymbolicLinkDlg()
 {
+    std::vector<std::string> paths;
+    GetFileOperationString(paths, nullptr);
+    const std::string selected = paths.empty() ? std::string() : paths.front();
+    if (selected.size() > kMaxPathBytes) {
+        // The entry would cut it, and name something else.
+        FileExistMessageBox(PATH_TOO_LONG, nullptr);
+        return;
+    }
     GtkWidget* vbox = nullptr;
     GtkWidget* const dialog = CreateIconDialogBox(&vbox, PICTURE(IconLink), 0, 0, kSpacing);
     gtk_window_set_title(GTK_WINDOW(dialog), _("Symbolic link"));
@@ -118,7 +124,7 @@ void CreateSymbolicLinkDlg()
     g_signal_connect(info.ExistingEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
     g_signal_connect(info.LinkEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_Link_OKButton_clicked), &info);
-    OfferSelection(info);
+    OfferTarget(info, selected);
     ModalMainLoop(dialog, pMainW->MainWindow);
     if (!info.Created.empty()) {
         ShowNewFile(info.Created);

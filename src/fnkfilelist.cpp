@@ -9,6 +9,7 @@
 #include "fnkfilelist-sort.h"
 #include "fnkfilelist-status.h"
 #include "fnkmainwindow-record.h"
+#include "fnkmessage-box.h"
 #include "fnkstring.h"
 #include "fnkutil-color.h"
 #include "fnkutil-widget.h"
@@ -495,10 +496,15 @@ void ActivateListRow(std::size_t index)
         if (pGTable->CurrentDir != pGTable->RootDir && !parent.empty()) {
             OpenChildTree(MainTree(), parent, EXPAND_LAST_YES);
         }
+        return;
+    }
+    const std::string path = ListRowPath(index);
+    if (path.size() > kMaxPathBytes) {
+        FileExistMessageBox(PATH_TOO_LONG, nullptr);
     } else if (rows.Row(index).is_directory) {
-        OpenChildTree(MainTree(), ListRowPath(index), EXPAND_LAST_YES);
+        OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
     } else if (OnFileList.FileActivated != nullptr) {
-        OnFileList.FileActivated(ListRowPath(index));
+        OnFileList.FileActivated(path);
     }
 }
 

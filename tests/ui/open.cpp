@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
+#include "acts.h"
 #include "fnkutil.h"
 #include "program.h"
-#include "windowtest.h"
 
 namespace {
 
@@ -193,6 +193,29 @@ TEST_F(Open, AnotherWindowIsAnotherProcess)
     gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_NEW_WINDOW]));
     EXPECT_EQ(programs.Next(), Words{fennick});
     ExpectConsistent();
+}
+
+TEST_F(Open, WhatHasTooLongAPathIsRefusedInWords)
+{
+    std::string deep;
+    while (files.At(deep).size() < kMaxPathBytes - 200) {
+        deep += std::string(100, 'd') + "/";
+    }
+    const std::string file(210, 'f');
+    const std::string directory(210, 'd');
+    files.File(deep + file);
+    files.Directory(deep + directory);
+    Start();
+    Visit(deep);
+    for (const std::string& name : {file, directory}) {
+        SelectNames({name});
+        ASSERT_GT(ListRowPath(RowOf(name)).size(), kMaxPathBytes);
+        for (const MenuEntry entry : {MENU_OPEN, MENU_SYMBOLIC_LINK}) {
+            DuringDialogs([entry] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); },
+                          {ReadBox("Path is too long.")});
+        }
+    }
+    EXPECT_EQ(pGTable->CurrentDir, files.At(deep));
 }
 
 }  // namespace
