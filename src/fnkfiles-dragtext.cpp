@@ -21,6 +21,12 @@ std::vector<std::string> OnlyWorkable(std::vector<std::string> paths)
     return workable ? paths : std::vector<std::string>();
 }
 
+/// Some programs send the zero byte that ends their strings along.
+std::string_view WithoutTerminator(std::string_view text)
+{
+    return text.ends_with('\0') ? text.substr(0, text.size() - 1) : text;
+}
+
 bool IsThisMachine(const char* host)
 {
     return host == nullptr || *host == '\0' || g_ascii_strcasecmp(host, "localhost") == 0 ||
@@ -54,6 +60,7 @@ std::string MakeDragText(const std::vector<std::string>& paths)
 
 std::vector<std::string> SplitDragText(std::string_view text)
 {
+    text = WithoutTerminator(text);
     if (!text.starts_with(kMarker)) {
         return {};
     }
@@ -87,6 +94,7 @@ std::string MakeUriList(const std::vector<std::string>& paths)
 
 std::vector<std::string> SplitUriList(std::string_view list)
 {
+    list = WithoutTerminator(list);
     std::vector<std::string> paths;
     while (!list.empty()) {
         const std::size_t end = std::min(list.find_first_of("\r\n"), list.size());

@@ -31,6 +31,8 @@ TEST_F(DragText, ListsOfOtherProgramsAreUnderstood)
     EXPECT_EQ(SplitUriList("file://localhost" + file.substr(0, file.size() - 3) + "x%20y"), Paths{file});
     EXPECT_EQ(SplitDragText(uri + "\r\n"), Paths{file}) << "given as text";
     EXPECT_EQ(SplitUriList(uri + "\n" + uri), (Paths{file, file}));
+    EXPECT_EQ(SplitUriList(uri + "\r\n" + '\0'), Paths{file}) << "ended like a string";
+    EXPECT_EQ(SplitDragText("file:/a file:/b/" + std::string(1, '\0')), (Paths{"/a", "/b/"}));
 }
 
 TEST_F(DragText, OneItemThatIsNoFileHereRefusesAll)
