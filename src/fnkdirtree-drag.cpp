@@ -48,6 +48,16 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
     return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(tree), &copy);
 }
 
+/// Shows where a drop would go.
+void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
+{
+    if (!IsSelected(tree, node)) {
+        GtkTreeIter copy = node;
+        gtk_tree_selection_select_iter(gtk_tree_view_get_selection(tree), &copy);
+        StopTimer(pGTable->ExpandTimer);
+    }
+}
+
 // The timers hold no node: rows may come and go while they wait.
 
 /// Brings the row beside the one at that height to the edge; at the end of the tree it stops.
@@ -61,6 +71,7 @@ gboolean ScrollBy(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpoi
         const OptionalNode node = NodeAt(tree, 0, GPOINTER_TO_INT(y));
         if (const OptionalNode beside = node ? (walk.*next)(*node) : std::nullopt) {
             ScrollRowTo(tree, walk.PathOf(*beside).get(), alignment);
+            SelectTarget(tree, NodeAt(tree, 0, GPOINTER_TO_INT(y)).value_or(*beside));
             return G_SOURCE_CONTINUE;
         }
     }
@@ -105,11 +116,7 @@ void UpdateScrolling(GtkWidget* tree, int y)
 
 void HoverOver(GtkTreeView* tree, const GtkTreeIter& node)
 {
-    if (!IsSelected(tree, node)) {
-        GtkTreeIter copy = node;
-        gtk_tree_selection_select_iter(gtk_tree_view_get_selection(tree), &copy);
-        StopTimer(pGTable->ExpandTimer);
-    }
+    SelectTarget(tree, node);
     const TreeWalk walk(tree);
     if (walk.HasChildren(node) && !walk.IsExpanded(node) && pGTable->ExpandTimer == 0) {
         pGTable->ExpandTimer = g_timeout_add_full(G_PRIORITY_DEFAULT, kExpandAfter, TreeExpand,

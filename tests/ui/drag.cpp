@@ -44,6 +44,18 @@ protected:
     }
     Spot Node(const std::string& path) const { return Middle(MainTree(), NodePath(path).get()); }
 
+    /// The path of the node at coordinates of the tree.
+    static std::string NodeAtPointer(int x, int y)
+    {
+        GtkTreePath* path = nullptr;
+        gtk_tree_view_convert_widget_to_bin_window_coords(MainTree(), x, y, &x, &y);
+        Require(gtk_tree_view_get_path_at_pos(MainTree(), x, y, &path, nullptr, nullptr, nullptr), "a node");
+        const TreePath owner(path);
+        GtkTreeIter node;
+        gtk_tree_model_get_iter(gtk_tree_view_get_model(MainTree()), &node, path);
+        return GetNodePath(MainTree(), node);
+    }
+
     /// Lets a real pointer do something, which may take a while; the id of the process.
     static GPid Spawn(const std::string& actions)
     {
@@ -216,6 +228,7 @@ TEST_F(Drag, ARestingPointerExpandsAndTheEdgesScroll)
         const TreePath now = GetFirstVisiblePath(MainTree());
         return gtk_tree_path_compare(now.get(), first.get()) > 0;
     }));
+    EXPECT_EQ(TreeSelected(), NodeAtPointer(60, gtk_widget_get_allocated_height(tree) - 8)) << "where it would go now";
     // Leaving the tree stops it all.
     Pointer(MoveTo(Row("b b")));
     EXPECT_TRUE(Await([] { return pGTable->ScrollTimer == 0 && pGTable->ExpandTimer == 0; }));
