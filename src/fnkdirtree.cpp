@@ -251,15 +251,17 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
     }
     // A copy: the caller's string may be a field of the record that entering a directory changes.
     const std::string target = IsDirectory(path) ? WithSlash(path) : path;
-    const bool was_shown = target == pGTable->CurrentDir && target == shown_directory;
+    const std::string shown = pGTable->CurrentDir == shown_directory ? shown_directory : std::string();
     GtkTreeIter reached;
     {
         const SelectionPause pause(tree);
         reached = ExpandAlong(tree, target, expand_last);
     }
     SetTreeSelectNode(tree, reached);
-    // Entering it would have filled the list already.
-    if (was_shown && target == pGTable->CurrentDir && tree == MainTree()) {
+    // Entering another one has filled the list. One that is reached because what lies in it is hidden
+    // may have changed as well: commands come here when they are done.
+    std::string selected;
+    if (tree == MainTree() && GetTreeSelect(tree, nullptr, &selected) && selected == shown) {
         OnDirTree.Reopened();
     }
 }

@@ -148,6 +148,19 @@ TEST_F(Operations, SeveralGoIntoADirectoryWhichIsMadeWhenItIsMissing)
     ExpectConsistent();
 }
 
+TEST_F(Operations, WhatGoesWhereNothingIsShownIsGoneFromTheList)
+{
+    files.File("a", "1");
+    files.File("b", "2");
+    files.Directory(".hidden");
+    Start();
+    SelectNames({"a"});
+    DuringDialogs(Move, {EnterText(".hidden")});
+    EXPECT_EQ(files.Contents(".hidden/a"), "1");
+    EXPECT_EQ(ListNames(), (Names{"..", "b"}));
+    ExpectConsistent();
+}
+
 TEST_F(Operations, ADirectoryMadeForNothingGoesAgain)
 {
     files.File("a", "1");
