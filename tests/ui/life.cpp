@@ -349,6 +349,7 @@ TEST_F(MovingWorld, WhatMayNoLongerBeReadShowsNothing)
     const OrdinaryUser user({&files, &home});
     files.SetMode("a", 0);
     Harmless();
+    Visit("a");
     ClickTool(TOOL_RESCAN);
     EXPECT_EQ(pGTable->CurrentDir, files.At("a/"));
     EXPECT_EQ(ListNames(), Names{".."});
