@@ -105,10 +105,7 @@ void CreateSymbolicLinkDlg()
 {
     std::vector<std::string> paths;
     GetFileOperationString(paths, nullptr);
-    const std::string selected = paths.empty() ? std::string() : paths.front();
-    if (selected.size() > kMaxPathBytes) {
-        // The entry would cut it, and name something else.
-        FileExistMessageBox(PATH_TOO_LONG, nullptr);
+    if (!CheckFileOperationPaths(paths)) {
         return;
     }
     GtkWidget* vbox = nullptr;
@@ -124,7 +121,7 @@ void CreateSymbolicLinkDlg()
     g_signal_connect(info.ExistingEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
     g_signal_connect(info.LinkEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_Link_OKButton_clicked), &info);
-    OfferTarget(info, selected);
+    OfferTarget(info, paths.empty() ? std::string() : paths.front());
     ModalMainLoop(dialog, pMainW->MainWindow);
     if (!info.Created.empty()) {
         ShowNewFile(info.Created);

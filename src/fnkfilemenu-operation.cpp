@@ -168,7 +168,7 @@ void FileOperation(OperationKind kind)
     std::string destination;
     bool made = false;
     const auto mode = static_cast<OperationMode>(kind);
-    if (GetFileOperationString(sources, &description) == SELECTION_NONE ||
+    if (GetFileOperationString(sources, &description) == SELECTION_NONE || !CheckFileOperationPaths(sources) ||
         CreateFileOperationDlg(mode, description, &destination) != RESULT_OK ||
         !HasRoomFor(sources, destination, &made)) {
         return;
@@ -226,6 +226,9 @@ PopupChoice CreateFileOperationPopup(const GdkEvent* event)
     gtk_container_set_border_width(GTK_CONTAINER(menu), kPopupBorder);
     AddPopupItem(menu, _("Copy(_C)"), G_CALLBACK(on_PopupCopy_activate));
     AddPopupItem(menu, _("Move(_M)"), G_CALLBACK(on_PopupMove_activate));
+    gtk_widget_add_events(gtk_widget_get_toplevel(menu), GDK_VISIBILITY_NOTIFY_MASK);
+    g_signal_connect(gtk_widget_get_toplevel(menu), "visibility-notify-event", G_CALLBACK(on_Window_visibility_notify),
+                     nullptr);
     // The item's own signal comes after this one, but before the loop is back at its head.
     g_signal_connect(menu, "deactivate", G_CALLBACK(on_CancelButton_clicked), nullptr);
     popup_choice = POPUP_NOTHING;

@@ -144,7 +144,8 @@ int SetFileProperty(PropertyDlgData* data)
 {
     std::vector<std::string> paths;
     struct stat st = {};
-    if (GetFileOperationString(paths, nullptr) == SELECTION_NONE || lstat(paths.front().c_str(), &st) != 0) {
+    if (GetFileOperationString(paths, nullptr) == SELECTION_NONE || !CheckFileOperationPaths(paths) ||
+        lstat(paths.front().c_str(), &st) != 0) {
         return kArgumentError;
     }
     data->Path = paths.front();

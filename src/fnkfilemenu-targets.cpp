@@ -1,7 +1,10 @@
 #include "fnkfilemenu-targets.h"
 
+#include <algorithm>
+
 #include "fnkdirtree.h"
 #include "fnkfilelist.h"
+#include "fnkmessage-box.h"
 #include "fnkstring.h"
 #include "fnktable.h"
 #include "fnkutil.h"
@@ -44,6 +47,16 @@ SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::strin
         *description = FormatText(_("%s %s"), label.c_str(), kKindWords[kind]);
     }
     return kind;
+}
+
+bool CheckFileOperationPaths(const std::vector<std::string>& paths)
+{
+    const bool is_workable =
+        std::all_of(paths.begin(), paths.end(), [](const std::string& path) { return path.size() <= kMaxPathBytes; });
+    if (!is_workable) {
+        FileExistMessageBox(PATH_TOO_LONG, nullptr);
+    }
+    return is_workable;
 }
 
 std::size_t CountFileOperationTargets()

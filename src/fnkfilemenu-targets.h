@@ -15,7 +15,10 @@ enum SelectionKind {
 /// in one line, as "notes.txt file" or "3 file/directory" (UTF-8; null for no description).
 SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::string* description);
 
-/// How many paths the above would append.
+/// Whether all of them can be worked with; where one is too long, says so.
+bool CheckFileOperationPaths(const std::vector<std::string>& paths);
+
+/// How many paths the first would append.
 std::size_t CountFileOperationTargets();
 
 /// The parent of path, but never a directory above the top of the tree.

@@ -94,7 +94,7 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
     std::vector<std::string> paths;
     std::string description;
     if (!HasChangeableTarget() || GetFileOperationString(paths, &description) == SELECTION_NONE ||
-        !ConfirmDelete(description)) {
+        !CheckFileOperationPaths(paths) || !ConfirmDelete(description)) {
         return;
     }
     const std::string parent = GetParentDirectory(paths.front());

@@ -405,7 +405,9 @@ std::string PlaceOfDestination(const std::string& destination)
     return IsRootDirectory(destination) ? pGTable->RootDir : WithoutSlash(destination);
 }
 
-std::string TargetPath(const std::string& destination, const std::string& source, bool into_directory)
+/// Where source goes: into destination when that is a directory, else to that very name. Without a
+/// "/" at the end.
+std::string ProofDstPath(const std::string& destination, const std::string& source, bool into_directory)
 {
     return WithoutSlash(into_directory ? WithSlash(destination) + GetLastPath(source) : destination);
 }
@@ -434,7 +436,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         // Of several items, each would replace the one before under the name of what has gone.
         return FileErrorMessage(kind, destination, exists ? ENOTDIR : ENOENT);
     }
-    const std::string target = TargetPath(destination, source, is_directory);
+    const std::string target = ProofDstPath(destination, source, is_directory);
     if (target.size() > kMaxPathBytes) {
         return FileErrorMessage(kind, target, ENAMETOOLONG);
     }
@@ -459,11 +461,6 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
 }
 
 }  // namespace
-
-std::string ProofDstPath(const std::string& destination, const std::string& source)
-{
-    return TargetPath(destination, source, IsDirectory(PlaceOfDestination(destination)));
-}
 
 Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode, int* error)
 {

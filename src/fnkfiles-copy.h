@@ -13,10 +13,6 @@
 
 #include "fnkmessage.h"
 
-/// Where source goes: into destination when that is a directory, else to that very name. Without
-/// a "/" at the end.
-std::string ProofDstPath(const std::string& destination, const std::string& source);
-
 /// RESULT_CANCEL when source, of that mode, is target itself, or a directory that target is inside
 /// of, which is reported; 0 when it may go there. A place is known under any spelling. When that
 /// cannot be told, RESULT_CANCEL too, and error, else 0, is an errno that has not been reported.

@@ -8,6 +8,7 @@
 
 #include "fnkdirtree.h"
 #include "fnkmainwindow-record.h"
+#include "fnkmessage-box.h"
 #include "fnkraii.h"
 #include "fnkstring.h"
 #include "fnktable.h"
@@ -115,6 +116,11 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
     std::string path;
     // Whoever typed a path and did not press Return meant it all the same.
     if (!GetTreeSelect(state->tree, nullptr, &path) || GetEntryBytes(state->entry) != path) {
+        std::string typed = GetEntryBytes(state->entry);
+        if (const PathStatus status = CheckFileExist(&typed); status != PATH_DIRECTORY) {
+            FileExistMessageBox(status, state->entry);
+            return;
+        }
         OpenTyped(*state);
     }
     if (GetTreeSelect(state->tree, nullptr, &path)) {

@@ -210,12 +210,14 @@ TEST_F(Open, WhatHasTooLongAPathIsRefusedInWords)
     for (const std::string& name : {file, directory}) {
         SelectNames({name});
         ASSERT_GT(ListRowPath(RowOf(name)).size(), kMaxPathBytes);
-        for (const MenuEntry entry : {MENU_OPEN, MENU_SYMBOLIC_LINK}) {
+        for (const MenuEntry entry :
+             {MENU_OPEN, MENU_SYMBOLIC_LINK, MENU_COPY, MENU_MOVE, MENU_DELETE, MENU_PROPERTY}) {
             DuringDialogs([entry] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); },
                           {ReadBox("Path is too long.")});
         }
     }
     EXPECT_EQ(pGTable->CurrentDir, files.At(deep));
+    EXPECT_EQ(files.Names(deep), (std::vector<std::string>{directory, file}));
 }
 
 }  // namespace

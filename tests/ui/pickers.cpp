@@ -145,6 +145,16 @@ TEST_F(Pickers, ATypedDirectoryIsGoneToByReturnAndTakenByOk)
         PressButton(dialog, "OK");
     });
     EXPECT_EQ(picked, files.At("b/"));
+    // What is no directory in the tree is not taken for the one that was selected before.
+    picked = caller.Browse([this](GtkWidget* dialog) {
+        for (const std::string& wrong : {std::string("/"), files.At("a/missing"), std::string()}) {
+            gtk_entry_set_text(GTK_ENTRY(EntryOf(dialog)), wrong.c_str());
+            DuringDialogs([dialog] { PressButton(dialog, "OK"); }, {[](GtkWidget* box) { PressButton(box, "OK"); }});
+            ASSERT_TRUE(gtk_widget_get_visible(dialog));
+        }
+        PressButton(dialog, "Cancel");
+    });
+    EXPECT_EQ(picked, files.At("b/"));
 }
 
 TEST_F(Pickers, AFileGoesIntoTheEntryAsItsBytes)
