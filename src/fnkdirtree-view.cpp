@@ -4,7 +4,8 @@
 
 #include "fnkdirtree-nodes.h"
 #include "fnkdirtree-walk.h"
-#include "fnkutil-widget.h"
+#include "fnkutil-picture.h"
+#include "fnkutil-view.h"
 #include "fnkutil.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "fnkutil-widget.h"
+#include "fnkutil-view.h"
 
 using OptionalNode = std::optional<GtkTreeIter>;
 

@@ -8,6 +8,7 @@
 #include "fnkdirtree-walk.h"
 #include "fnkmainwindow-record.h"
 #include "fnkstring.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 

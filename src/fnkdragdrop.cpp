@@ -4,7 +4,8 @@
 
 #include "fnkfiles-dragtext.h"
 #include "fnktable.h"
-#include "fnkutil-widget.h"
+#include "fnkutil-picture.h"
+#include "fnkutil-view.h"
 
 int (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination) = nullptr;
 

@@ -9,6 +9,7 @@
 #include "fnkstring.h"
 #include "fnktable.h"
 #include "fnkutil-color.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 
 #include "CloseDir.xpm"

@@ -6,7 +6,7 @@
 #include "fnkdragdrop.h"
 #include "fnkfilelist.h"
 #include "fnktable.h"
-#include "fnkutil-widget.h"
+#include "fnkutil-view.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "fnkmainwindow-record.h"
 #include "fnkmessage-box.h"
 #include "fnkstring.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 

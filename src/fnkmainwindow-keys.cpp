@@ -12,6 +12,7 @@
 #include "fnklocationbar.h"
 #include "fnkmainwindow-record.h"
 #include "fnktable.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 
 namespace {

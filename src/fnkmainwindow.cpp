@@ -16,6 +16,7 @@
 #include "fnktable-life.h"
 #include "fnktoolbar.h"
 #include "fnkutil-open.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 

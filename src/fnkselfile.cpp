@@ -12,6 +12,7 @@
 #include "fnkraii.h"
 #include "fnkstring.h"
 #include "fnktable.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 #include "fnkutil.h"
 

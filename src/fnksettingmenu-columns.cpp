@@ -7,6 +7,7 @@
 
 #include "fnkraii.h"
 #include "fnkstring.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 
 namespace {

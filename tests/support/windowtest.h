@@ -15,6 +15,7 @@
 #include "fnkfilelist.h"
 #include "fnkmainwindow-record.h"
 #include "fnktable.h"
+#include "fnkutil-view.h"
 #include "fnkutil-widget.h"
 #include "scratch.h"
 #include "tabletest.h"
