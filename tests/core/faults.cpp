@@ -79,12 +79,6 @@ protected:
         return std::any_of(tree.begin(), tree.end(),
                            [&](const auto& entry) { return What(name + "/" + entry.first) == what; });
     }
-    void ExpectNoTemporaries(const std::string& where) const
-    {
-        for (const auto& [path, what] : Describe("")) {
-            EXPECT_EQ(path.find(".fennick-"), std::string::npos) << where << " left " << path;
-        }
-    }
 
     /// Prepares, lets the k-th call of work fail with each error and each answer, and checks, for
     /// every k that there is.
@@ -121,7 +115,7 @@ protected:
                                           (answer == RESULT_OK ? " skipped" : " cancelled") +
                                           (old_file_system ? " old" : "");
                 check(where);
-                ExpectNoTemporaries(where);
+                EXPECT_EQ(TemporariesIn(""), Tree()) << where;
             } while (faults.calls_made >= k && !HasFailure());
             EXPECT_GT(k, 10) << "the calls are led here";
         }

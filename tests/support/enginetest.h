@@ -64,6 +64,26 @@ protected:
         return Run(MoveFile, destination, sources);
     }
 
+    std::string Question(const std::string& name) const
+    {
+        return "Confirmation: " + files.At(name) + " already exists.\nDoes it overwrite?";
+    }
+    std::string Failure(const std::string& verb, const std::string& name, const std::string& cause) const
+    {
+        return "Error: Cannot " + verb + " file " + files.At(name) + "\ncause:" + cause + " [Skip]";
+    }
+    /// What the engine should not leave behind.
+    Tree TemporariesIn(const std::string& name) const
+    {
+        Tree left;
+        for (const auto& [path, what] : Describe(name)) {
+            if (path.find(".fennick-") != std::string::npos) {
+                left[path] = what;
+            }
+        }
+        return left;
+    }
+
 private:
     using Engine = Result (*)(const std::string&, const std::string&, int*);
     Result Run(Engine engine, const std::string& destination, const std::vector<std::string>& sources)
