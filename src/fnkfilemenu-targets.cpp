@@ -25,14 +25,14 @@ SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::strin
         }
         const bool is_directory = rows.Row(index).is_directory;
         (is_directory ? directories : files) = true;
-        label = DisplayText(rows.Name(index));
+        label = DisplayLine(rows.Name(index));
         paths.push_back(ListRowPath(index));
         ++count;
     }
     std::string tree_path;
     if (selection.empty() && GetTreeSelect(MainTree(), nullptr, &tree_path)) {
         directories = true;
-        label = DisplayText(tree_path);
+        label = DisplayLine(tree_path);
         paths.push_back(std::move(tree_path));
         ++count;
     }

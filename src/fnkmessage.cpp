@@ -10,7 +10,7 @@ std::string FormatPathMessage(const char* format, const std::string& path, int e
     // As many characters as a line of a box can take on a small screen, twice over.
     constexpr long kMostCharacters = 240;
     constexpr long kKeptAtAnEnd = kMostCharacters / 2 - 2;
-    std::string shown = DisplayText(path);
+    std::string shown = DisplayLine(path);
     const long length = g_utf8_strlen(shown.c_str(), -1);
     if (length > kMostCharacters) {
         const char* const head_end = g_utf8_offset_to_pointer(shown.c_str(), kKeptAtAnEnd);

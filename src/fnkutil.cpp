@@ -536,6 +536,17 @@ std::string DisplayText(std::string_view bytes)
     return text.get();
 }
 
+std::string DisplayLine(std::string_view bytes)
+{
+    std::string text = DisplayText(bytes);
+    for (const char* const end : {"\r", "\n", "\u2028", "\u2029"}) {
+        for (std::size_t at = 0; (at = text.find(end, at)) != std::string::npos;) {
+            text.replace(at, std::strlen(end), "\u21b5");
+        }
+    }
+    return text;
+}
+
 std::string FormatText(const char* format, ...)
 {
     va_list arguments;

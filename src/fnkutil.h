@@ -133,5 +133,7 @@ void AddHistoryListS(History& list, const std::string& text);
 
 /// Bytes as valid UTF-8; what is not valid becomes the replacement character.
 std::string DisplayText(std::string_view bytes);
+/// The same on one line: what would end a line is shown as an arrow, as in the list.
+std::string DisplayLine(std::string_view bytes);
 /// printf into a string of whatever length it takes.
 std::string FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -96,6 +96,30 @@ TEST_F(Messages, ALongPathLosesItsMiddleAndNeverTheReason)
            });
 }
 
+TEST_F(Messages, ANameFullOfLinesLeavesTheButtonsOnTheScreen)
+{
+    const std::string name = std::string(200, '\n') + "\r\u2028\u2029end";
+    files.File(name);
+    Start();
+    SelectNames({name});
+    const Act expect_small = [](GtkWidget* box) {
+        int height = 0;
+        gtk_window_get_size(GTK_WINDOW(box), nullptr, &height);
+        EXPECT_LT(height, 400);
+        EXPECT_NE(FindWidget(box,
+                             [](GtkWidget* widget) {
+                                 return GTK_IS_LABEL(widget) &&
+                                        std::string(gtk_label_get_text(GTK_LABEL(widget))).find("\u21b5end") !=
+                                            std::string::npos;
+                             }),
+                  nullptr);
+        SendKey(box, GDK_KEY_Return);
+    };
+    const std::string text = FormatPathMessage("Cannot delete file %s\ncause:%s", files.At(name), ENOSPC);
+    Answer([&] { return MessageBox("Error", text, STYLE_SKIP); }, expect_small);
+    DuringDialog([] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_DELETE])); }, expect_small);
+}
+
 TEST_F(Messages, ABadPathIsSelectedToBeTypedAnew)
 {
     Start();
