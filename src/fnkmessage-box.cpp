@@ -19,8 +19,6 @@ constexpr int kBoxBorder = 10;
 constexpr int kBoxSpacing = 10;
 constexpr int kButtonWidth = 100;
 constexpr int kButtonHeight = 30;
-/// Longer lines are broken, at blanks or within a path.
-constexpr int kLineCharacters = 70;
 
 Picture MessageIcon(unsigned style)
 {
@@ -89,14 +87,11 @@ void MakeDefault(GtkWidget* dialog, GtkWidget* button)
     g_signal_connect(dialog, "delete-event", G_CALLBACK(on_delete_event), button);
 }
 
-GtkWidget* AddMessageLabel(GtkWidget* box, const std::string& message)
+void AddMessageLabel(GtkWidget* box, const std::string& message)
 {
     GtkWidget* const label = CreateLabel(box, message.c_str());
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
-    gtk_label_set_max_width_chars(GTK_LABEL(label), kLineCharacters);
+    WrapLabel(label);
     gtk_label_set_selectable(GTK_LABEL(label), FALSE);
-    return label;
 }
 
 }  // namespace

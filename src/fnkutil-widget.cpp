@@ -427,6 +427,19 @@ void ReleaseEntryFocus(GtkWidget* window)
     gtk_window_set_focus(GTK_WINDOW(window), nullptr);
 }
 
+void WrapLabel(GtkWidget* label)
+{
+    constexpr int kLineCharacters = 70;
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);  // Names need have no blanks.
+    gtk_label_set_max_width_chars(GTK_LABEL(label), kLineCharacters);
+    // A hyphen at the break would pass for one of the name's.
+    PangoAttrList* const attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+    gtk_label_set_attributes(GTK_LABEL(label), attributes);
+    pango_attr_list_unref(attributes);
+}
+
 namespace {
 
 gboolean on_ShortLabel_query_tooltip(GtkWidget* label, int, int, gboolean, GtkTooltip* tooltip, gpointer)
@@ -434,11 +447,8 @@ gboolean on_ShortLabel_query_tooltip(GtkWidget* label, int, int, gboolean, GtkTo
     if (!pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(label)))) {
         return FALSE;
     }
-    constexpr int kLineCharacters = 70;
     GtkWidget* const whole = gtk_label_new(gtk_label_get_text(GTK_LABEL(label)));
-    gtk_label_set_line_wrap(GTK_LABEL(whole), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(whole), PANGO_WRAP_WORD_CHAR);  // Names need have no blanks.
-    gtk_label_set_max_width_chars(GTK_LABEL(whole), kLineCharacters);
+    WrapLabel(whole);
     gtk_widget_show(whole);
     gtk_tooltip_set_custom(tooltip, whole);
     return TRUE;

@@ -79,6 +79,9 @@ void AddHistoryListC(GtkWidget* combo, History& list);
 /// Takes the focus out of every entry of the window, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
+/// Breaks a label's lines where they get longer, at blanks or anywhere in a path, and adds nothing.
+void WrapLabel(GtkWidget* label);
+
 /// Keeps a label to one line. In want of room, or of more characters than it may ask room for, it
 /// loses its middle and shows the whole text as a tip.
 void ShortenLabel(GtkWidget* label, int max_characters);

@@ -96,6 +96,27 @@ TEST_F(Messages, ALongPathLosesItsMiddleAndNeverTheReason)
            });
 }
 
+TEST_F(Messages, ANameThatIsBrokenGetsNoHyphens)
+{
+    Start();
+    const std::string name(200, 'x');
+    const Act expect_bare = [&name](GtkWidget* box) {
+        int lines = 0;
+        int glyphs = 0;
+        for (GSList* at = pango_layout_get_lines_readonly(gtk_label_get_layout(GTK_LABEL(FindByText(box, name))));
+             at != nullptr; at = at->next) {
+            ++lines;
+            for (GSList* run = static_cast<PangoLayoutLine*>(at->data)->runs; run != nullptr; run = run->next) {
+                glyphs += static_cast<PangoGlyphItem*>(run->data)->glyphs->num_glyphs;
+            }
+        }
+        EXPECT_GT(lines, 1);
+        EXPECT_EQ(glyphs, name.size());
+        SendKey(box, GDK_KEY_Return);
+    };
+    Answer([&] { return MessageBox("Error", name, STYLE_ERROR); }, expect_bare);
+}
+
 TEST_F(Messages, ANameFullOfLinesLeavesTheButtonsOnTheScreen)
 {
     const std::string name = std::string(200, '\n') + "\r\u2028\u2029end";
