@@ -170,7 +170,12 @@ void on_Tool_Up_clicked(GtkWidget*, gpointer)
 
 void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
 {
-    RescanTree(MainTree(), pGTable->CurrentDir);
+    // What vanished meanwhile leaves the tree only with a look at the directory above it.
+    std::string directory = pGTable->CurrentDir;
+    while (directory.size() > pGTable->RootDir.size() && !IsDirectory(directory)) {
+        directory = GetParentDirectory(directory);
+    }
+    RescanTree(MainTree(), directory);
     OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES);
 }
 

@@ -1,5 +1,7 @@
 // Going places: Back and Forward, the other buttons of the toolbar, the location bar.
 
+#include <filesystem>
+
 #include "fnkutil.h"
 #include "windowtest.h"
 
@@ -180,6 +182,18 @@ TEST_F(Navigation, RescanningStaysAndTheMenuCommandGoesToTheTop)
     Settle();
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_FALSE(IsExpanded(files.At("A")));
+    ExpectConsistent();
+}
+
+TEST_F(Navigation, RescanningWhatIsGoneShowsWhatIsLeftOfTheWayThere)
+{
+    Start();
+    Visit("A/a");
+    std::filesystem::remove_all(files.At("A"));
+    files.File("A");
+    ClickTool(TOOL_RESCAN);
+    EXPECT_EQ(pGTable->CurrentDir, files.Path());
+    EXPECT_FALSE(IsInTree(files.At("A")));
     ExpectConsistent();
 }
 
