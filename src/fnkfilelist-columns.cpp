@@ -173,13 +173,36 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position)
     g_signal_connect(column, "notify::fixed-width", G_CALLBACK(on_FileList_resize_column), GSIZE_TO_POINTER(position));
 }
 
+/// Whether the filler was one to expand when the columns got their widths.
+constexpr const char* kWasExpanding = "fennick-was-expanding";
+
+void on_FileList_size_allocate(GtkWidget*, GdkRectangle*, gpointer filler)
+{
+    const gboolean expands = gtk_tree_view_column_get_expand(GTK_TREE_VIEW_COLUMN(filler));
+    g_object_set_data(G_OBJECT(filler), kWasExpanding, GINT_TO_POINTER(expands));
+}
+
+/// When a column gets wider, the toolkit leaves the filler the width it has, and the list scrolls
+/// to nothing. It shares the room out anew only for another number of columns that expand; as the
+/// last one, the filler gets what is left in either case.
+void on_Column_notify_fixed_width(GtkTreeViewColumn*, GParamSpec*, gpointer filler)
+{
+    const bool was_expanding = g_object_get_data(G_OBJECT(filler), kWasExpanding) != nullptr;
+    gtk_tree_view_column_set_expand(GTK_TREE_VIEW_COLUMN(filler), !was_expanding);
+}
+
 /// Takes the width that the others leave, or the toolkit would give it to the last of them.
 void AppendFillerColumn(GtkTreeView* list)
 {
     GtkTreeViewColumn* const column = gtk_tree_view_column_new();
     gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
     gtk_tree_view_column_set_expand(column, TRUE);
+    for (int i = 0; i <= pGTable->ColumnCount; ++i) {
+        g_signal_connect_object(gtk_tree_view_get_column(list, i), "notify::fixed-width",
+                                G_CALLBACK(on_Column_notify_fixed_width), column, GConnectFlags());
+    }
     gtk_tree_view_append_column(list, column);
+    g_signal_connect_object(list, "size-allocate", G_CALLBACK(on_FileList_size_allocate), column, GConnectFlags());
 }
 
 }  // namespace

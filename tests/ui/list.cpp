@@ -162,6 +162,28 @@ TEST_F(List, ColumnsOfTheSettingsComeAndTheirWidthsAreRemembered)
     }
 }
 
+TEST_F(List, TheListScrollsSidewaysOnlyToWhatThereIs)
+{
+    Start();
+    GtkAdjustment* const scroll = gtk_scrollable_get_hadjustment(GTK_SCROLLABLE(pMainW->FileList));
+    const auto surplus = [scroll] { return gtk_adjustment_get_upper(scroll) - gtk_adjustment_get_page_size(scroll); };
+    gtk_window_resize(Window(), 600, 400);
+    EXPECT_TRUE(Await([&] { return surplus() > 0; }));
+    gtk_window_resize(Window(), 1000, 400);
+    EXPECT_TRUE(Await([&] { return gtk_adjustment_get_page_size(scroll) > 700; }));
+    for (const int width : {200, 230, 210}) {
+        gtk_tree_view_column_set_fixed_width(ListViewColumn(1), width - 5);
+        gtk_tree_view_column_set_fixed_width(ListViewColumn(1), width);
+        EXPECT_TRUE(Await([width] { return gtk_tree_view_column_get_width(ListViewColumn(1)) == width; }));
+        EXPECT_EQ(surplus(), 0) << width;
+    }
+    ClickTitle(0);  // The title of the icons gets wider by its arrow.
+    Settle();
+    EXPECT_EQ(surplus(), 0);
+    gtk_tree_view_column_set_fixed_width(ListViewColumn(1), 900);
+    EXPECT_TRUE(Await([&] { return surplus() > 0; }));
+}
+
 TEST_F(List, ReadingAgainKeepsTheFirstVisibleRow)
 {
     for (int i = 100; i < 200; ++i) {
