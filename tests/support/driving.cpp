@@ -70,6 +70,26 @@ void RunUntilQuit(const std::function<void()>& action)
     EXPECT_FALSE(expired) << "the main loop did not end";
 }
 
+Event NewPointerEvent(GdkWindow* window, GdkEventType type)
+{
+    Event event(gdk_event_new(type));
+    event->any.window = GDK_WINDOW(g_object_ref(window));
+    event->any.send_event = TRUE;
+    gdk_event_set_device(event.get(), gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())));
+    return event;
+}
+
+void SendButton(GdkWindow* window, GdkEventType type, double x, double y, guint state)
+{
+    const Event event = NewPointerEvent(window, type);
+    event->button.time = GDK_CURRENT_TIME;
+    event->button.x = x;
+    event->button.y = y;
+    event->button.state = state;
+    event->button.button = GDK_BUTTON_PRIMARY;
+    gtk_main_do_event(event.get());
+}
+
 void SendClose(GtkWidget* window)
 {
     GdkEvent* const event = gdk_event_new(GDK_DELETE);

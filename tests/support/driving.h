@@ -4,6 +4,7 @@
 #include <gtk/gtk.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,15 @@ bool Await(const std::function<bool()>& condition);
 void Settle();
 /// Performs the action from inside a main loop, which the action is to end, now or by and by.
 void RunUntilQuit(const std::function<void()>& action);
+
+struct FreeEvent {
+    void operator()(GdkEvent* event) const { gdk_event_free(event); }
+};
+using Event = std::unique_ptr<GdkEvent, FreeEvent>;
+/// An event of the pointer for a window, to be filled in and handed to gtk_main_do_event.
+Event NewPointerEvent(GdkWindow* window, GdkEventType type);
+/// One of the left button at these coordinates of the window.
+void SendButton(GdkWindow* window, GdkEventType type, double x, double y, guint state = 0);
 
 /// An event of a key into a window, as the toolkit would deliver it.
 void SendKey(GtkWidget* window, guint key, guint state = 0);

@@ -4,8 +4,6 @@
 #include <grp.h>
 
 #include <clocale>
-#include <cstring>
-#include <utility>
 
 #include "fnkfilelist-status.h"
 #include "fnkmainwindow.h"
@@ -104,21 +102,6 @@ std::string ExpectedStatus(const std::string& tree_selected, const Names& select
     const std::string what =
         counted.size() == 1 ? DisplayText(counted.front()) : std::to_string(counted.size()) + " files";
     return " " + what + "  " + ConvertSize(total);
-}
-
-void SendButton(GdkWindow* window, GdkEventType type, double x, double y, guint state)
-{
-    GdkEvent* const event = gdk_event_new(type);
-    event->button.window = GDK_WINDOW(g_object_ref(window));
-    event->button.send_event = TRUE;
-    event->button.time = GDK_CURRENT_TIME;
-    event->button.x = x;
-    event->button.y = y;
-    event->button.state = state;
-    event->button.button = GDK_BUTTON_PRIMARY;
-    gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())));
-    gtk_main_do_event(event);
-    gdk_event_free(event);
 }
 
 }  // namespace

@@ -88,24 +88,6 @@ protected:
         gdk_window_get_device_position(gdk_get_default_root_window(), pointer, nullptr, nullptr, &state);
         return (state & GDK_BUTTON1_MASK) != 0;
     }
-    /// An event of the left button over the list, without a pointer.
-    static void SendPointer(GdkEventType type, int x, int y)
-    {
-        GdkEvent* const event = gdk_event_new(type);
-        event->any.window = GDK_WINDOW(g_object_ref(gtk_tree_view_get_bin_window(MainList())));
-        if (type == GDK_MOTION_NOTIFY) {
-            event->motion.x = x;
-            event->motion.y = y;
-            event->motion.state = GDK_BUTTON1_MASK;
-        } else {
-            event->button.x = x;
-            event->button.y = y;
-            event->button.button = GDK_BUTTON_PRIMARY;
-        }
-        gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())));
-        gtk_main_do_event(event);
-        gdk_event_free(event);
-    }
     static std::string MoveTo(Spot spot)
     {
         return "mousemove " + std::to_string(spot.x) + " " + std::to_string(spot.y) + " sleep 0.05 ";
@@ -333,8 +315,13 @@ TEST_F(Drag, OneThatCannotBeginLeavesTheTreeAsItWas)
     const TreePath row(gtk_tree_path_new_from_indices(static_cast<int>(RowOf("a")), -1));
     GdkRectangle area;
     gtk_tree_view_get_cell_area(MainList(), row.get(), gtk_tree_view_get_column(MainList(), 1), &area);
-    SendPointer(GDK_BUTTON_PRESS, area.x + 30, area.y + 5);
-    SendPointer(GDK_MOTION_NOTIFY, area.x + 60, area.y + 5);
+    GdkWindow* const rows = gtk_tree_view_get_bin_window(MainList());
+    SendButton(rows, GDK_BUTTON_PRESS, area.x + 30, area.y + 5);
+    const Event motion = NewPointerEvent(rows, GDK_MOTION_NOTIFY);
+    motion->motion.x = area.x + 60;
+    motion->motion.y = area.y + 5;
+    motion->motion.state = GDK_BUTTON1_MASK;
+    gtk_main_do_event(motion.get());
     Settle();
     EXPECT_NE(pGTable->TreeSelectSignal, 0U);
     gdk_seat_ungrab(seat);

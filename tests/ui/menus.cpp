@@ -32,14 +32,10 @@ protected:
 
     void Cross(GdkEventType type, GtkWidget* button) const
     {
-        GdkEvent* const event = gdk_event_new(type);
-        event->crossing.window = GDK_WINDOW(g_object_ref(gtk_button_get_event_window(GTK_BUTTON(button))));
-        event->crossing.send_event = TRUE;
+        const Event event = NewPointerEvent(gtk_button_get_event_window(GTK_BUTTON(button)), type);
         event->crossing.mode = GDK_CROSSING_NORMAL;
         event->crossing.detail = GDK_NOTIFY_ANCESTOR;
-        gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())));
-        gtk_main_do_event(event);
-        gdk_event_free(event);
+        gtk_main_do_event(event.get());
         Settle();
     }
 };

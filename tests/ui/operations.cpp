@@ -328,13 +328,10 @@ PopupChoice ChooseFromPopup(const std::function<void(GtkWidget*)>& act)
             return G_SOURCE_REMOVE;
         },
         &waiting);
-    GdkEvent* const event = gdk_event_new(GDK_BUTTON_RELEASE);
-    event->button.window = GDK_WINDOW(g_object_ref(gtk_tree_view_get_bin_window(MainList())));
+    const Event event = NewPointerEvent(gtk_tree_view_get_bin_window(MainList()), GDK_BUTTON_RELEASE);
     event->button.time = GDK_CURRENT_TIME;
     event->button.button = GDK_BUTTON_PRIMARY;
-    gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default())));
-    const PopupChoice choice = CreateFileOperationPopup(event);
-    gdk_event_free(event);
+    const PopupChoice choice = CreateFileOperationPopup(event.get());
     if (!waiting.done) {
         ADD_FAILURE() << "no menu came up";
         g_source_remove(source);
