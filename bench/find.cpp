@@ -29,15 +29,13 @@ std::string FileName(int number)
 std::string Tree(int count)
 {
     const std::string tree = top + "/" + std::to_string(count) + "/";
-    for (int i = 0; !std::filesystem::exists(tree + "complete"); ++i) {
+    const int directories = std::filesystem::create_directory(tree) ? count / (kFiles + 1) : 0;
+    for (int i = 0; i < directories; ++i) {
         const std::string directory =
             tree + "d" + std::to_string(i / kDirectories) + "/e" + std::to_string(i % kDirectories) + "/";
         std::filesystem::create_directories(directory);
         for (int file = 0; file < kFiles; ++file) {
             mknod((directory + FileName(file)).c_str(), S_IFREG | 0644, 0);
-        }
-        if ((i + 1) * (kFiles + 1) >= count) {
-            mknod((tree + "complete").c_str(), S_IFREG | 0644, 0);
         }
     }
     return tree;

@@ -130,7 +130,11 @@ inline void ReadWanted(int argc, char** argv)
 {
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
-        argument == "--growth" ? void(wanted.growth = true) : void(wanted.part = argument);
+        if (argument == "--growth") {
+            wanted.growth = true;
+        } else {
+            wanted.part = argument;
+        }
     }
 }
 
