@@ -115,9 +115,9 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
 {
     auto* const state = static_cast<DirSelection*>(data);
     std::string path;
+    std::string typed = GetEntryBytes(state->entry);
     // Whoever typed a path and did not press Return meant it all the same.
-    if (!GetTreeSelect(state->tree, nullptr, &path) || GetEntryBytes(state->entry) != path) {
-        std::string typed = GetEntryBytes(state->entry);
+    if (!GetTreeSelect(state->tree, nullptr, &path) || typed != path) {
         if (const PathStatus status = CheckFileExist(&typed); status != PATH_DIRECTORY) {
             FileExistMessageBox(status, state->entry);
             return;

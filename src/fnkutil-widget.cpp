@@ -1,9 +1,8 @@
 #include "fnkutil-widget.h"
 
-#include <algorithm>
+#include <memory>
 
 #include "fnkmainwindow-record.h"
-#include "fnkraii.h"
 #include "fnkstring.h"
 #include "fnkutil.h"
 
