@@ -13,12 +13,12 @@
 #include <memory>
 #include <tuple>
 
-#include "fnkdirtree.h"
-#include "fnkeditmenu-select.h"
-#include "fnkfilelist-sort.h"
-#include "fnkfilelist.h"
-#include "fnkmainwindow-record.h"
-#include "fnktable.h"
+#include "panes/fnkdirtree.h"
+#include "commands/fnkeditmenu-select.h"
+#include "model/fnkfilelist-sort.h"
+#include "panes/fnkfilelist.h"
+#include "kit/fnkmainwindow-record.h"
+#include "core/fnktable.h"
 #include "measure.h"
 
 namespace {

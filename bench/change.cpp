@@ -13,9 +13,9 @@
 #include <functional>
 #include <string>
 
-#include "fnkfiles-copy.h"
-#include "fnkfiles-delete.h"
-#include "fnkprogress.h"
+#include "engine/fnkfiles-copy.h"
+#include "engine/fnkfiles-delete.h"
+#include "kit/fnkprogress.h"
 #include "measure.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "fnkeditmenu-find-result.h"
-#include "fnkmainwindow-record.h"
+#include "commands/fnkeditmenu-find-result.h"
+#include "kit/fnkmainwindow-record.h"
 #include "measure.h"
 
 namespace {

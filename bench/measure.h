@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "fnkmainwindow.h"
-#include "fnktable-life.h"
-#include "fnktable-start.h"
+#include "app/fnkmainwindow.h"
+#include "app/fnktable-life.h"
+#include "app/fnktable-start.h"
 
 /// Milliseconds between two looks of the main loop.
 class PauseMeter {

@@ -1,12 +1,12 @@
 // The associations: how their file is read, and which program opens a file.
 
-#include "fnkfiles-associations.h"
+#include "core/fnkfiles-associations.h"
 
 #include <map>
 #include <sstream>
 #include <utility>
 
-#include "fnkutil-launch.h"
+#include "core/fnkutil-launch.h"
 #include "tabletest.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // The texts that are addressed by number, in every language, and where the catalogues are found.
 
-#include "fnkstring.h"
+#include "core/fnkstring.h"
 #include "language.h"
 
 namespace {

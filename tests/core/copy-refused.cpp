@@ -8,9 +8,9 @@
 
 #include "child.h"
 #include "enginetest.h"
-#include "fnkfiles-delete.h"
-#include "fnkutil-launch.h"
-#include "fnkutil.h"
+#include "engine/fnkfiles-delete.h"
+#include "core/fnkutil-launch.h"
+#include "core/fnkutil.h"
 
 namespace {
 

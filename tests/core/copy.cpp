@@ -7,7 +7,7 @@
 
 #include "child.h"
 #include "enginetest.h"
-#include "fnkraii.h"
+#include "core/fnkraii.h"
 
 namespace {
 

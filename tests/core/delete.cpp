@@ -8,9 +8,9 @@
 
 #include "child.h"
 #include "enginetest.h"
-#include "fnkfiles-delete.h"
-#include "fnkfiles-sync.h"
-#include "fnkutil.h"
+#include "engine/fnkfiles-delete.h"
+#include "engine/fnkfiles-sync.h"
+#include "core/fnkutil.h"
 
 namespace {
 

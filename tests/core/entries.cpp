@@ -1,7 +1,7 @@
 // What the disk says about a path: typed paths and the types of entries.
 
-#include "fnkraii.h"
-#include "fnkutil.h"
+#include "core/fnkraii.h"
+#include "core/fnkutil.h"
 #include "tabletest.h"
 
 namespace {

@@ -13,8 +13,8 @@
 
 #include "child.h"
 #include "enginetest.h"
-#include "fnkfiles-delete.h"
-#include "fnkfiles.h"
+#include "engine/fnkfiles-delete.h"
+#include "core/fnkfiles.h"
 
 namespace {
 

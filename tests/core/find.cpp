@@ -3,7 +3,7 @@
 #include <clocale>
 
 #include "child.h"
-#include "fnkeditmenu-find-walk.h"
+#include "model/fnkeditmenu-find-walk.h"
 #include "scratch.h"
 
 namespace {

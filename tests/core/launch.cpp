@@ -1,6 +1,6 @@
 // Opening files: what it comes to, and how programs are started.
 
-#include "fnkutil-launch.h"
+#include "core/fnkutil-launch.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "child.h"
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "program.h"
 #include "tabletest.h"
 

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "child.h"
-#include "fnkfilemenu-property-change.h"
+#include "engine/fnkfilemenu-property-change.h"
 #include "scratch.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "tabletest.h"
 
 namespace {

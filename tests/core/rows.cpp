@@ -1,6 +1,6 @@
 // The rows of the list: what is in a directory, what of it is shown, and the text of each cell.
 
-#include "fnkfilelist-rows.h"
+#include "model/fnkfilelist-rows.h"
 
 #include <glib.h>
 

@@ -7,7 +7,7 @@
 #include <csignal>
 
 #include "child.h"
-#include "fnkfiles-settings.h"
+#include "core/fnkfiles-settings.h"
 #include "tabletest.h"
 
 namespace {

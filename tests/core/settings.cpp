@@ -1,13 +1,13 @@
 // What the settings file says and how it is read.
 
-#include "fnkfiles-settings.h"
+#include "core/fnkfiles-settings.h"
 
 #include <climits>
 #include <set>
 #include <sstream>
 #include <utility>
 
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "tabletest.h"
 
 namespace {

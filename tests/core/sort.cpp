@@ -1,6 +1,6 @@
 // The order of the rows.
 
-#include "fnkfilelist-sort.h"
+#include "model/fnkfilelist-sort.h"
 
 #include <array>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // From the command line to the first directories.
 
-#include "fnktable-start.h"
+#include "app/fnktable-start.h"
 
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "tabletest.h"
 
 namespace {

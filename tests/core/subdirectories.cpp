@@ -1,8 +1,8 @@
 // What the directory tree reads, and the numbered texts.
 
 #include "child.h"
-#include "fnkdirtree-scan.h"
-#include "fnkstring.h"
+#include "model/fnkdirtree-scan.h"
+#include "core/fnkstring.h"
 #include "tabletest.h"
 
 namespace {

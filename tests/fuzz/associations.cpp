@@ -1,7 +1,7 @@
 // The file of associations.
 
-#include "fnkfiles-associations.h"
-#include "fnkutil-launch.h"
+#include "core/fnkfiles-associations.h"
+#include "core/fnkutil-launch.h"
 #include "fuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

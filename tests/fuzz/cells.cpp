@@ -1,6 +1,6 @@
 // The texts that the list is sorted by.
 
-#include "fnkfilelist-sort.h"
+#include "model/fnkfilelist-sort.h"
 #include "fuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

@@ -1,7 +1,7 @@
 // What other programs say that is dropped.
 
-#include "fnkfiles-dragtext.h"
-#include "fnkutil.h"
+#include "model/fnkfiles-dragtext.h"
+#include "core/fnkutil.h"
 #include "fuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

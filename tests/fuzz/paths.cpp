@@ -2,9 +2,9 @@
 
 #include <glib.h>
 
-#include "fnkfilelist-rows.h"
-#include "fnkutil-launch.h"
-#include "fnkutil.h"
+#include "model/fnkfilelist-rows.h"
+#include "core/fnkutil-launch.h"
+#include "core/fnkutil.h"
 #include "fuzz.h"
 
 namespace {

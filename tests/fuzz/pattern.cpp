@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "fnkfilelist-rows.h"
-#include "fnkutil.h"
+#include "model/fnkfilelist-rows.h"
+#include "core/fnkutil.h"
 #include "fuzz.h"
 
 namespace {

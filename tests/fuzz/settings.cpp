@@ -1,7 +1,7 @@
 // The settings file: whatever is in it, a record comes out that can be worked with, and that comes
 // back the same after it has been written.
 
-#include "fnkfiles-settings.h"
+#include "core/fnkfiles-settings.h"
 #include "fuzz.h"
 
 // Nothing here has to survive a failing machine, and the disk is slow.

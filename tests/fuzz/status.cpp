@@ -1,6 +1,6 @@
 // What processes are said to be.
 
-#include "fnkutil-launch.h"
+#include "core/fnkutil-launch.h"
 #include "fuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

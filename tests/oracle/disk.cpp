@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "fnkraii.h"
+#include "core/fnkraii.h"
 #include "scratch.h"
 
 namespace {

@@ -14,8 +14,8 @@
 #include <set>
 
 #include "disk.h"
-#include "fnkfiles-settings.h"
-#include "fnkfiles-sync.h"
+#include "core/fnkfiles-settings.h"
+#include "engine/fnkfiles-sync.h"
 #include "modes.h"
 #include "scratch.h"
 

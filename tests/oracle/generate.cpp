@@ -1,10 +1,10 @@
 #include "generate.h"
 
 #include "disk.h"
-#include "fnkfiles-copy.h"
-#include "fnkfiles-delete.h"
-#include "fnkfiles-directory.h"
-#include "fnktable.h"
+#include "engine/fnkfiles-copy.h"
+#include "engine/fnkfiles-delete.h"
+#include "engine/fnkfiles-directory.h"
+#include "core/fnktable.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "fnkmessage.h"
-#include "fnkprogress.h"
+#include "engine/fnkmessage.h"
+#include "kit/fnkprogress.h"
 
 struct Node;
 using NodePointer = std::shared_ptr<Node>;

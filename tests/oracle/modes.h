@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "fnktable.h"
-#include "fnkutil.h"
+#include "core/fnktable.h"
+#include "core/fnkutil.h"
 #include "generate.h"
 
 std::string RunAgainstModel(std::uint64_t seed, const std::string& root_path);

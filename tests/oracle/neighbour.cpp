@@ -11,12 +11,12 @@
 
 #include "disk.h"
 #include "faults.h"
-#include "fnkdirtree-scan.h"
-#include "fnkeditmenu-find-walk.h"
-#include "fnkfilelist-rows.h"
-#include "fnkfiles-copy.h"
-#include "fnkfiles-delete.h"
-#include "fnkraii.h"
+#include "model/fnkdirtree-scan.h"
+#include "model/fnkeditmenu-find-walk.h"
+#include "model/fnkfilelist-rows.h"
+#include "engine/fnkfiles-copy.h"
+#include "engine/fnkfiles-delete.h"
+#include "core/fnkraii.h"
 #include "modes.h"
 #include "scratch.h"
 

@@ -1,6 +1,6 @@
 #include "answers.h"
 
-#include "fnkprogress.h"
+#include "kit/fnkprogress.h"
 
 Answers answers;
 

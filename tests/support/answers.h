@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "fnkmessage.h"
+#include "engine/fnkmessage.h"
 
 /// What the engine asked and how it is answered.
 struct Answers {

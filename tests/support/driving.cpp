@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "fnktable.h"
+#include "core/fnktable.h"
 
 namespace {
 

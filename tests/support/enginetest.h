@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "answers.h"
-#include "fnkfiles-copy.h"
+#include "engine/fnkfiles-copy.h"
 #include "tabletest.h"
 
 using Asked = std::vector<std::string>;

@@ -15,7 +15,7 @@
 #include <string>
 #include <utility>
 
-#include "fnktable.h"
+#include "core/fnktable.h"
 #include "scratch.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -10,7 +10,7 @@
 #include <random>
 #include <string>
 
-#include "fnktable.h"
+#include "core/fnktable.h"
 #include "scratch.h"
 
 /// Sets an environment variable, null unsets it, and puts it back when the test ends.

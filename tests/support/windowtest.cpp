@@ -5,12 +5,12 @@
 
 #include <clocale>
 
-#include "fnkfilelist-status.h"
-#include "fnkmainwindow.h"
-#include "fnkstring.h"
-#include "fnktable-life.h"
-#include "fnktable-start.h"
-#include "fnkutil.h"
+#include "panes/fnkfilelist-status.h"
+#include "app/fnkmainwindow.h"
+#include "core/fnkstring.h"
+#include "app/fnktable-life.h"
+#include "app/fnktable-start.h"
+#include "core/fnkutil.h"
 
 namespace {
 

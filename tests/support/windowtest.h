@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "driving.h"
-#include "fnkdirtree.h"
-#include "fnkfilelist.h"
-#include "fnkmainwindow-record.h"
-#include "fnktable.h"
-#include "fnkutil-view.h"
-#include "fnkutil-widget.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist.h"
+#include "kit/fnkmainwindow-record.h"
+#include "core/fnktable.h"
+#include "kit/fnkutil-view.h"
+#include "kit/fnkutil-widget.h"
 #include "scratch.h"
 #include "tabletest.h"
 

@@ -2,7 +2,7 @@
 // patterns and for sorting, and inverting.
 
 #include "acts.h"
-#include "fnkeditmenu-select.h"
+#include "commands/fnkeditmenu-select.h"
 
 namespace {
 

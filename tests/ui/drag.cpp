@@ -3,8 +3,8 @@
 #include <gdk/gdkkeysyms.h>
 #include <glib.h>
 
-#include "fnkdragdrop.h"
-#include "fnkhelpmenu.h"
+#include "panes/fnkdragdrop.h"
+#include "commands/fnkhelpmenu.h"
 #include "windowtest.h"
 
 namespace {

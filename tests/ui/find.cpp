@@ -6,8 +6,8 @@
 #include <mutex>
 #include <thread>
 
-#include "fnkeditmenu-find-result.h"
-#include "fnkutil.h"
+#include "commands/fnkeditmenu-find-result.h"
+#include "core/fnkutil.h"
 #include "windowtest.h"
 
 extern "C" struct dirent* __real_readdir(DIR* stream);

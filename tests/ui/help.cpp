@@ -1,6 +1,6 @@
 // The Help menu, and the manual itself.
 
-#include "fnkhelpmenu.h"
+#include "commands/fnkhelpmenu.h"
 
 #include "acts.h"
 #include "program.h"

@@ -1,6 +1,6 @@
 // Keys in both panes. Which of them they act on depends on the list's selection alone.
 
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "windowtest.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // each line of its texts and changes nothing else.
 
 #include "acts.h"
-#include "fnkraii.h"
+#include "core/fnkraii.h"
 #include "language.h"
 #include "windowtest.h"
 

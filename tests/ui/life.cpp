@@ -1,7 +1,7 @@
 // Starting from whatever is there, a file system that changes under the window, and the end.
 
-#include "fnkfilelist-status.h"
-#include "fnktable-life.h"
+#include "panes/fnkfilelist-status.h"
+#include "app/fnktable-life.h"
 #include "windowtest.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Symbolic links, from the menu to what is on the disk.
 
 #include "acts.h"
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <fcntl.h>
 
-#include "fnkfilelist-status.h"
-#include "fnkfiles-settings.h"
-#include "fnktable-life.h"
+#include "panes/fnkfilelist-status.h"
+#include "core/fnkfiles-settings.h"
+#include "app/fnktable-life.h"
 #include "windowtest.h"
 
 namespace {

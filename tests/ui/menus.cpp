@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "fnkstring.h"
+#include "core/fnkstring.h"
 #include "language.h"
 #include "windowtest.h"
 

@@ -5,9 +5,9 @@
 
 #include <filesystem>
 
-#include "fnkmessage-box.h"
-#include "fnkmessage.h"
-#include "fnkprogress.h"
+#include "kit/fnkmessage-box.h"
+#include "engine/fnkmessage.h"
+#include "kit/fnkprogress.h"
 #include "windowtest.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "windowtest.h"
 
 namespace {

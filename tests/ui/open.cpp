@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "acts.h"
-#include "fnkutil.h"
+#include "core/fnkutil.h"
 #include "program.h"
 
 namespace {

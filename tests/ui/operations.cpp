@@ -1,11 +1,11 @@
 // New directory, New file, Copy and Move, from the menu to what the window shows afterwards.
 
-#include "fnkfilemenu-operation.h"
+#include "commands/fnkfilemenu-operation.h"
 
 #include <filesystem>
 
 #include "acts.h"
-#include "fnkfilemenu-new.h"
+#include "commands/fnkfilemenu-new.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <gdk/gdkkeysyms.h>
 
-#include "fnkfilelist-sort.h"
-#include "fnkutil-color.h"
+#include "model/fnkfilelist-sort.h"
+#include "kit/fnkutil-color.h"
 #include "windowtest.h"
 
 namespace {

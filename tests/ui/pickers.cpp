@@ -1,10 +1,10 @@
 // The pickers: files, directories and applications, chosen by keys and by the pointer.
 
-#include "fnkselfile.h"
+#include "panes/fnkselfile.h"
 
 #include <gdk/gdkkeysyms.h>
 
-#include "fnkraii.h"
+#include "core/fnkraii.h"
 #include "windowtest.h"
 
 namespace {

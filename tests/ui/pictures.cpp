@@ -1,8 +1,8 @@
 // The built-in pictures on screens of every scale, and colours that can be read.
 
-#include "fnkutil-picture.h"
+#include "kit/fnkutil-picture.h"
 
-#include "fnkutil-color.h"
+#include "kit/fnkutil-color.h"
 #include "windowtest.h"
 
 #include "Abort.xpm"

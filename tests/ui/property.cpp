@@ -1,6 +1,6 @@
 // The property dialog: what it shows, what it lets one change, and that it changes no more.
 
-#include "fnkfilemenu-property.h"
+#include "commands/fnkfilemenu-property.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <unistd.h>

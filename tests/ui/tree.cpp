@@ -1,7 +1,7 @@
 // The directory tree: what it shows, how it is opened, collapsed and read again.
 
-#include "fnkfiles-settings.h"
-#include "fnkutil.h"
+#include "core/fnkfiles-settings.h"
+#include "core/fnkutil.h"
 #include "windowtest.h"
 
 namespace {

@@ -1,0 +1,365 @@
+#include "app/fnkmainwindow-keys.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "core/fnktable.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-view.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree-walk.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist.h"
+#include "panes/fnklocationbar.h"
+
+namespace {
+
+/// Which way a key moves; it decides where the row comes to stand when the view must scroll.
+enum Direction { DIRECTION_UP, DIRECTION_DOWN };
+
+/// A key of the keypad is the same key as the one beside it.
+guint PlainKey(guint key)
+{
+    switch (key) {
+    case GDK_KEY_KP_Up:
+        return GDK_KEY_Up;
+    case GDK_KEY_KP_Down:
+        return GDK_KEY_Down;
+    case GDK_KEY_KP_Left:
+        return GDK_KEY_Left;
+    case GDK_KEY_KP_Right:
+        return GDK_KEY_Right;
+    case GDK_KEY_KP_Page_Up:
+        return GDK_KEY_Page_Up;
+    case GDK_KEY_KP_Page_Down:
+        return GDK_KEY_Page_Down;
+    case GDK_KEY_KP_Home:
+        return GDK_KEY_Home;
+    case GDK_KEY_KP_End:
+        return GDK_KEY_End;
+    case GDK_KEY_KP_Enter:
+        return GDK_KEY_Return;
+    case GDK_KEY_KP_Tab:
+    case GDK_KEY_ISO_Left_Tab:
+        return GDK_KEY_Tab;
+    default:
+        return key;
+    }
+}
+
+bool IsNavigationKey(guint key)
+{
+    switch (key) {
+    case GDK_KEY_Up:
+    case GDK_KEY_Down:
+    case GDK_KEY_Left:
+    case GDK_KEY_Right:
+    case GDK_KEY_Page_Up:
+    case GDK_KEY_Page_Down:
+    case GDK_KEY_Home:
+    case GDK_KEY_End:
+    case GDK_KEY_Return:
+    case GDK_KEY_Tab:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void ScrollTo(GtkTreeView* view, GtkTreePath* path, Direction direction)
+{
+    if (GetRowVisibility(view, path) != ROW_VISIBLE) {
+        ScrollRowTo(view, path, direction == DIRECTION_UP ? 0.0 : 1.0);
+    }
+}
+
+// The list. Rows are ints here because targets are computed past both ends and clamped.
+
+int ListRowCount()
+{
+    return static_cast<int>(ListRows().Count());
+}
+
+RowVisibility ListRowVisibility(int row)
+{
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    return GetRowVisibility(MainList(), path.get());
+}
+
+/// Lowest and highest selected row.
+struct SelectedRange {
+    int first = -1;
+    int last = -1;
+    int count = 0;
+};
+
+SelectedRange GetSelectedRange()
+{
+    const std::vector<std::size_t> rows = ListSelection();
+    if (rows.empty()) {
+        return {};
+    }
+    return {static_cast<int>(rows.front()), static_cast<int>(rows.back()), static_cast<int>(rows.size())};
+}
+
+void ListRowVisible(int row, Direction direction)
+{
+    // The ".." row comes into view together with the first entry.
+    const TreePath path(gtk_tree_path_new_from_indices(row == 1 ? 0 : row, -1));
+    ScrollTo(MainList(), path.get(), direction);
+}
+
+struct ListPage {
+    int top;     ///< First row that is at least partly visible.
+    int bottom;  ///< First row behind it that is not fully visible, or the last row.
+    int count;
+};
+
+ListPage GetListRange()
+{
+    const int last = ListRowCount() - 1;
+    const TreePath first = GetFirstVisiblePath(MainList());
+    const int top = first != nullptr ? gtk_tree_path_get_indices(first.get())[0] : last;
+    int bottom = top + 1;
+    while (bottom < last && ListRowVisibility(bottom) == ROW_VISIBLE) {
+        ++bottom;
+    }
+    bottom = std::min(bottom, last);
+    return {top, bottom, bottom - top + 1};
+}
+
+void SelectOnly(int row)
+{
+    UnselectAllListRows();
+    SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
+}
+
+/// The keys go to the list from here on, and begin at its top. One that is filled anew is about to
+/// be scrolled to where it was; this takes the place of that.
+void SelectFirstEntry()
+{
+    SelectListRows(1, 1);
+    const TreePath top(gtk_tree_path_new_first());
+    gtk_tree_view_scroll_to_cell(MainList(), top.get(), nullptr, TRUE, 0.0F, 0.0F);
+}
+
+void ListUpSelect(const GdkEventKey& event, int row, const SelectedRange& selected)
+{
+    if (selected.first == 1 && selected.count == 1) {
+        return;
+    }
+    const int target = std::clamp(row, 1, std::max(1, ListRowCount() - 1));
+    {
+        const ListSelectionBatch batch;
+        if ((event.state & GDK_SHIFT_MASK) == 0) {
+            SelectOnly(target);
+        } else if (target < selected.first) {
+            SelectListRows(static_cast<std::size_t>(target), static_cast<std::size_t>(selected.first - 1));
+        }
+    }
+    ListRowVisible(target, DIRECTION_UP);
+}
+
+void ListDownSelect(const GdkEventKey& event, int row, const SelectedRange& selected)
+{
+    const int last = ListRowCount() - 1;
+    if (selected.last == last && selected.count == 1) {
+        return;
+    }
+    const int target = std::clamp(row, 0, last);
+    {
+        const ListSelectionBatch batch;
+        if ((event.state & GDK_SHIFT_MASK) == 0) {
+            SelectOnly(target);
+        } else if (target > selected.last) {
+            SelectListRows(static_cast<std::size_t>(selected.last + 1), static_cast<std::size_t>(target));
+        }
+    }
+    ListRowVisible(target, DIRECTION_DOWN);
+}
+
+void OpenSelectedRow(const SelectedRange& selected)
+{
+    if (selected.count != 1) {
+        return;
+    }
+    const std::string before = pGTable->CurrentDir;
+    ActivateListRow(static_cast<std::size_t>(selected.first));
+    if (pGTable->CurrentDir != before && ListRowCount() > 1) {
+        SelectFirstEntry();
+    }
+}
+
+void ListKeyPress(const GdkEventKey& event, guint key)
+{
+    const SelectedRange selected = GetSelectedRange();
+    if (selected.count == 0) {
+        return;
+    }
+    switch (key) {
+    case GDK_KEY_Up:
+        ListUpSelect(event, selected.first - 1, selected);
+        break;
+    case GDK_KEY_Down:
+        ListDownSelect(event, selected.last + 1, selected);
+        break;
+    case GDK_KEY_Page_Up: {
+        const ListPage page = GetListRange();
+        ListUpSelect(event, selected.first > page.top ? page.top : page.top - page.count, selected);
+        break;
+    }
+    case GDK_KEY_Page_Down: {
+        const ListPage page = GetListRange();
+        ListDownSelect(event, selected.last < page.bottom - 1 ? page.bottom : page.bottom + page.count, selected);
+        break;
+    }
+    case GDK_KEY_Home:
+        ListUpSelect(event, 0, selected);
+        break;
+    case GDK_KEY_End:
+        ListDownSelect(event, ListRowCount() - 1, selected);
+        break;
+    case GDK_KEY_Return:
+        OpenSelectedRow(selected);
+        break;
+    default:
+        break;
+    }
+}
+
+// The tree.
+
+void SelectNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node, Direction direction)
+{
+    const TreePath path = walk.PathOf(node);
+    ScrollTo(tree, path.get(), direction);
+    SetTreeSelectNode(tree, node);
+}
+
+/// Left: an expanded node collapses, any other has its parent collapse. The root stays open while
+/// it is the node itself.
+void CollapseNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& current)
+{
+    const OptionalNode parent = walk.Parent(current);
+    if (parent) {
+        gtk_tree_view_collapse_row(tree, walk.PathOf(walk.IsExpanded(current) ? current : *parent).get());
+    }
+}
+
+/// Where Page Up or Page Down leads: the edge of the page, or from there one page further.
+OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direction direction)
+{
+    const OptionalNode root = walk.Root();
+    const std::optional<TreeWalk::Page> page = walk.VisiblePage();
+    if (!page || !root || !walk.IsExpanded(*root)) {
+        return std::nullopt;
+    }
+    const bool up = direction == DIRECTION_UP;
+    GtkTreeIter target = up ? page->top : page->bottom;
+    if (current.user_data != target.user_data) {
+        return target;
+    }
+    for (int step = 0; step < page->steps; ++step) {
+        const OptionalNode next = up ? walk.Above(target) : walk.Below(target);
+        if (!next) {
+            break;
+        }
+        target = *next;
+    }
+    return target;
+}
+
+/// The node that the key moves to, if it is one that moves.
+OptionalNode KeyTarget(const TreeWalk& walk, const GtkTreeIter& current, guint key)
+{
+    switch (key) {
+    case GDK_KEY_Up:
+        return walk.Above(current);
+    case GDK_KEY_Down:
+        return walk.Below(current);
+    case GDK_KEY_Page_Up:
+        return PageTarget(walk, current, DIRECTION_UP);
+    case GDK_KEY_Page_Down:
+        return PageTarget(walk, current, DIRECTION_DOWN);
+    case GDK_KEY_Home:
+        return walk.Root();
+    case GDK_KEY_End:
+        return walk.LastDisplayed(*walk.Root());
+    default:
+        return std::nullopt;
+    }
+}
+
+void TreeKeyPress(GtkTreeView* tree, guint key)
+{
+    GtkTreeIter current;
+    if (!GetTreeSelect(tree, &current, nullptr)) {
+        return;
+    }
+    const TreeWalk walk(tree);
+    if (key == GDK_KEY_Return || key == GDK_KEY_Right) {
+        gtk_tree_view_expand_row(tree, walk.PathOf(current).get(), FALSE);
+        return;
+    }
+    if (key == GDK_KEY_Left) {
+        CollapseNode(tree, walk, current);
+        return;
+    }
+    const bool up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
+    if (const OptionalNode target = KeyTarget(walk, current, key)) {
+        SelectNode(tree, walk, *target, up ? DIRECTION_UP : DIRECTION_DOWN);
+    }
+}
+
+/// Tab: the keys go to the other pane.
+void SwitchPane()
+{
+    if (IsLocationFocused()) {
+        ReleaseEntryFocus(pMainW->MainWindow);
+        UnselectAllListRows();
+    } else if (CountListSelection() > 0) {
+        UnselectAllListRows();
+    } else if (ListRowCount() > 1) {
+        SelectFirstEntry();
+    }
+}
+
+/// A drag has pointer and keyboard then. A menu that a key opened would get neither, and the toolkit
+/// be left with a grab on a window that is not there.
+bool IsButtonHeld(guint state)
+{
+    return (state & (GDK_BUTTON1_MASK | GDK_BUTTON2_MASK | GDK_BUTTON3_MASK)) != 0;
+}
+
+}  // namespace
+
+gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gpointer)
+{
+    if (pGTable == nullptr) {
+        return FALSE;
+    }
+    if (IsButtonHeld(event->state)) {
+        return TRUE;
+    }
+    const guint key = PlainKey(event->keyval);
+    if (key == GDK_KEY_Tab) {
+        SwitchPane();
+        return TRUE;
+    }
+    if (IsLocationFocused()) {
+        // First the entry, then the accelerators: what edits text must not act on files.
+        return gtk_window_propagate_key_event(GTK_WINDOW(window), event);
+    }
+    if (!IsNavigationKey(key)) {
+        return FALSE;
+    }
+    if (CountListSelection() > 0) {
+        ListKeyPress(*event, key);
+    } else {
+        TreeKeyPress(MainTree(), key);
+    }
+    return TRUE;
+}

@@ -1,0 +1,228 @@
+#include "app/fnkmainwindow.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/fnkmainwindow-keys.h"
+#include "app/fnkmenubar.h"
+#include "app/fnktable-life.h"
+#include "app/fnktoolbar.h"
+#include "commands/fnkfilemenu-drop.h"
+#include "commands/fnkfilemenu-open.h"
+#include "commands/fnkfilemenu-property.h"
+#include "core/fnkfiles-settings.h"
+#include "core/fnkstring.h"
+#include "core/fnkutil.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
+#include "kit/fnkutil-view.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree-drag.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkdragdrop.h"
+#include "panes/fnkfilelist-status.h"
+#include "panes/fnkfilelist.h"
+#include "panes/fnklocationbar.h"
+
+namespace {
+
+constexpr int kStatusSpacing = 2;
+constexpr int kFilterStatusWidth = 202;
+/// So much of the window's corner stays on the screen, and so much of the list beside the divider,
+/// whatever the settings file says.
+constexpr int kShownCorner = 64;
+/// The panes are not squeezed below this height; scroll bars cannot be drawn in less.
+constexpr int kPaneHeight = 80;
+
+constexpr const char* kPanedStyle = "paned > separator { min-width: 10px; }";
+
+void on_MainWindow_destroy(GtkWidget*, gpointer)
+{
+    gtk_main_quit();
+}
+
+gboolean on_MainWindow_delete_event(GtkWidget*, GdkEvent*, gpointer)
+{
+    TerminateGlobalTable();
+    return FALSE;
+}
+
+/// A directory was chosen in the tree: everything else follows it.
+void EnterDirectory(const std::string& path)
+{
+    pGTable->CurrentDir = path;
+    SetEntryBytes(ComboEntry(pMainW->LocationCombo), path);
+    if (IsDirectory(path)) {
+        DisplayFileList(path);
+    } else {
+        EmptyFileList();
+    }
+    if (pGTable->HistoryWalk == 0) {
+        AddHistoryListC(pMainW->LocationCombo, pGTable->LocationDirHistory);
+        SetComboStrings(pMainW->LocationCombo, pGTable->LocationDirHistory);
+        if (pGTable->HistoryIndex != 0) {
+            --pGTable->HistoryIndex;
+        }
+        const bool is_newest = pGTable->HistoryIndex == 0;
+        gtk_widget_set_sensitive(pMainW->ToolButton[is_newest ? TOOL_FORWARD : TOOL_BACK], !is_newest);
+    }
+    pGTable->HistoryWalk = 0;
+    gtk_widget_set_sensitive(pMainW->ToolButton[TOOL_UP], path != pGTable->RootDir);
+    ReleaseEntryFocus(pMainW->MainWindow);
+}
+
+void ShowSelection()
+{
+    SensitivePropertyButton();
+    DisplayFileStatus();
+}
+
+void RefreshDirectory()
+{
+    DisplayFileList(pGTable->CurrentDir);
+}
+
+LiveLayout ReadLayout()
+{
+    LiveLayout layout;
+    if (pMainW == nullptr || pMainW->MainWindow == nullptr) {
+        return layout;
+    }
+    if (GdkWindow* const window = gtk_widget_get_window(pMainW->MainWindow)) {
+        layout.HasWindow = true;
+        gdk_window_get_root_origin(window, &layout.WindowX, &layout.WindowY);
+        gtk_window_get_size(GTK_WINDOW(pMainW->MainWindow), &layout.WindowWidth, &layout.WindowHeight);
+    }
+    layout.PandPosition = pMainW->Paned != nullptr ? gtk_paned_get_position(GTK_PANED(pMainW->Paned)) : 0;
+    layout.ColumnSize = ListColumnWidths();
+    return layout;
+}
+
+GdkRectangle ScreenSize()
+{
+    GdkRectangle size = {};
+    gdk_window_get_geometry(gdk_get_default_root_window(), nullptr, nullptr, &size.width, &size.height);
+    return size;
+}
+
+void PlaceWindow(GtkWindow* window)
+{
+    const GdkRectangle screen = ScreenSize();
+    if (pGTable->WindowWidth >= screen.width && pGTable->WindowHeight >= screen.height) {
+        gtk_window_set_position(window, GTK_WIN_POS_CENTER);
+    } else {
+        pGTable->WindowX = std::clamp(pGTable->WindowX, 0, std::max(0, screen.width - kShownCorner));
+        pGTable->WindowY = std::clamp(pGTable->WindowY, 0, std::max(0, screen.height - kShownCorner));
+        gtk_window_move(window, pGTable->WindowX, pGTable->WindowY);
+    }
+    if (pGTable->WindowWidth > 0 && pGTable->WindowHeight > 0) {
+        gtk_window_set_default_size(window, std::min(pGTable->WindowWidth, screen.width),
+                                    std::min(pGTable->WindowHeight, screen.height));
+    }
+}
+
+GtkWidget* CreatePaned(GtkWidget* box)
+{
+    GtkWidget* const paned = gtk_paned_new(GTK_ORIENTATION_HORIZONTAL);
+    gtk_paned_set_wide_handle(GTK_PANED(paned), TRUE);
+    GtkCssProvider* const provider = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(provider, kPanedStyle, -1, nullptr);
+    gtk_style_context_add_provider(gtk_widget_get_style_context(paned), GTK_STYLE_PROVIDER(provider),
+                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    g_object_unref(provider);
+    gtk_box_pack_start(GTK_BOX(box), paned, TRUE, TRUE, 0);
+    int divider = pGTable->PandPosition > 0 ? pGTable->PandPosition : kDefaultDivider;
+    if (pGTable->WindowWidth > 0) {
+        const int width = std::min(pGTable->WindowWidth, ScreenSize().width);
+        divider = std::clamp(divider, 1, std::max(kDefaultDivider, width - kShownCorner));
+    }
+    gtk_paned_set_position(GTK_PANED(paned), divider);
+    gtk_widget_set_size_request(paned, -1, kPaneHeight);
+    gtk_widget_show(paned);
+    return paned;
+}
+
+/// The end of the text, the size of a file, is to be seen however long the name is. A text fills
+/// its bar and asks for no room of the other one.
+void FitStatusLabel(GtkWidget* bar)
+{
+    GtkWidget* const label = StatusBarLabel(bar);
+    GtkWidget* const area = gtk_statusbar_get_message_area(GTK_STATUSBAR(bar));
+    ShortenLabel(label, 1);
+    gtk_box_set_child_packing(GTK_BOX(area), label, TRUE, TRUE, 0, GTK_PACK_START);
+    gtk_widget_set_halign(label, GTK_ALIGN_FILL);
+    gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
+}
+
+GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
+{
+    GtkWidget* const bar = gtk_statusbar_new();
+    gtk_widget_set_margin_top(bar, 0);
+    gtk_widget_set_margin_bottom(bar, 0);
+    gtk_box_pack_start(GTK_BOX(box), bar, expand, expand, 0);
+    FitStatusLabel(bar);
+    SetAccessibleName(bar, name);
+    gtk_widget_show(bar);
+    return bar;
+}
+
+/// Wide enough for what it says while there is no filter, in whatever font and language.
+void FitFilterStatus()
+{
+    constexpr int kInsets = 40;  // Of bar, frame and label.
+    GtkWidget* const bar = pMainW->FilterStatusBar;
+    const int text_width = GetTextWidth(StatusBarLabel(bar), _(" Filter: Show all files"));
+    gtk_widget_set_size_request(bar, std::max(kFilterStatusWidth, text_width + kInsets), -1);
+}
+
+}  // namespace
+
+GtkWidget* CreateMainWindow()
+{
+    OnEngine = {.MessageBox = MessageBox,
+                .DeleteMessageBox = DeleteMessageBox,
+                .UpdateProgress = UpdateProgress,
+                .KeepPainting = KeepPainting};
+    OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
+    OnFileList = {.SelectionChanged = ShowSelection, .FileActivated = ExecApplication};
+    OnFilesDropped = UIFileDragDrop;
+    ReadLiveLayout = ReadLayout;
+
+    GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    pMainW->MainWindow = window;
+    gtk_window_set_title(GTK_WINDOW(window), _("Fennick"));
+    PlaceWindow(GTK_WINDOW(window));
+
+    GtkWidget* const vbox = CreateVBox(window, 0, 0);
+    CreateMenuBar(vbox);
+    CreateToolBar(vbox);
+    pMainW->LocationCombo = CreateLocationBar(vbox);
+    pMainW->Paned = CreatePaned(vbox);
+    if (CreateDirTree(pMainW->Paned) == nullptr) {
+        return nullptr;
+    }
+    ConnectTreeDrag(MainTree());
+    CreateFileList(pMainW->Paned);
+
+    GtkWidget* const status_box = CreateHBox(vbox, false, kStatusSpacing, 0);
+    pMainW->StatusBar = CreateStatusBar(status_box, _("Status"), true);
+    pMainW->FilterStatusBar = CreateStatusBar(status_box, _("Filter status"), false);
+    DisplayFilterStatus();
+    FitFilterStatus();
+
+    g_signal_connect(window, "destroy", G_CALLBACK(on_MainWindow_destroy), nullptr);
+    g_signal_connect(window, "delete-event", G_CALLBACK(on_MainWindow_delete_event), nullptr);
+    g_signal_connect(window, "key-press-event", G_CALLBACK(on_MainWindow_key_press_event), nullptr);
+    g_signal_connect(window, "set-focus", G_CALLBACK(on_MainWindow_set_focus), nullptr);
+    return window;
+}
+
+void ShowMainWindow()
+{
+    gtk_widget_show(pMainW->MainWindow);
+    ReleaseEntryFocus(pMainW->MainWindow);
+    // Nothing is shown yet, so opening the directory has to enter it.
+    const std::string start = std::exchange(pGTable->CurrentDir, {});
+    OpenChildTree(MainTree(), start, EXPAND_LAST_NO);
+}

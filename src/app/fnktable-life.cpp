@@ -1,0 +1,81 @@
+#include "app/fnktable-life.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "core/fnkfiles-associations.h"
+#include "core/fnkfiles-settings.h"
+#include "core/fnktable.h"
+#include "kit/fnkmainwindow-record.h"
+
+#include "CloseDir.xpm"
+#include "OpenDir.xpm"
+
+namespace {
+
+constexpr int kStartError = -65533;
+
+/// Whether the record holds what the settings file said: before that it must not be written back.
+bool settings_loaded = false;
+
+GdkPixbuf* LoadPicture(const char* const* xpm)
+{
+    return gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
+}
+
+bool IsJapaneseLocale()
+{
+    const char* const lang = std::getenv("LANG");
+    return lang != nullptr && std::strncmp(lang, "ja_JP", 5) == 0;
+}
+
+/// A waiting sync() must not leave a dead window on the screen.
+void HideMainWindow()
+{
+    if (pMainW != nullptr && pMainW->MainWindow != nullptr && gtk_widget_get_visible(pMainW->MainWindow)) {
+        gtk_widget_hide(pMainW->MainWindow);
+        gdk_display_flush(gdk_display_get_default());
+    }
+}
+
+}  // namespace
+
+int InitGlobalTable()
+{
+    settings_loaded = false;
+    pMainW = new MainW;
+    pGTable = new GTable;
+    pGTable->JapaneseLocale = IsJapaneseLocale() ? 1 : 0;
+    pGTable->OpenDirPixmap = LoadPicture(OpenDir_xpm);
+    pGTable->CloseDirPixmap = LoadPicture(CloseDir_xpm);
+    if (pGTable->OpenDirPixmap == nullptr || pGTable->CloseDirPixmap == nullptr) {
+        return kStartError;
+    }
+    GetGTable();
+    settings_loaded = true;
+    ReadAppInfo("[Extension]", &pGTable->ExtensionList);
+    ReadAppInfo("[Application]", &pGTable->ApplicationList);
+    return 0;
+}
+
+void TerminateGlobalTable()
+{
+    if (pGTable != nullptr && settings_loaded) {
+        const LiveLayout layout = ReadLiveLayout != nullptr ? ReadLiveLayout() : LiveLayout();
+        HideMainWindow();
+        SetGTable(layout);
+    }
+    settings_loaded = false;
+    // The pointers first: releasing what the records hold can run callbacks that look at them.
+    GTable* const table = std::exchange(pGTable, nullptr);
+    MainW* const widgets = std::exchange(pMainW, nullptr);
+    if (table != nullptr) {
+        g_clear_object(&table->OpenDirPixmap);
+        g_clear_object(&table->CloseDirPixmap);
+        FreeAppInfo(table->ExtensionList);
+        FreeAppInfo(table->ApplicationList);
+    }
+    delete table;
+    delete widgets;
+}

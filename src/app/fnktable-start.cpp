@@ -1,0 +1,69 @@
+#include "app/fnktable-start.h"
+
+#include "core/fnktable.h"
+#include "core/fnkutil.h"
+
+namespace {
+
+std::string ArgumentAt(int argc, char** argv, int index)
+{
+    return index < argc ? argv[index] : "";
+}
+
+/// What is relative counts from where the program was started, and is told from the top, as all
+/// paths are here. Only a directory is: a link to one is no directory under either kind of path.
+std::string DirectoryAt(int argc, char** argv, int index)
+{
+    const std::string argument = ArgumentAt(argc, argv, index);
+    if (argument.empty() || argument.front() == '/' || !IsDirectory(argument)) {
+        return argument;
+    }
+    const std::string real = GetRealDirectory(argument);
+    return real.empty() ? argument : real;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(int argc, char** argv)
+{
+    CommandLine result;
+    const std::string option = ArgumentAt(argc, argv, 1);
+    if (option == "--version") {
+        result.version = true;
+    } else if (option == "--root") {
+        result.root = "/";
+        result.start = DirectoryAt(argc, argv, 2);
+    } else if (option == "--home") {
+        const std::string root = DirectoryAt(argc, argv, 2);
+        if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
+            result.root = root;
+        }
+        result.start = DirectoryAt(argc, argv, 3);
+    }
+    if (result.root.empty()) {
+        result.root = GetHomeDirectory();
+    }
+    result.root = WithSlash(result.root);
+    return result;
+}
+
+void TakeDirectories(const CommandLine& command_line)
+{
+    pGTable->RootDir = command_line.root;
+    const std::string& start = command_line.start;
+    if (!start.empty() && WithSlash(start).size() <= kMaxPathBytes && IsDirectory(start) &&
+        CheckChildDirectory(start) == 0) {
+        pGTable->StartDir = WithSlash(start);
+    }
+}
+
+void SeedHistories()
+{
+    AddHistoryListS(pGTable->LocationDirHistory, pGTable->RootDir);
+    if (pGTable->DirHistory.empty()) {
+        pGTable->DirHistory = {pGTable->RootDir};
+    }
+    if (pGTable->FilterHistory.empty()) {
+        pGTable->FilterHistory = {"*"};
+    }
+}

@@ -1,0 +1,184 @@
+#include "app/fnktoolbar.h"
+
+#include <array>
+
+#include "core/fnkstring.h"
+#include "core/fnkutil.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist-status.h"
+
+#include "Back.xpm"
+#include "Foward.xpm"
+#include "Home.xpm"
+#include "Property.xpm"
+#include "Rescan.xpm"
+#include "Up.xpm"
+
+namespace {
+
+constexpr int kBarBorder = 2;
+constexpr int kButtonHeight = 48;
+
+using ToolHandler = void (*)(GtkWidget*, gpointer);
+
+struct ToolEntry {
+    const char* label;  ///< Null for a space.
+    Picture image;
+    ToolHandler handler;
+};
+
+constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
+    {N_("Back"), PICTURE(Back), on_Tool_Back_clicked},
+    {N_("Up"), PICTURE(Up), on_Tool_Up_clicked},
+    {N_("Forward"), PICTURE(Foward), on_Tool_Forward_clicked},
+    {nullptr, {}, nullptr},
+    {N_("Rescan"), PICTURE(Rescan), on_Tool_Rescan_clicked},
+    {nullptr, {}, nullptr},
+    {N_("Home"), PICTURE(Home), on_Tool_Home_clicked},
+    {nullptr, {}, nullptr},
+    {N_("Property"), PICTURE(Property), on_Tool_Property_clicked},
+}};
+
+/// All clicks come through here: one that comes after the end finds no records to work on.
+void on_Tool_clicked(GtkWidget* item, gpointer slot)
+{
+    if (pGTable != nullptr) {
+        kTools[GPOINTER_TO_SIZE(slot)].handler(item, nullptr);
+    }
+}
+
+gboolean on_Tool_enter(GtkWidget*, GdkEvent*, gpointer slot)
+{
+    if (pMainW != nullptr && pMainW->StatusBar != nullptr) {
+        SetStatusBarText(pMainW->StatusBar, GetToolTipsString(GPOINTER_TO_INT(slot)));
+    }
+    return FALSE;
+}
+
+gboolean on_Tool_leave(GtkWidget*, GdkEvent*, gpointer)
+{
+    RestoreStatusText();
+    return FALSE;
+}
+
+GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
+{
+    const ToolEntry& tool = kTools[static_cast<std::size_t>(slot)];
+    if (tool.label == nullptr) {
+        GtkToolItem* const space = gtk_separator_tool_item_new();
+        gtk_toolbar_insert(GTK_TOOLBAR(toolbar), space, -1);
+        gtk_widget_show(GTK_WIDGET(space));
+        return toolbar;
+    }
+    GtkWidget* const image = CreatePixmap(tool.image);
+    gtk_widget_show(image);
+    GtkToolItem* const item = gtk_tool_button_new(image, gettext(tool.label));
+    gtk_tool_item_set_tooltip_text(item, GetToolTipsString(slot).c_str());
+    // Each as wide as its own label, so that all of them fit into a window of the default width.
+    gtk_tool_item_set_homogeneous(item, FALSE);
+    gtk_toolbar_insert(GTK_TOOLBAR(toolbar), item, -1);
+    gtk_widget_show(GTK_WIDGET(item));
+    g_signal_connect(item, "clicked", G_CALLBACK(on_Tool_clicked), GINT_TO_POINTER(slot));
+
+    GtkWidget* const button = gtk_bin_get_child(GTK_BIN(item));
+    gtk_widget_set_can_focus(button, FALSE);  // Keys belong to the panes.
+    gtk_widget_add_events(button, GDK_ENTER_NOTIFY_MASK | GDK_LEAVE_NOTIFY_MASK);
+    g_signal_connect(button, "enter-notify-event", G_CALLBACK(on_Tool_enter), GINT_TO_POINTER(slot));
+    g_signal_connect(button, "leave-notify-event", G_CALLBACK(on_Tool_leave), GINT_TO_POINTER(slot));
+    return GTK_WIDGET(item);
+}
+
+void SetToolSensitive(ToolSlot slot, bool sensitive)
+{
+    gtk_widget_set_sensitive(pMainW->ToolButton[slot], sensitive);
+}
+
+/// Opens the history entry at HistoryIndex; false when there is none.
+bool OpenHistoryEntry()
+{
+    const History& history = pGTable->LocationDirHistory;
+    const int index = pGTable->HistoryIndex;
+    if (index < 0 || index >= static_cast<int>(history.size())) {
+        return false;
+    }
+    OpenChildTree(MainTree(), history[static_cast<std::size_t>(index)], EXPAND_LAST_YES);
+    return true;
+}
+
+}  // namespace
+
+GtkWidget* CreateToolBar(GtkWidget* box)
+{
+    GtkWidget* const handle_box = CreateHandleBox(box);
+    if (handle_box == nullptr) {
+        return nullptr;
+    }
+    GtkWidget* const toolbar = gtk_toolbar_new();
+    gtk_toolbar_set_style(GTK_TOOLBAR(toolbar), GTK_TOOLBAR_BOTH);
+    gtk_container_set_border_width(GTK_CONTAINER(toolbar), kBarBorder);
+    gtk_container_add(GTK_CONTAINER(handle_box), toolbar);
+    gtk_widget_show(toolbar);
+    for (int slot = 0; slot < TOOL_SLOT_COUNT; ++slot) {
+        pMainW->ToolButton[static_cast<std::size_t>(slot)] = CreateToolButton(toolbar, slot);
+    }
+    gtk_widget_set_size_request(pMainW->ToolButton[TOOL_BACK], -1, kButtonHeight);
+    SetToolSensitive(TOOL_UP, false);
+    SetToolSensitive(TOOL_FORWARD, false);
+    return handle_box;
+}
+
+void on_Tool_Back_clicked(GtkWidget*, gpointer)
+{
+    pGTable->HistoryWalk = 1;
+    ++pGTable->HistoryIndex;
+    if (!OpenHistoryEntry()) {
+        return;
+    }
+    SetToolSensitive(TOOL_FORWARD, true);
+    if (pGTable->HistoryIndex == static_cast<int>(pGTable->LocationDirHistory.size()) - 1) {
+        SetToolSensitive(TOOL_BACK, false);
+    }
+}
+
+void on_Tool_Forward_clicked(GtkWidget*, gpointer)
+{
+    pGTable->HistoryWalk = 1;
+    --pGTable->HistoryIndex;
+    if (!OpenHistoryEntry()) {
+        return;
+    }
+    SetToolSensitive(TOOL_BACK, true);
+    if (pGTable->HistoryIndex == 0) {
+        SetToolSensitive(TOOL_FORWARD, false);
+    }
+}
+
+void on_Tool_Up_clicked(GtkWidget*, gpointer)
+{
+    OpenChildTree(MainTree(), GetParentDirectory(pGTable->CurrentDir), EXPAND_LAST_YES);
+}
+
+void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
+{
+    // What vanished meanwhile leaves the tree only with a look at the directory above it.
+    std::string directory = pGTable->CurrentDir;
+    while (directory.size() > pGTable->RootDir.size() && !IsDirectory(directory)) {
+        directory = GetParentDirectory(directory);
+    }
+    RescanTree(MainTree(), directory);
+    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES);
+}
+
+void on_Tool_Home_clicked(GtkWidget*, gpointer)
+{
+    const std::string home = GetHomeDirectory();
+    const bool inside = !home.empty() && CheckChildDirectory(home) == 0;
+    OpenChildTree(MainTree(), inside ? home : pGTable->RootDir, EXPAND_LAST_YES);
+}
+
+void on_Tool_Property_clicked(GtkWidget*, gpointer)
+{
+    gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_PROPERTY]));
+}

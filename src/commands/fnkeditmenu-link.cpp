@@ -1,0 +1,158 @@
+#include "commands/fnkeditmenu-link.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "commands/fnkfilemenu-new.h"
+#include "commands/fnkfilemenu-targets.h"
+#include "core/fnkstring.h"
+#include "core/fnktable.h"
+#include "core/fnkutil.h"
+#include "engine/fnkfiles-sync.h"
+#include "engine/fnkmessage.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkmessage-box.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkselfile.h"
+
+#include "IconLink.xpm"
+
+namespace {
+
+constexpr int kSpacing = 5;
+constexpr int kEntrySpacing = 10;
+constexpr int kEntryWidth = 310;
+
+/// What the dialog's OK works on while it runs.
+struct LinkDlgInfo {
+    GtkWidget* ExistingEntry = nullptr;
+    GtkWidget* LinkEntry = nullptr;
+    std::string Created;  ///< Path of the link, once there is one.
+};
+
+GtkWidget* AddExistingEntry(GtkWidget* vbox)
+{
+    CreateLabel(vbox, _("Existing file name:"));
+    GtkWidget* const hbox = CreateHBox(vbox, false, kEntrySpacing, 0);
+    GtkWidget* const entry = gtk_entry_new();
+    gtk_entry_set_max_length(GTK_ENTRY(entry), static_cast<int>(kMaxPathBytes));
+    gtk_widget_set_size_request(entry, kEntryWidth, -1);
+    SetAccessibleName(entry, _("Existing file name:"));
+    gtk_box_pack_start(GTK_BOX(hbox), entry, TRUE, TRUE, 0);
+    gtk_widget_show(entry);
+    CreateBrowseButton(hbox, entry, BROWSE_FILE);
+    return entry;
+}
+
+GtkWidget* AddLinkEntry(GtkWidget* vbox)
+{
+    CreateLabel(vbox, _("Symbolic link file name:"));
+    GtkWidget* const hbox = CreateHBox(vbox, false, kEntrySpacing, 0);
+    GtkWidget* entry = nullptr;
+    GtkWidget* const combo = CreateComboBox(&entry, true, static_cast<int>(kMaxPathBytes));
+    SetAccessibleName(entry, _("Symbolic link file name:"));
+    SetComboStrings(combo, pGTable->DirHistory);
+    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
+    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
+    return entry;
+}
+
+/// Fills in what is selected, if anything; the next thing to type is then the name of the link.
+void OfferTarget(const LinkDlgInfo& info, const std::string& selected)
+{
+    if (!selected.empty()) {
+        SetEntryBytes(info.ExistingEntry, selected);
+    }
+    gtk_widget_grab_focus(selected.empty() ? info.ExistingEntry : info.LinkEntry);
+}
+
+/// Judges the text of an existing file. It stays as it was typed, but for the "/" after a
+/// directory, unless only its canonical form leads to something.
+PathStatus CheckTarget(std::string* target)
+{
+    struct stat st = {};
+    const std::string place = target->starts_with('/') ? *target : pGTable->CurrentDir + *target;
+    if (target->empty() || target->size() > kMaxPathBytes || lstat(place.c_str(), &st) != 0) {
+        return CheckFileExist(target);
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        return PATH_FILE;
+    }
+    *target = WithSlash(*target);
+    return target->size() > kMaxPathBytes ? PATH_TOO_LONG : PATH_DIRECTORY;
+}
+
+/// Judges the text of the name of the link, and makes it canonical. A link that leads nowhere is
+/// in the way too, although what it names could be created.
+PathStatus CheckLinkName(std::string* name)
+{
+    struct stat st = {};
+    std::string place = name->starts_with('/') ? *name : pGTable->CurrentDir + *name;
+    const PathStatus status = CheckFileExist(name);
+    place.erase(place.find_last_not_of('/') + 1);
+    const bool may_be_link = status == PATH_NEW || status == PATH_INVALID;
+    return may_be_link && lstat(place.c_str(), &st) == 0 ? PATH_FILE : status;
+}
+
+}  // namespace
+
+void CreateSymbolicLinkDlg()
+{
+    std::vector<std::string> paths;
+    GetFileOperationString(paths, nullptr);
+    if (!CheckFileOperationPaths(paths)) {
+        return;
+    }
+    GtkWidget* vbox = nullptr;
+    GtkWidget* const dialog = CreateIconDialogBox(&vbox, PICTURE(IconLink), 0, 0, kSpacing);
+    gtk_window_set_title(GTK_WINDOW(dialog), _("Symbolic link"));
+    LinkDlgInfo info;
+    info.ExistingEntry = AddExistingEntry(vbox);
+    info.LinkEntry = AddLinkEntry(vbox);
+
+    GtkWidget* ok = nullptr;
+    GtkWidget* cancel = nullptr;
+    CreateDlgButtonBox(dialog, &ok, &cancel, CLOSING_WIRED);
+    g_signal_connect(info.ExistingEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
+    g_signal_connect(info.LinkEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
+    g_signal_connect(ok, "clicked", G_CALLBACK(on_Link_OKButton_clicked), &info);
+    OfferTarget(info, paths.empty() ? std::string() : paths.front());
+    ModalMainLoop(dialog, pMainW->MainWindow);
+    if (!info.Created.empty()) {
+        ShowNewFile(info.Created);
+    }
+}
+
+void on_Link_OKButton_clicked(GtkWidget*, gpointer data)
+{
+    auto* const info = static_cast<LinkDlgInfo*>(data);
+    std::string target = GetEntryBytes(info->ExistingEntry);
+    const PathStatus target_status = CheckTarget(&target);
+    if (target_status != PATH_DIRECTORY && target_status != PATH_FILE) {
+        FileExistMessageBox(target_status, info->ExistingEntry);
+        return;
+    }
+    std::string name = GetEntryBytes(info->LinkEntry);
+    const PathStatus name_status = CheckLinkName(&name);
+    if (name_status != PATH_NEW) {
+        FileExistMessageBox(name_status, info->LinkEntry);
+        return;
+    }
+    if (symlink(target.c_str(), name.c_str()) != 0) {
+        MessageBox(_("Error"), FormatText(_("Symbolic link has not been created.\ncause:%s"), g_strerror(errno)),
+                   STYLE_ERROR);
+        return;
+    }
+    NoteChange();
+    info->Created = name;
+    gtk_main_quit();
+}
+
+void on_Menu_SymbolicLink_activate(GtkWidget*, gpointer)
+{
+    CreateSymbolicLinkDlg();
+}

@@ -1,0 +1,21 @@
+#pragma once
+// The dialog that asks for a new name or a destination.
+
+#include <gtk/gtk.h>
+
+#include <string>
+
+#include "engine/fnkmessage.h"
+
+/// What the dialog asks for.
+enum OperationMode {
+    MODE_NEW_DIRECTORY = 0,
+    MODE_NEW_FILE = 1,
+    MODE_COPY = OPERATION_COPY,
+    MODE_MOVE = OPERATION_MOVE,
+};
+
+/// Asks until the path exists or could be created, or the user gives up. RESULT_OK and the path,
+/// absolute and canonical, or RESULT_CANCEL. The description is of what is copied or moved.
+Result CreateFileOperationDlg(OperationMode mode, const std::string& description, std::string* path);
+void on_FileOperation_OKButton_clicked(GtkWidget* button, gpointer state);

@@ -1,0 +1,63 @@
+#include "commands/fnkfilemenu-open.h"
+
+#include "core/fnkstring.h"
+#include "core/fnktable.h"
+#include "core/fnkutil-launch.h"
+#include "kit/fnkmessage-box.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkselfile.h"
+
+namespace {
+
+/// Empty when the user chose none.
+std::string ChooseProgram()
+{
+    std::string program;
+    GtkWidget* dialog = nullptr;
+    SelectAppDlg(&dialog, &program);
+    if (dialog != nullptr) {
+        gtk_widget_destroy(dialog);
+    }
+    return program;
+}
+
+void Run(const std::string& program, const std::string& argument)
+{
+    if (!program.empty() && ConfilmExec(program) == RESULT_OK) {
+        ExecProcess(program, argument);
+    }
+}
+
+}  // namespace
+
+void ExecApplication(const std::string& path)
+{
+    const Launch launch = DecideLaunch(path);
+    switch (launch.kind) {
+    case LAUNCH_NOTHING:
+        break;
+    case LAUNCH_OUTSIDE_ROOT:
+        FileExistMessageBox(PATH_OUTSIDE_ROOT, nullptr);
+        break;
+    case LAUNCH_DIRECTORY:
+        OpenChildTree(MainTree(), launch.path, EXPAND_LAST_YES);
+        break;
+    case LAUNCH_ITSELF:
+        Run(launch.path, "");
+        break;
+    case LAUNCH_PROGRAM:
+        Run(launch.program, launch.path);
+        break;
+    case LAUNCH_CHOICE:
+        Run(ChooseProgram(), launch.path);
+        break;
+    }
+}
+
+Result ConfilmExec(const std::string& name)
+{
+    if (!pGTable->ConfilmExec) {
+        return RESULT_OK;
+    }
+    return MessageBox(_("Execute"), FormatPathMessage(_("Execute %s ?"), name), STYLE_QUESTION);
+}

@@ -1,0 +1,131 @@
+#include "commands/fnkfilemenu-operation.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "commands/fnkfilemenu-ask.h"
+#include "commands/fnkfilemenu-new.h"
+#include "commands/fnkfilemenu-targets.h"
+#include "core/fnkstring.h"
+#include "core/fnktable.h"
+#include "core/fnkutil.h"
+#include "engine/fnkfiles-copy.h"
+#include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree.h"
+
+Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step)
+{
+    Result result = RESULT_DONE;
+    SetupProgress(paths, kind);
+    for (const std::string& path : paths) {
+        // Cancel may have been pressed while the files were counted: then nothing is touched.
+        result = KeepPainting() ? RESULT_CANCEL : step(path);
+        if (result == RESULT_CANCEL) {
+            DestroyProgressDlg();
+            break;
+        }
+    }
+    EndProgress();
+    return result;
+}
+
+namespace {
+
+/// Several sources need a directory to go into: given one by one to a name that is still free,
+/// each would replace the one before. That directory is made, anything else in its place refused.
+bool HasRoomFor(const std::vector<std::string>& sources, const std::string& destination, bool* made)
+{
+    struct stat st = {};
+    if (sources.size() == 1) {
+        return true;
+    }
+    if (lstat(destination.c_str(), &st) != 0) {
+        return *made = CreateNewDirectory(destination);
+    }
+    if (!S_ISDIR(st.st_mode)) {
+        FileExistMessageBox(PATH_FILE, nullptr);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void FileOperation(OperationKind kind)
+{
+    std::vector<std::string> sources;
+    std::string description;
+    std::string destination;
+    bool made = false;
+    const auto mode = static_cast<OperationMode>(kind);
+    if (GetFileOperationString(sources, &description) == SELECTION_NONE || !CheckFileOperationPaths(sources) ||
+        CreateFileOperationDlg(mode, description, &destination) != RESULT_OK ||
+        !HasRoomFor(sources, destination, &made)) {
+        return;
+    }
+    const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
+    if (sources.size() > 1) {
+        destination = WithSlash(destination);
+    }
+    int flag = 0;
+    const Result result =
+        RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });
+    if (made && result == RESULT_CANCEL) {
+        rmdir(destination.c_str());  // Refused unless the command ended before anything came into it.
+    }
+    const std::string parent = ParentInTree(destination);
+    if (kind == OPERATION_MOVE) {
+        RescanTree(MainTree(), ParentInTree(sources.front()));
+    }
+    RescanTree(MainTree(), parent);
+    const bool is_inside = result == RESULT_DONE && IsDirectory(destination);
+    OpenChildTree(MainTree(), is_inside ? destination : parent, EXPAND_LAST_YES);
+}
+
+namespace {
+
+constexpr int kPopupBorder = 2;
+
+void AddPopupItem(GtkWidget* menu, const char* label, GCallback handler, PopupChoice* choice)
+{
+    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(label);
+    g_signal_connect(item, "activate", handler, choice);
+    gtk_menu_shell_append(GTK_MENU_SHELL(menu), item);
+    gtk_widget_show(item);
+}
+
+void on_PopupCopy_activate(GtkWidget*, gpointer choice)
+{
+    *static_cast<PopupChoice*>(choice) = POPUP_COPY;
+}
+
+void on_PopupMove_activate(GtkWidget*, gpointer choice)
+{
+    *static_cast<PopupChoice*>(choice) = POPUP_MOVE;
+}
+
+}  // namespace
+
+PopupChoice CreateFileOperationPopup(const GdkEvent* event)
+{
+    PopupChoice choice = POPUP_NOTHING;
+    GtkWidget* const menu = gtk_menu_new();
+    g_object_ref_sink(menu);
+    gtk_container_set_border_width(GTK_CONTAINER(menu), kPopupBorder);
+    AddPopupItem(menu, _("Copy(_C)"), G_CALLBACK(on_PopupCopy_activate), &choice);
+    AddPopupItem(menu, _("Move(_M)"), G_CALLBACK(on_PopupMove_activate), &choice);
+    gtk_widget_add_events(gtk_widget_get_toplevel(menu), GDK_VISIBILITY_NOTIFY_MASK);
+    g_signal_connect(gtk_widget_get_toplevel(menu), "visibility-notify-event", G_CALLBACK(on_Window_visibility_notify),
+                     nullptr);
+    // The item's own signal comes after this one, but before the loop is back at its head.
+    g_signal_connect(menu, "deactivate", G_CALLBACK(on_CancelButton_clicked), nullptr);
+    gtk_menu_popup_at_pointer(GTK_MENU(menu), event);
+    if (gtk_widget_get_mapped(menu)) {
+        gtk_main();
+    }
+    gtk_widget_destroy(menu);
+    g_object_unref(menu);
+    return choice;
+}

@@ -1,0 +1,34 @@
+#pragma once
+// The two pages of the property dialog.
+
+#include <gtk/gtk.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <string>
+
+constexpr std::size_t kPermissionRows = 3;     ///< User, group, other.
+constexpr std::size_t kPermissionColumns = 4;  ///< Read, write, execute, special.
+
+/// Lives as long as the dialog.
+struct PropertyDlgData {
+    std::string Path;  ///< Of the entry; a directory's ends in "/".
+    GtkWidget* Dialog = nullptr;
+    GtkWidget* Icon = nullptr;
+    GtkWidget* PathLabel = nullptr;
+    GtkWidget* NameEntry = nullptr;
+    GtkWidget* TypeLabel = nullptr;
+    GtkWidget* SizeLabel = nullptr;
+    GtkWidget* ChangedLabel = nullptr;
+    GtkWidget* ModifiedLabel = nullptr;
+    GtkWidget* AccessedLabel = nullptr;
+    GtkWidget* ModeLabel = nullptr;
+    std::array<std::array<GtkWidget*, kPermissionColumns>, kPermissionRows> PermToggle = {};
+    GtkWidget* OwnerEntry = nullptr;
+    GtkWidget* GroupCombo = nullptr;
+    bool IsApplied = false;  ///< Something was changed, even if the dialog is then cancelled.
+    struct stat Stat = {};   ///< As it was when the dialog was filled; its mode is what the toggles edit.
+};
+
+/// Builds the pages; everything in them is empty or off.
+void CreatePropertyPages(GtkWidget* notebook, PropertyDlgData* data);

@@ -1,0 +1,325 @@
+#include "commands/fnkfilemenu-property.h"
+
+#include <unistd.h>
+
+#include "commands/fnkfilemenu-property-pages.h"
+#include "commands/fnkfilemenu-targets.h"
+#include "core/fnkraii.h"
+#include "core/fnkstring.h"
+#include "core/fnkutil.h"
+#include "engine/fnkfilemenu-property-change.h"
+#include "engine/fnkfiles-copy.h"
+#include "engine/fnkfiles-sync.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist.h"
+
+#include "FileCore.xpm"
+#include "FileDir.xpm"
+#include "FileExec.xpm"
+#include "FileFIFO.xpm"
+#include "FileLink.xpm"
+#include "FileLinkLost.xpm"
+#include "FileNormal.xpm"
+#include "FileSocket.xpm"
+#include "FileSpecial.xpm"
+
+namespace {
+
+constexpr std::size_t kMaxNameBytes = 512;
+
+struct TypeAppearance {
+    const char* text;
+    Picture icon;
+};
+
+/// Places are those of FileType.
+constexpr std::array<TypeAppearance, 9> kTypes = {{
+    {N_("Directory"), PICTURE(FileDir)},
+    {N_("Execute file"), PICTURE(FileExec)},
+    {N_("Normal file"), PICTURE(FileNormal)},
+    {N_("Core file"), PICTURE(FileCore)},
+    {N_("Symbolic link file"), PICTURE(FileLink)},
+    {N_("Stalled link file"), PICTURE(FileLinkLost)},
+    {N_("Socket file"), PICTURE(FileSocket)},
+    {N_("Special device"), PICTURE(FileSpecial)},
+    {N_("FIFO file"), PICTURE(FileFIFO)},
+}};
+
+GtkWidget* GroupEntry(const PropertyDlgData* data)
+{
+    return ComboEntry(data->GroupCombo);
+}
+
+}  // namespace
+
+mode_t PermissionBit(std::size_t row, std::size_t column)
+{
+    constexpr mode_t kBits[kPermissionRows][kPermissionColumns] = {
+        {S_IRUSR, S_IWUSR, S_IXUSR, S_ISUID},
+        {S_IRGRP, S_IWGRP, S_IXGRP, S_ISGID},
+        {S_IROTH, S_IWOTH, S_IXOTH, S_ISVTX},
+    };
+    return kBits[row][column];
+}
+
+void SensitivePropertyButton()
+{
+    const bool one_target = CountFileOperationTargets() == 1;
+    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_PROPERTY], one_target);
+    gtk_widget_set_sensitive(pMainW->ToolButton[TOOL_PROPERTY], one_target);
+}
+
+int CreatePropertyDlg()
+{
+    PropertyDlgData data;
+    GtkWidget* notebook = nullptr;
+    GtkWidget* ok = nullptr;
+    GtkWidget* cancel = nullptr;
+    data.Dialog = CreateNotebookDialogBox(&notebook, 0, 0);
+    CreatePropertyPages(notebook, &data);
+    CreateDlgButtonBox(data.Dialog, &ok, &cancel, CLOSING_WIRED);
+    if (SetFileProperty(&data) != 0) {
+        gtk_widget_destroy(data.Dialog);
+        return kArgumentError;
+    }
+    for (const auto& row : data.PermToggle) {
+        for (GtkWidget* const toggle : row) {
+            g_signal_connect(toggle, "toggled", G_CALLBACK(on_PerToggle_toggled), &data);
+        }
+    }
+    g_signal_connect(data.NameEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
+    g_signal_connect(data.OwnerEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
+    g_signal_connect(ok, "clicked", G_CALLBACK(on_Property_OKButton_clicked), &data);
+    ModalMainLoop(data.Dialog, pMainW->MainWindow);
+    if (data.IsApplied) {
+        DisplayFileList(pGTable->CurrentDir);
+    }
+    return 0;
+}
+
+namespace {
+
+/// The text of the type; a link tells where it leads, in the words it was made with.
+std::string DescribeType(const std::string& path, const struct stat& st, FileType type)
+{
+    const char* const text = gettext(kTypes[type].text);
+    if (!S_ISLNK(st.st_mode)) {
+        return text;
+    }
+    const GlibPointer<char> target(g_file_read_link(path.c_str(), nullptr));
+    return FormatText(_("%s (Exist file:%s)"), text, DisplayText(target != nullptr ? target.get() : "").c_str());
+}
+
+void SetText(GtkWidget* label, const std::string& text)
+{
+    gtk_label_set_text(GTK_LABEL(label), text.c_str());
+}
+
+void ShowName(const PropertyDlgData* data)
+{
+    const std::string name = GetLastPath(data->Path);
+    const std::string shown = DisplayText(name.empty() ? data->Path : name);  // "/" has no name.
+    gtk_window_set_title(GTK_WINDOW(data->Dialog), FormatText(_("Property - %s"), shown.c_str()).c_str());
+    SetEntryBytes(data->NameEntry, name);
+    SetText(data->PathLabel, DisplayText(GetParentDirectory(data->Path)));
+}
+
+void ShowStatistics(const PropertyDlgData* data, const struct stat& st)
+{
+    const FileType type = GetFileType(data->Path, st);
+    ShowPicture(data->Icon, kTypes[type].icon);
+    SetText(data->TypeLabel, DescribeType(data->Path, st, type));
+    SetText(data->SizeLabel, FormatText(_("%s (%lldByte)"), ConvertSize(static_cast<std::uint64_t>(st.st_size)).c_str(),
+                                        static_cast<long long>(st.st_size)));
+    SetText(data->ChangedLabel, GetFormatTime(st.st_ctime, true).value_or(""));
+    SetText(data->ModifiedLabel, GetFormatTime(st.st_mtime, true).value_or(""));
+    SetText(data->AccessedLabel, GetFormatTime(st.st_atime, true).value_or(""));
+}
+
+void ShowToggles(const PropertyDlgData* data, mode_t mode)
+{
+    for (std::size_t row = 0; row < kPermissionRows; ++row) {
+        for (std::size_t column = 0; column < kPermissionColumns; ++column) {
+            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(data->PermToggle[row][column]),
+                                         (mode & PermissionBit(row, column)) != 0);
+        }
+    }
+}
+
+}  // namespace
+
+int SetFileProperty(PropertyDlgData* data)
+{
+    std::vector<std::string> paths;
+    struct stat st = {};
+    if (GetFileOperationString(paths, nullptr) == SELECTION_NONE || !CheckFileOperationPaths(paths) ||
+        lstat(paths.front().c_str(), &st) != 0) {
+        return kArgumentError;
+    }
+    data->Path = paths.front();
+    ShowName(data);
+    ShowStatistics(data, st);
+    ShowToggles(data, st.st_mode);
+    data->Stat = st;
+    SetCurrentMode(data);
+    SetEntryBytes(data->OwnerEntry, FindUserName(st.st_uid));
+    SetComboStrings(data->GroupCombo, ListOfferedGroups(st.st_gid));
+    SetEntryBytes(GroupEntry(data), FindGroupName(st.st_gid));
+    CheckPermission(data);
+    return 0;
+}
+
+void SetCurrentMode(const PropertyDlgData* data)
+{
+    gtk_label_set_text(GTK_LABEL(data->ModeLabel), FormatText("%04o", data->Stat.st_mode & 07777).c_str());
+}
+
+void CheckPermission(const PropertyDlgData* data)
+{
+    const bool is_super_user = getuid() == 0;
+    const bool may_change = is_super_user || getuid() == data->Stat.st_uid;
+    gtk_widget_set_sensitive(data->OwnerEntry, is_super_user);
+    gtk_widget_set_sensitive(data->GroupCombo, may_change);
+    gtk_widget_set_sensitive(data->NameEntry, may_change && data->Path != pGTable->RootDir);
+    // A link's mode means nothing and cannot be changed; that of its target is another file's.
+    const bool has_mode = !S_ISLNK(data->Stat.st_mode);
+    for (const auto& row : data->PermToggle) {
+        for (GtkWidget* const toggle : row) {
+            gtk_widget_set_sensitive(toggle, may_change && has_mode);
+        }
+    }
+}
+
+void on_PerToggle_toggled(GtkWidget* toggle, gpointer pointer)
+{
+    auto* const data = static_cast<PropertyDlgData*>(pointer);
+    for (std::size_t row = 0; row < kPermissionRows; ++row) {
+        for (std::size_t column = 0; column < kPermissionColumns; ++column) {
+            if (data->PermToggle[row][column] == toggle) {
+                data->Stat.st_mode ^= PermissionBit(row, column);
+            }
+        }
+    }
+    SetCurrentMode(data);
+}
+
+namespace {
+
+/// Notes a change, or says that there is none.
+void ReportChange(PropertyDlgData* data, bool changed, const char* failure)
+{
+    if (changed) {
+        data->IsApplied = true;
+        NoteChange();
+    } else {
+        MessageBox(_("Error"), failure, STYLE_ERROR);
+    }
+}
+
+void ApplyMode(PropertyDlgData* data, const struct stat& now)
+{
+    if (data->Stat.st_mode != now.st_mode) {
+        ReportChange(data, ChangeMode(data->Path, data->Stat.st_mode), _("Permission cannot be changed."));
+    }
+}
+
+/// False when one of the names means nobody.
+bool ApplyOwner(PropertyDlgData* data, const struct stat& now)
+{
+    const char* const failure = _("Owner/Group cannot be changed.");
+    const std::optional<uid_t> owner = FindUserId(GetEntryBytes(data->OwnerEntry));
+    const std::optional<gid_t> group = FindGroupId(GetEntryBytes(GroupEntry(data)));
+    if (!owner || !group) {
+        MessageBox(_("Error"), failure, STYLE_ERROR);
+        return false;
+    }
+    if (*owner != now.st_uid || *group != now.st_gid) {
+        ReportChange(data, ChangeOwner(data->Path, *owner, *group), failure);
+    }
+    return true;
+}
+
+/// Judges a new name and makes it a path. Unlike a path that is typed elsewhere, it does not lead
+/// through a link that bears the name already.
+PathStatus CheckNewName(const std::string& parent, const std::string& name, std::string* target)
+{
+    if (name.empty()) {
+        return PATH_EMPTY;
+    }
+    if (name.size() > kMaxNameBytes) {
+        return PATH_TOO_LONG;
+    }
+    *target = parent + name;
+    struct stat st = {};
+    if (lstat(target->c_str(), &st) == 0) {
+        return S_ISDIR(st.st_mode) ? PATH_DIRECTORY : PATH_FILE;
+    }
+    return CheckFileExist(target);
+}
+
+/// The tree after a directory went from one path to another.
+void ShowRenamedDirectory(const std::string& old_path, const std::string& new_path)
+{
+    const std::string old_parent = GetParentDirectory(old_path);
+    const std::string new_parent = GetParentDirectory(new_path);
+    RescanTree(MainTree(), old_parent);
+    if (new_parent != old_parent) {
+        RescanTree(MainTree(), new_parent);
+    }
+    // It may be above the one that is shown: a drag over the tree leaves another one selected there.
+    if (pGTable->CurrentDir.starts_with(old_path) && IsDirectory(new_path)) {
+        const std::string below = pGTable->CurrentDir.substr(old_path.size());
+        OpenChildTree(MainTree(), WithSlash(new_path) + below, EXPAND_LAST_NO);
+    }
+}
+
+/// False when the name is no good.
+bool ApplyName(const PropertyDlgData* data)
+{
+    const std::string name = GetEntryBytes(data->NameEntry);
+    std::string target;
+    if (name == GetLastPath(data->Path)) {
+        return true;
+    }
+    const PathStatus status = CheckNewName(GetParentDirectory(data->Path), name, &target);
+    if (status != PATH_NEW) {
+        FileExistMessageBox(status, data->NameEntry);
+        return false;
+    }
+    int flag = 0;
+    MoveFile(target, data->Path, &flag);
+    if (S_ISDIR(data->Stat.st_mode)) {
+        ShowRenamedDirectory(data->Path, target);
+    }
+    return true;
+}
+
+/// False when the dialog is to stay open.
+bool ApplyProperty(PropertyDlgData* data)
+{
+    struct stat now = {};
+    if (lstat(data->Path.c_str(), &now) != 0) {
+        FileExistMessageBox(PATH_NEW, nullptr);  // It vanished meanwhile.
+        return true;
+    }
+    ApplyMode(data, now);
+    return ApplyOwner(data, now) && ApplyName(data);
+}
+
+}  // namespace
+
+void on_Property_OKButton_clicked(GtkWidget*, gpointer pointer)
+{
+    auto* const data = static_cast<PropertyDlgData*>(pointer);
+    SetupQuietRun();
+    const bool is_done = ApplyProperty(data);
+    EndProgress();
+    if (is_done) {
+        data->IsApplied = true;  // Whatever it was that the list does not show yet.
+        gtk_main_quit();
+    }
+}

@@ -1,0 +1,119 @@
+#include "commands/fnkfilemenu.h"
+
+#include "commands/fnkfilemenu-operation.h"
+#include "commands/fnkfilemenu-property.h"
+#include "commands/fnkfilemenu-targets.h"
+#include "core/fnkstring.h"
+#include "core/fnkutil-launch.h"
+#include "core/fnkutil.h"
+#include "engine/fnkfiles-delete.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkmessage-box.h"
+#include "panes/fnkdirtree-walk.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist.h"
+
+namespace {
+
+/// One thing at a time can be opened, and of the tree only what there is to expand.
+bool HasOpenableTarget()
+{
+    GtkTreeIter node;
+    const std::size_t rows = CountListSelection();
+    if (rows > 0 || !GetTreeSelect(MainTree(), &node, nullptr)) {
+        return rows <= 1;
+    }
+    const TreeWalk walk(MainTree());
+    return walk.HasChildren(node) && !walk.IsExpanded(node);
+}
+
+/// The top directory itself is not copied, moved or deleted. After a drag over the tree it may be
+/// selected while another one is shown.
+bool HasChangeableTarget()
+{
+    if (CountListSelection() > 0) {
+        return true;
+    }
+    std::string path;
+    return GetTreeSelect(MainTree(), nullptr, &path) && path != pGTable->RootDir &&
+           pGTable->CurrentDir != pGTable->RootDir;
+}
+
+bool ConfirmDelete(const std::string& description)
+{
+    return !pGTable->ConfilmDel || MessageBox(_("Delete"), FormatText(_("Delete %s ?"), description.c_str()),
+                                              STYLE_DELETE_QUESTION) == RESULT_OK;
+}
+
+}  // namespace
+
+void on_Menu_File_activate(GtkWidget*, gpointer)
+{
+    gtk_widget_set_sensitive(pMainW->MenuItem[MENU_OPEN], HasOpenableTarget());
+    for (const MenuEntry entry : {MENU_COPY, MENU_MOVE, MENU_DELETE}) {
+        gtk_widget_set_sensitive(pMainW->MenuItem[entry], HasChangeableTarget());
+    }
+    SensitivePropertyButton();
+}
+
+void on_Menu_CreateNewWindow_activate(GtkWidget*, gpointer)
+{
+    ExecFennick();
+}
+
+void on_Menu_Open_activate(GtkWidget*, gpointer)
+{
+    if (!HasOpenableTarget()) {
+        return;
+    }
+    std::string path;
+    if (const std::vector<std::size_t> rows = ListSelection(); !rows.empty()) {
+        ActivateListRow(rows.front());
+    } else if (GetTreeSelect(MainTree(), nullptr, &path)) {
+        OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
+    }
+}
+
+void on_Menu_Copy_activate(GtkWidget*, gpointer)
+{
+    if (HasChangeableTarget()) {
+        FileOperation(OPERATION_COPY);
+    }
+}
+
+void on_Menu_Move_activate(GtkWidget*, gpointer)
+{
+    if (HasChangeableTarget()) {
+        FileOperation(OPERATION_MOVE);
+    }
+}
+
+void on_Menu_Delete_activate(GtkWidget*, gpointer)
+{
+    std::vector<std::string> paths;
+    std::string description;
+    if (!HasChangeableTarget() || GetFileOperationString(paths, &description) == SELECTION_NONE ||
+        !CheckFileOperationPaths(paths) || !ConfirmDelete(description)) {
+        return;
+    }
+    const std::string parent = GetParentDirectory(paths.front());
+    std::string shown_next = pGTable->CurrentDir;
+    Result answer = RESULT_CANCEL;
+    RunOperation(OPERATION_DELETE, paths, [&](const std::string& path) {
+        const Result result = RemoveFile(path, &answer);
+        if (answer == RESULT_OK) {
+            answer = RESULT_CANCEL;  // It was for this item only.
+        }
+        if (path == pGTable->CurrentDir && !IsDirectory(path)) {
+            shown_next = parent;
+        }
+        return result;
+    });
+    RescanTree(MainTree(), parent);
+    OpenChildTree(MainTree(), shown_next, EXPAND_LAST_NO);
+}
+
+void on_Menu_Property_activate(GtkWidget*, gpointer)
+{
+    CreatePropertyDlg();
+}

@@ -1,0 +1,159 @@
+#include "core/fnkfiles-newfile.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "core/fnkfiles-place.h"
+
+namespace {
+
+struct NamedTemporary {
+    int directory = -1;
+    std::string name;
+};
+/// The temporaries that now have a name, the newest last. The engine makes one at a time, but a
+/// signal that ends it there has the settings written.
+std::vector<NamedTemporary> temporaries;
+
+/// The newest one has been renamed.
+void ForgetTemporary()
+{
+    temporaries.pop_back();
+}
+
+/// The newest one.
+void RemoveTemporary()
+{
+    unlinkat(temporaries.back().directory, temporaries.back().name.c_str(), 0);
+    ForgetTemporary();
+}
+
+/// Signals end the process from within a main loop that the engine runs: nothing is unwound then,
+/// but exit handlers run.
+void RemoveTemporaries()
+{
+    while (!temporaries.empty()) {
+        RemoveTemporary();
+    }
+}
+
+void RegisterTemporary(int directory, const std::string& name)
+{
+    [[maybe_unused]] static const int registered = std::atexit(RemoveTemporaries);
+    temporaries.push_back({directory, name});
+}
+
+/// Calls make with one name after the other until one is free. 0 or an errno.
+template <typename Make>
+int MakeTemporary(int directory, std::string& name, Make make)
+{
+    constexpr int kTries = 100;
+    static std::minstd_rand random{std::random_device()()};
+    for (int i = 0; i < kTries; ++i) {
+        name = ".fennick-" + std::to_string(random());
+        if (make(name.c_str())) {
+            RegisterTemporary(directory, name);
+            return 0;
+        }
+        if (errno != EEXIST) {
+            break;
+        }
+    }
+    name.clear();
+    return errno;
+}
+
+/// Renames the temporary to name, or removes it. 0 or an errno.
+int RenameTemporary(int directory, const std::string& from, const std::string& name)
+{
+    if (renameat(directory, from.c_str(), directory, name.c_str()) != 0) {
+        const int error = errno;
+        RemoveTemporary();
+        return error;
+    }
+    ForgetTemporary();
+    return 0;
+}
+
+/// Files without a name get one through a link under /proc.
+bool CanNameUnnamedFiles()
+{
+    static const bool can = access("/proc/self/fd", X_OK) == 0;
+    return can;
+}
+
+constexpr mode_t kWriterOnly = 0600;
+
+}  // namespace
+
+NewFile::NewFile(int directory) : directory_(directory)
+{
+    if (CanNameUnnamedFiles()) {
+        file_ = Descriptor(openat(directory, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kWriterOnly));
+        error_ = file_ ? 0 : errno;
+        // What systems say that know no such files.
+        if (error_ != EOPNOTSUPP && error_ != EISDIR && error_ != EINVAL && error_ != ENOENT) {
+            return;
+        }
+    }
+    error_ = MakeTemporary(directory, temporary_, [this](const char* name) {
+        file_ = Descriptor(openat(directory_, name, O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, kWriterOnly));
+        return static_cast<bool>(file_);
+    });
+}
+
+NewFile::~NewFile()
+{
+    if (!temporary_.empty()) {
+        RemoveTemporary();
+    }
+}
+
+int NewFile::Link(const std::string& name)
+{
+    const std::string unnamed = DescriptorPath(file_.Get());
+    return linkat(AT_FDCWD, unnamed.c_str(), directory_, name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+}
+
+int NewFile::TakeName(const std::string& name)
+{
+    if (temporary_.empty()) {
+        return Link(name);
+    }
+    const int error = RenameIfFree({directory_, temporary_, temporary_}, {directory_, name, name});
+    if (error == 0) {
+        ForgetTemporary();
+        temporary_.clear();
+    }
+    return error;
+}
+
+int NewFile::TakeNameOf(const std::string& name)
+{
+    if (temporary_.empty()) {
+        const int error = MakeTemporary(directory_, temporary_, [this](const char* free_name) {
+            const int linked = Link(free_name);
+            errno = linked;
+            return linked == 0;
+        });
+        if (error != 0) {
+            return error;
+        }
+    }
+    const std::string from = std::exchange(temporary_, {});
+    return RenameTemporary(directory_, from, name);
+}
+
+int ReplaceByLink(int directory, const std::string& name, const std::string& text)
+{
+    std::string fresh;
+    const int error = MakeTemporary(
+        directory, fresh, [&](const char* free_name) { return symlinkat(text.c_str(), directory, free_name) == 0; });
+    return error != 0 ? error : RenameTemporary(directory, fresh, name);
+}

@@ -1,0 +1,353 @@
+#include "core/fnkutil-launch.h"
+
+#include <fcntl.h>
+#include <glib.h>
+#include <limits.h>
+#include <signal.h>
+#include <strings.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "core/fnkraii.h"
+#include "core/fnktable.h"
+#include "core/fnkutil.h"
+
+namespace {
+
+constexpr const char* kBrowserName = "netscape";
+constexpr const char* kDesktopOpener = "xdg-open";
+constexpr const char* kOwnName = "fennick";
+constexpr const char* kOwnFile = "/proc/self/exe";
+constexpr const char* kDefaultSearchPath = "/bin:/usr/bin";
+constexpr const char kForkFailed[] = "Not enough mmemory! Stop.\n";
+constexpr std::size_t kStatusBytes = 2047;
+constexpr std::size_t kStatusValueSize = 512;
+
+}  // namespace
+
+const std::string* GetCompatibleAP(const std::string& path)
+{
+    const char* extension = nullptr;
+    for (const char* dot = CharNext(path.c_str(), '.'); dot != nullptr; dot = CharNext(extension, '.')) {
+        extension = dot + 1;
+    }
+    if (extension == nullptr) {
+        return nullptr;
+    }
+    for (const AppInfo& association : pGTable->ExtensionList) {
+        if (strcasecmp(association.Key.c_str(), extension) == 0) {
+            return &association.Value;
+        }
+    }
+    return nullptr;
+}
+
+namespace {
+
+enum Location { LOCATION_INSIDE, LOCATION_OUTSIDE, LOCATION_MISSING };
+
+/// Replaces path by the place that it names, told from RootDir on; a link at its end is not
+/// followed. What it says cannot be compared with RootDir as it stands: "..", or a link among its
+/// directories, leads out of a root that the text begins with, and a root that is itself reached
+/// through links has more than one name.
+Location LocateInRoot(std::string& path)
+{
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    const std::string root = GetRealDirectory(pGTable->RootDir);
+    const std::size_t name_begin = path.rfind('/') + 1;
+    const std::string name = path.substr(name_begin);
+    std::string real;
+    if (name.empty() || IsDotOrDotDot(name.c_str()) || WithSlash(path) == pGTable->RootDir) {
+        real = GetRealDirectory(path);
+    } else if (const std::string parent = GetRealDirectory(path.substr(0, name_begin)); !parent.empty()) {
+        real = parent + name;
+    }
+    if (real.empty() || root.empty()) {
+        return CheckChildDirectory(path) == 0 ? LOCATION_MISSING : LOCATION_OUTSIDE;
+    }
+    if (!WithSlash(real).starts_with(root)) {
+        return LOCATION_OUTSIDE;
+    }
+    path = pGTable->RootDir + (real.size() > root.size() ? real.substr(root.size()) : "");
+    return LOCATION_INSIDE;
+}
+
+bool MayRead(const struct stat& st)
+{
+    return (st.st_mode & (st.st_uid == getuid() ? S_IRUSR : S_IROTH)) != 0;
+}
+
+/// What is to be done with something that is no link.
+Launch Classify(const std::string& path, const struct stat& st)
+{
+    if (S_ISDIR(st.st_mode)) {
+        return {LAUNCH_DIRECTORY, path, ""};
+    }
+    if ((st.st_mode & S_IXUSR) != 0) {
+        return {LAUNCH_ITSELF, path, ""};
+    }
+    if (!MayRead(st)) {
+        return {};
+    }
+    const std::string* const program = GetCompatibleAP(path);
+    if (program == nullptr) {
+        return {LAUNCH_CHOICE, path, ""};
+    }
+    return {program->empty() ? LAUNCH_NOTHING : LAUNCH_PROGRAM, path, *program};
+}
+
+}  // namespace
+
+Launch DecideLaunch(const std::string& path)
+{
+    std::string place = path;
+    for (int links = 0; links <= kMaxLinks; ++links) {
+        if (place.empty() || place.size() > kMaxPathBytes) {
+            break;
+        }
+        const Location location = LocateInRoot(place);
+        if (location == LOCATION_OUTSIDE) {
+            return {LAUNCH_OUTSIDE_ROOT, place, ""};
+        }
+        struct stat st = {};
+        if (location == LOCATION_MISSING || lstat(place.c_str(), &st) != 0) {
+            break;
+        }
+        if (!S_ISLNK(st.st_mode)) {
+            return Classify(place, st);
+        }
+        std::string target;
+        if (!ReadLink(place, target)) {
+            break;
+        }
+        // What is relative counts from where the link is; only the first is in CurrentDir.
+        place = target.starts_with('/') ? target : place.substr(0, place.rfind('/') + 1) + target;
+    }
+    return {};
+}
+
+int GetStatus(const char* key, const char* text, std::string& value, std::size_t size)
+{
+    const char* position = std::strstr(text, key);
+    if (position == nullptr) {
+        return 1;
+    }
+    position += std::strlen(key);
+    position += std::strspn(position, " \t");
+    value.assign(position, std::min(std::strcspn(position, "\n"), size - 1));
+    return 0;
+}
+
+namespace {
+
+/// The first lines of the status of a process that belongs to this user; empty for any other.
+std::string ReadOwnStatus(const std::string& path)
+{
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat st = {};
+    char buffer[kStatusBytes + 1] = {};
+    if (!file || fstat(file.Get(), &st) != 0 || st.st_uid != getuid() || read(file.Get(), buffer, kStatusBytes) <= 0) {
+        return {};
+    }
+    return buffer;
+}
+
+bool IsRunningBrowser(const std::string& status)
+{
+    std::string name;
+    std::string state;
+    return GetStatus("Name:", status.c_str(), name, kStatusValueSize) == 0 && name.starts_with(kBrowserName) &&
+           GetStatus("State:", status.c_str(), state, kStatusValueSize) == 0 && !state.starts_with('Z');
+}
+
+}  // namespace
+
+pid_t CheckWebProcess(const std::string& processes)
+{
+    const DirectoryStream directory(opendir(processes.c_str()));
+    while (const struct dirent* const entry = directory != nullptr ? readdir(directory.get()) : nullptr) {
+        const auto process = static_cast<pid_t>(std::strtol(entry->d_name, nullptr, 10));
+        if (process > 0 && IsRunningBrowser(ReadOwnStatus(processes + "/" + entry->d_name + "/status"))) {
+            return process;
+        }
+    }
+    return 0;
+}
+
+namespace {
+
+/// The files that the name of a program may stand for.
+std::vector<std::string> FindCandidates(const std::string& program)
+{
+    if (program.empty() || program.find('/') != std::string::npos) {
+        return {program};
+    }
+    const char* const variable = std::getenv("PATH");
+    const std::string search_path = variable != nullptr ? variable : kDefaultSearchPath;
+    std::vector<std::string> candidates;
+    for (std::size_t begin = 0; begin <= search_path.size();) {
+        const std::size_t end = std::min(search_path.find(':', begin), search_path.size());
+        const std::string directory = search_path.substr(begin, end - begin);
+        candidates.push_back(WithSlash(directory.empty() ? "." : directory) + program);
+        begin = end + 1;
+    }
+    return candidates;
+}
+
+std::vector<char*> PointersTo(std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// As it was when the process started; 0 while it has not been changed.
+struct rlimit open_file_limit = {};
+
+// From here to the start of the program everything runs between fork and exec, where another
+// thread may have left any lock taken: system calls only.
+
+/// What this process does with signals is none of the program's business.
+void ResetSignals()
+{
+    struct sigaction action = {};
+    action.sa_handler = SIG_DFL;
+    for (int signum = 1; signum < NSIG; ++signum) {
+        sigaction(signum, &action, nullptr);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void CloseDescriptors()
+{
+    constexpr unsigned kFirst = STDERR_FILENO + 1;
+    if (close_range(kFirst, UINT_MAX, 0) == 0) {
+        return;
+    }
+    // A kernel that does not know the call yet.
+    const long limit = sysconf(_SC_OPEN_MAX);
+    for (int fd = kFirst; fd < limit; ++fd) {
+        close(fd);
+    }
+}
+
+/// Starts the first of the files that is a program. A file that is one but for a first line that
+/// says whose script it is is not handed to the shell: it may be anything.
+[[noreturn]] void Become(char* const* files, char* const* arguments)
+{
+    setsid();
+    ResetSignals();
+    CloseDescriptors();
+    if (open_file_limit.rlim_max != 0) {
+        setrlimit(RLIMIT_NOFILE, &open_file_limit);
+    }
+    for (; *files != nullptr; ++files) {
+        execve(*files, arguments, environ);
+    }
+    _exit(0);
+}
+
+[[noreturn]] void StartAndEnd(char* const* files, char* const* arguments)
+{
+    const pid_t child = _Fork();
+    if (child == 0) {
+        Become(files, arguments);
+    }
+    if (child < 0) {
+        [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kForkFailed, sizeof kForkFailed - 1);
+    }
+    _exit(child < 0 ? 1 : 0);
+}
+
+/// Starts the program from a helper process that ends at once, so that it becomes the child of the
+/// system's first process and is waited for there.
+pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arguments)
+{
+    const std::vector<char*> file_pointers = PointersTo(files);
+    const std::vector<char*> argument_pointers = PointersTo(arguments);
+    // A signal that came between fork and exec would run our handler in the wrong process.
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    const pid_t helper = fork();
+    if (helper == 0) {
+        StartAndEnd(file_pointers.data(), argument_pointers.data());
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (helper < 0) {
+        g_log(nullptr, G_LOG_LEVEL_ERROR, "%s", kForkFailed);
+    }
+    while (waitpid(helper, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    return helper;
+}
+
+/// The words of the command that starts the program.
+std::vector<std::string> MakeCommand(const std::string& program, const std::string& argument, const Browser& browser)
+{
+    if (argument.empty()) {
+        return {program};
+    }
+    if (program != browser.start) {
+        return {program, argument};
+    }
+    if (access(browser.start.c_str(), X_OK) != 0) {
+        return {kDesktopOpener, argument};
+    }
+    if (CheckWebProcess(browser.processes) != 0) {
+        return {program, "-remote", "openURL(" + argument + ")"};
+    }
+    return {program, "file:" + argument};
+}
+
+}  // namespace
+
+pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser)
+{
+    const std::vector<std::string> command = MakeCommand(program, argument, browser);
+    return StartDetached(FindCandidates(command.front()), command);
+}
+
+pid_t ExecFennick()
+{
+    std::vector<std::string> files = FindCandidates(kOwnName);
+    files.emplace_back(kOwnFile);
+    std::vector<std::string> arguments = {kOwnName};
+    if (char** const line = pGTable->ArgV; line != nullptr) {
+        arguments.assign(line, line + g_strv_length(line));
+    }
+    return StartDetached(files, arguments);
+}
+
+std::string GetProgramDirectory()
+{
+    std::string program;
+    return ReadLink(kOwnFile, program) ? GetParentDirectory(program) : std::string();
+}
+
+void RaiseOpenFileLimit()
+{
+    // Two for each directory of the deepest path there can be, many times over.
+    constexpr rlim_t kManyFiles = 65536;
+    struct rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        open_file_limit = limit;
+        limit.rlim_cur = std::min(limit.rlim_max, std::max(limit.rlim_cur, kManyFiles));
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}

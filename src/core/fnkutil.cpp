@@ -1,0 +1,557 @@
+#include "core/fnkutil.h"
+
+#include <fcntl.h>
+#include <fnmatch.h>
+#include <glib.h>
+#include <langinfo.h>
+#include <limits.h>
+#include <locale.h>
+#include <strings.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+
+#include "core/fnkraii.h"
+
+namespace {
+
+constexpr std::size_t kHistoryLength = 10;
+
+bool IsUtf8Locale()
+{
+    return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+}
+
+/// Bytes of the well-formed UTF-8 sequence at position, 0 when there is none.
+std::ptrdiff_t SequenceLength(const char* position, const char* end)
+{
+    const gunichar character = g_utf8_get_char_validated(position, end - position);
+    if (character == static_cast<gunichar>(-1) || character == static_cast<gunichar>(-2)) {
+        return 0;
+    }
+    return std::max(1, g_unichar_to_utf8(character, nullptr));
+}
+
+bool EndsWithIgnoringCase(std::string_view text, std::string_view ending)
+{
+    return text.size() >= ending.size() &&
+           strncasecmp(text.data() + text.size() - ending.size(), ending.data(), ending.size()) == 0;
+}
+
+}  // namespace
+
+CharStepper::CharStepper(const char* begin, const char* end)
+    : end_(end), ill_formed_(begin - 1), utf8_locale_(IsUtf8Locale())
+{
+}
+
+const char* CharStepper::Next(const char* position)
+{
+    if (position >= end_) {
+        return end_;
+    }
+    if (static_cast<unsigned char>(*position) < 0x80) {
+        return position + 1;
+    }
+    if (utf8_locale_ || IsWellFormedFrom(position)) {
+        return position + std::max<std::ptrdiff_t>(1, SequenceLength(position, end_));
+    }
+    return std::min(position + 2, end_);
+}
+
+bool CharStepper::IsWellFormedFrom(const char* position)
+{
+    // Where validation stopped, no earlier position can start a well-formed rest: on a sequence
+    // boundary it would run into the same bad byte, off one it starts with a bad byte itself.
+    if (well_formed_ == nullptr && position > ill_formed_) {
+        const char* valid_end = nullptr;
+        if (g_utf8_validate(position, end_ - position, &valid_end)) {
+            well_formed_ = position;
+        } else {
+            ill_formed_ = valid_end;
+        }
+    }
+    return well_formed_ != nullptr;
+}
+
+const char* CharNext(const char* text, char delimiter)
+{
+    if (text == nullptr || *text == '\0') {
+        return nullptr;
+    }
+    const char* const end = text + std::strlen(text);
+    CharStepper stepper(text, end);
+    const char* position = text;
+    if (delimiter == '\0') {
+        position = stepper.Next(position);
+    } else {
+        while (position != end && *position != delimiter) {
+            position = stepper.Next(position);
+        }
+    }
+    return position == end ? nullptr : position;
+}
+
+std::string GetParentDirectory(const std::string& path)
+{
+    std::size_t cut = 0;
+    if (path.size() > 1) {
+        const char* const text = path.c_str();
+        const char* slash = CharNext(text + 1, '/');
+        while (slash != nullptr && slash[1] != '\0') {
+            cut = static_cast<std::size_t>(slash - text);
+            slash = CharNext(slash + 1, '/');
+        }
+    }
+    return path.substr(0, cut + 1);
+}
+
+std::string GetLastPath(const std::string& path)
+{
+    std::string name = path.substr(GetParentDirectory(path).size());
+    if (!name.empty() && name.back() == '/') {
+        name.pop_back();
+    }
+    return name;
+}
+
+std::string WithSlash(std::string path)
+{
+    if (path.empty() || path.back() != '/') {
+        path += '/';
+    }
+    return path;
+}
+
+std::string GetHomeDirectory()
+{
+    const char* const home = std::getenv("HOME");
+    return home == nullptr || std::strlen(home) >= kMaxPathBytes ? std::string() : std::string(home);
+}
+
+int CheckChildDirectory(const std::string& path)
+{
+    const std::string& root = pGTable->RootDir;
+    const bool is_root_itself = path.size() + 1 == root.size() && root.starts_with(path);
+    return is_root_itself || path.starts_with(root) ? 0 : 1;
+}
+
+bool ReadLink(const std::string& path, std::string& target)
+{
+    char buffer[kMaxPathBytes + 1];
+    const ssize_t length = readlink(path.c_str(), buffer, sizeof buffer);
+    if (length < 0) {
+        return false;
+    }
+    if (length > static_cast<ssize_t>(kMaxPathBytes)) {
+        errno = ENAMETOOLONG;
+        return false;
+    }
+    target.assign(buffer, static_cast<std::size_t>(length));
+    return true;
+}
+
+bool IsRootDirectory(const std::string& path)
+{
+    return WithSlash(path) == pGTable->RootDir;
+}
+
+std::string GetRealDirectory(const std::string& path)
+{
+    char real[PATH_MAX];
+    return realpath(path.c_str(), real) != nullptr ? WithSlash(real) : std::string();
+}
+
+int IsDirectory(const std::string& path)
+{
+    struct stat st = {};
+    return lstat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode) ? 1 : 0;
+}
+
+bool IsDirectoryEntry(int directory, const struct dirent& entry)
+{
+    if (entry.d_type != DT_UNKNOWN) {
+        return entry.d_type == DT_DIR;
+    }
+    struct stat st = {};
+    return fstatat(directory, entry.d_name, &st, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool IsDotOrDotDot(const char* name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+DisplaySize RoundSize(std::uint64_t size)
+{
+    constexpr std::uint64_t kKilo = 1024;
+    constexpr std::uint64_t kMega = kKilo * kKilo;
+    const bool mega = size >= kMega;
+    const std::uint64_t divisor = mega ? kMega : kKilo;
+    const std::uint64_t tenths = size % divisor * 10;
+    std::uint64_t whole = size / divisor;
+    auto tenth = static_cast<unsigned>(tenths / divisor);
+    if (tenths % divisor >= divisor / 2) {
+        ++tenth;
+    }
+    if (tenth == 10) {
+        tenth = 0;
+        ++whole;
+    }
+    if (size != 0 && whole == 0 && tenth == 0) {
+        tenth = 1;  // Nothing that holds a byte is shown as empty.
+    }
+    return {whole, tenth, mega};
+}
+
+std::string ConvertSize(std::uint64_t size)
+{
+    const DisplaySize shown = RoundSize(size);
+    std::string text = std::to_string(shown.whole);
+    if (shown.tenth != 0) {
+        text += '.';
+        text += static_cast<char>('0' + shown.tenth);
+    }
+    return text + (shown.mega ? "MByte" : "KByte");
+}
+
+int CheckFileName(std::string_view name)
+{
+    if (!pGTable->ShowBackup) {
+        if (!name.empty() && name.back() == '~') {
+            return 0;
+        }
+        if (name.size() > 4 && EndsWithIgnoringCase(name, ".bak")) {
+            return 0;
+        }
+    }
+    if (pGTable->ShowHidden || name.empty() || name.front() != '.') {
+        return 1;
+    }
+    return name == ".." ? 1 : 0;
+}
+
+namespace {
+
+struct Resolution {
+    std::string path;  ///< Canonical; on failure up to and with the component that failed.
+    int error = 0;     ///< errno of the failed lookup.
+};
+
+/// The next component of rest, taken off it together with the "/" around it.
+std::string TakeComponent(std::string& rest)
+{
+    const std::size_t begin = rest.find_first_not_of('/');
+    if (begin == std::string::npos) {
+        rest.clear();
+        return {};
+    }
+    const char* const slash = CharNext(rest.c_str() + begin, '/');
+    const std::size_t end = slash == nullptr ? rest.size() : static_cast<std::size_t>(slash - rest.c_str());
+    std::string component = rest.substr(begin, end - begin);
+    rest.erase(0, end);
+    return component;
+}
+
+/// Like realpath, but what could be resolved is kept when a lookup fails: the one missing
+/// component of a path that is about to be created must survive.
+Resolution ResolvePath(const std::string& absolute)
+{
+    Resolution result{"/", 0};
+    std::string rest = absolute;
+    for (int links = 0;;) {
+        const std::string component = TakeComponent(rest);
+        if (component.empty()) {
+            return result;
+        }
+        if (component == "." || component == "..") {
+            if (!IsDirectory(result.path)) {
+                result.path += "/" + component;
+                result.error = ENOTDIR;
+                return result;
+            }
+            if (component == "..") {
+                result.path = GetParentDirectory(result.path);
+                if (result.path.size() > 1) {
+                    result.path.pop_back();
+                }
+            }
+            continue;
+        }
+        const std::string parent = result.path;
+        result.path = WithSlash(parent) + component;
+        struct stat st = {};
+        if (lstat(result.path.c_str(), &st) != 0) {
+            result.error = errno;
+            return result;
+        }
+        if (!S_ISLNK(st.st_mode)) {
+            continue;
+        }
+        std::string target;
+        if (++links > kMaxLinks || !ReadLink(result.path, target)) {
+            result.error = links > kMaxLinks ? ELOOP : errno;
+            return result;
+        }
+        result.path = target.starts_with('/') ? "/" : parent;
+        rest = target + "/" + rest;
+    }
+}
+
+bool HasDoubleSlash(const std::string& path)
+{
+    const char* slash = CharNext(path.c_str(), '/');
+    while (slash != nullptr && slash[1] != '/') {
+        slash = CharNext(slash + 1, '/');
+    }
+    return slash != nullptr;
+}
+
+/// A canonical path as the tree spells it: a home that is reached through a link has two names, and
+/// all that is inside is told from the one by which the root was named.
+std::string SpellFromRoot(const std::string& path)
+{
+    const std::string root = GetRealDirectory(pGTable->RootDir);
+    if (root.empty() || root == pGTable->RootDir || !WithSlash(path).starts_with(root)) {
+        return path;
+    }
+    return pGTable->RootDir + (path.size() > root.size() ? path.substr(root.size()) : "");
+}
+
+PathStatus JudgeResolvedPath(const std::string& path)
+{
+    if (CheckChildDirectory(path) != 0) {
+        return PATH_OUTSIDE_ROOT;
+    }
+    if (!IsDirectory(GetParentDirectory(path))) {
+        return PATH_NO_PARENT;
+    }
+    struct stat st = {};
+    if (lstat(path.c_str(), &st) != 0) {
+        return PATH_NEW;
+    }
+    return S_ISDIR(st.st_mode) ? PATH_DIRECTORY : PATH_FILE;
+}
+
+}  // namespace
+
+PathStatus CheckFileExist(std::string* path)
+{
+    if (path == nullptr) {
+        return PATH_NULL;
+    }
+    if (path->empty()) {
+        return PATH_EMPTY;
+    }
+    if (path->size() > kMaxPathBytes) {
+        return PATH_TOO_LONG;
+    }
+    if (HasDoubleSlash(*path)) {
+        return PATH_INVALID;
+    }
+    if (path->front() != '/') {
+        if (pGTable->CurrentDir.size() + path->size() > kMaxPathBytes) {
+            return PATH_TOO_LONG;
+        }
+        path->insert(0, pGTable->CurrentDir);
+    }
+    Resolution resolved = ResolvePath(*path);
+    if (resolved.path.size() > kMaxPathBytes) {
+        return PATH_TOO_LONG;
+    }
+    if (resolved.error == ENOENT && GetLastPath(*path) != GetLastPath(resolved.path)) {
+        return PATH_INVALID;
+    }
+    *path = SpellFromRoot(resolved.path);
+    return JudgeResolvedPath(*path);
+}
+
+namespace {
+
+/// UTF-8 of the text in which each byte that is part of no character is one of the characters at
+/// the very end of the code, which are nobody's.
+std::string WithBytesAsCharacters(const std::string& text)
+{
+    constexpr gunichar kByteCharacters = 0x10FF00;
+    std::string result;
+    for (const char *at = text.data(), *const end = at + text.size(); at < end;) {
+        const std::ptrdiff_t length = SequenceLength(at, end);
+        char buffer[6];
+        const int written =
+            length > 0 ? 0 : g_unichar_to_utf8(kByteCharacters + static_cast<unsigned char>(*at), buffer);
+        result.append(length > 0 ? at : buffer, static_cast<std::size_t>(length > 0 ? length : written));
+        at += std::max<std::ptrdiff_t>(1, length);
+    }
+    return result;
+}
+
+bool IsWellFormed(std::string_view text)
+{
+    return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+}
+
+bool IsAscii(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+/// The comparison with every byte a character.
+bool MatchBytes(const std::string& pattern, const char* name)
+{
+    static const locale_t kBytes = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t before = uselocale(kBytes);
+    const bool matches = fnmatch(pattern.c_str(), name, 0) == 0;
+    uselocale(before);
+    return matches;
+}
+
+}  // namespace
+
+bool MatchPattern(const std::string& pattern, const char* name)
+{
+    // As most names are; comparing them as letters takes several times as long.
+    if (IsAscii(name) && IsAscii(pattern)) {
+        return MatchBytes(pattern, name);
+    }
+    // The system's own comparison takes a text with one broken byte for bytes throughout, or for no
+    // text at all: "?" would then match a part of a letter, or nothing match anything.
+    if (IsUtf8Locale() && !(IsWellFormed(name) && IsWellFormed(pattern))) {
+        return fnmatch(WithBytesAsCharacters(pattern).c_str(), WithBytesAsCharacters(name).c_str(), 0) == 0;
+    }
+    return fnmatch(pattern.c_str(), name, 0) == 0;
+}
+
+bool IsPattern(const std::string& text)
+{
+    return !text.empty() && text.size() <= kMaxFilterBytes;
+}
+
+namespace {
+
+bool MayExecute(const struct stat& st, const UserIds& user)
+{
+    if (st.st_uid == user.uid) {
+        return (st.st_mode & S_IXUSR) != 0;
+    }
+    if (st.st_gid == user.gid) {
+        return (st.st_mode & S_IXGRP) != 0;
+    }
+    return (st.st_mode & S_IXOTH) != 0;
+}
+
+/// directory is where a relative target counts from, base_length the length of its path: a target
+/// that would make a path too long to work with leads nowhere.
+FileType GetLinkType(int directory, const char* name, std::size_t base_length)
+{
+    char target[kMaxPathBytes + 2] = {};
+    const ssize_t length = readlinkat(directory, name, target, sizeof target - 1);
+    if (length <= 0) {
+        return FT_STALLED_LINK;
+    }
+    const std::size_t joined = static_cast<std::size_t>(length) + (target[0] == '/' ? 0 : base_length);
+    struct stat st = {};
+    if (joined > kMaxPathBytes || fstatat(directory, target, &st, AT_SYMLINK_NOFOLLOW) != 0) {
+        return FT_STALLED_LINK;
+    }
+    return FT_SYMLINK;
+}
+
+}  // namespace
+
+UserIds GetUserIds()
+{
+    return {getuid(), getgid()};
+}
+
+FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user)
+{
+    if (strcasecmp(name, "core") == 0) {
+        return FT_CORE;
+    }
+    switch (st.st_mode & S_IFMT) {
+    case S_IFLNK:
+        return GetLinkType(directory, name, pGTable->CurrentDir.size());
+    case S_IFDIR:
+        return FT_DIRECTORY;
+    case S_IFIFO:
+        return FT_FIFO;
+    case S_IFSOCK:
+        return FT_SOCKET;
+    case S_IFCHR:
+    case S_IFBLK:
+        return FT_DEVICE;
+    default:
+        return MayExecute(st, user) ? FT_EXECUTE : FT_NORMAL;
+    }
+}
+
+FileType GetFileType(const std::string& path, const struct stat& st)
+{
+    const std::string name = GetLastPath(path);
+    if (strcasecmp(name.c_str(), "core") == 0) {
+        return FT_CORE;
+    }
+    if (!S_ISLNK(st.st_mode)) {
+        return GetFileTypeAt(AT_FDCWD, path.c_str(), st, GetUserIds());
+    }
+    std::string target;
+    if (!ReadLink(path, target) || target.empty()) {
+        return FT_STALLED_LINK;
+    }
+    if (target.front() != '/') {
+        target.insert(0, pGTable->CurrentDir);
+    }
+    struct stat target_st = {};
+    const bool leads_somewhere = target.size() <= kMaxPathBytes && lstat(target.c_str(), &target_st) == 0;
+    return leads_somewhere ? FT_SYMLINK : FT_STALLED_LINK;
+}
+
+void AddHistoryListS(History& list, const std::string& text)
+{
+    if (text.empty() || text.size() > kMaxPathBytes) {
+        return;
+    }
+    auto entry = std::find(list.begin(), list.end(), text);
+    if (entry == list.end()) {
+        if (list.size() >= kHistoryLength) {
+            entry = list.begin() + kHistoryLength - 1;
+            *entry = text;
+        } else {
+            entry = list.insert(list.end(), text);
+        }
+    }
+    std::rotate(list.begin(), entry, entry + 1);
+}
+
+std::string DisplayText(std::string_view bytes)
+{
+    if (bytes.empty()) {
+        return {};
+    }
+    const GlibPointer<char> text(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
+    return text.get();
+}
+
+std::string DisplayLine(std::string_view bytes)
+{
+    std::string text = DisplayText(bytes);
+    for (const char* const end : {"\r", "\n", "\u2028", "\u2029"}) {
+        for (std::size_t at = 0; (at = text.find(end, at)) != std::string::npos;) {
+            text.replace(at, std::strlen(end), "\u21b5");
+        }
+    }
+    return text;
+}
+
+std::string FormatText(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const GlibPointer<char> text(g_strdup_vprintf(format, arguments));
+    va_end(arguments);
+    return text.get();
+}

@@ -1,0 +1,25 @@
+#include "engine/fnkfiles-background.h"
+
+#include <chrono>
+#include <future>
+#include <system_error>
+
+#include "engine/fnkmessage.h"
+
+void RunInBackground(const std::function<void(const std::atomic<bool>& stop)>& work)
+{
+    constexpr std::chrono::milliseconds kLookEvery{5};
+    std::atomic<bool> stop = false;
+    std::future<void> done;
+    try {
+        done = std::async(std::launch::async, [&] { work(stop); });
+    } catch (const std::system_error&) {
+        work(stop);  // No thread to be had: better slow than not at all.
+        return;
+    }
+    while (done.wait_for(kLookEvery) != std::future_status::ready) {
+        if (OnEngine.KeepPainting()) {
+            stop = true;
+        }
+    }
+}

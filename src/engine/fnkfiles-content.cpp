@@ -1,0 +1,164 @@
+#include "engine/fnkfiles-content.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <memory>
+
+#include "engine/fnkfiles-background.h"
+
+namespace {
+
+/// Up to here a copy is quicker than a change of threads.
+constexpr off_t kInlineBytes = 64 << 10;
+/// How much the system copies in one call: often enough back to look whether to stop.
+constexpr std::size_t kChunkBytes = 4 << 20;
+
+class Copier {
+public:
+    Copier(int source, int target, const std::atomic<bool>& stop) : source_(source), target_(target), stop_(stop) {}
+
+    /// Everything, or with a size that is not 0 up to there, what a file has that grows meanwhile.
+    ContentResult CopyAll(const struct stat& st)
+    {
+        constexpr off_t kBlockBytes = 512;
+        if (st.st_size > 0 && st.st_blocks < st.st_size / kBlockBytes) {
+            return CopyData(st.st_size);
+        }
+        return CopyRange(0, st.st_size);
+    }
+    int Error() const { return error_; }
+
+private:
+    ContentResult Fail(ContentResult result)
+    {
+        error_ = errno;
+        return result;
+    }
+
+    /// What is between the holes.
+    ContentResult CopyData(off_t size)
+    {
+        for (off_t position = 0; position < size;) {
+            const off_t data = lseek(source_, position, SEEK_DATA);
+            if (data < 0 && errno == ENXIO) {
+                break;  // A hole up to the end.
+            }
+            const off_t hole = data < 0 ? -1 : lseek(source_, data, SEEK_HOLE);
+            const bool tells_holes = hole > data && data >= position;
+            const off_t end = tells_holes ? std::min(hole, size) : size;
+            if (const ContentResult result = CopyRange(tells_holes ? data : position, end); result != CONTENT_COPIED) {
+                return result;
+            }
+            position = end;
+        }
+        return ftruncate(target_, size) == 0 ? CONTENT_COPIED : Fail(CONTENT_NOT_WRITTEN);
+    }
+
+    /// From position to end, or to the end of the file if that comes first or end is 0.
+    ContentResult CopyRange(off_t position, off_t end)
+    {
+        bool system_copies = end > kInlineBytes;
+        while (end == 0 || position < end) {
+            if (stop_) {
+                return CONTENT_CANCELLED;
+            }
+            ssize_t count = 0;
+            if (system_copies) {
+                count = CopyChunk(position, end);
+                if (count < 0) {
+                    return Fail(CONTENT_NOT_WRITTEN);
+                }
+                system_copies = count > 0;
+            }
+            if (count == 0) {
+                if (const ContentResult result = ReadAndWrite(position, end, &count); result != CONTENT_COPIED) {
+                    return result;
+                }
+                if (count == 0) {
+                    break;
+                }
+            }
+            position += count;
+        }
+        return CONTENT_COPIED;
+    }
+
+    /// 0 where the system cannot, or is at the end; negative when the disk is full.
+    ssize_t CopyChunk(off_t position, off_t end)
+    {
+        off_t from = position;
+        off_t to = position;
+        const std::size_t wanted = std::min(kChunkBytes, static_cast<std::size_t>(end - position));
+        const ssize_t count = copy_file_range(source_, &from, target_, &to, wanted, 0);
+        // Whose fault another failure is, reading and writing tells.
+        return count >= 0 || errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? count : 0;
+    }
+
+    ContentResult ReadAndWrite(off_t position, off_t end, ssize_t* count)
+    {
+        if (buffer_ == nullptr) {
+            buffer_ = std::make_unique_for_overwrite<char[]>(kInlineBytes);
+        }
+        const off_t wanted = end == 0 ? kInlineBytes : std::min(kInlineBytes, end - position);
+        do {
+            *count = pread(source_, buffer_.get(), static_cast<std::size_t>(wanted), position);
+        } while (*count < 0 && errno == EINTR);
+        if (*count < 0) {
+            return Fail(CONTENT_NOT_READ);
+        }
+        for (ssize_t written = 0; written < *count;) {
+            const ssize_t more = pwrite(target_, buffer_.get() + written, static_cast<std::size_t>(*count - written),
+                                        position + written);
+            if (more < 0 && errno != EINTR) {
+                return Fail(CONTENT_NOT_WRITTEN);
+            }
+            written += std::max<ssize_t>(more, 0);
+        }
+        return CONTENT_COPIED;
+    }
+
+    int source_;
+    int target_;
+    const std::atomic<bool>& stop_;
+    std::unique_ptr<char[]> buffer_;
+    int error_ = 0;
+};
+
+/// What the kernel makes up as it is read, as under /proc, says 0 and is read to its end.
+bool IsQuick(const struct stat& st)
+{
+    return st.st_size > 0 && st.st_size <= kInlineBytes;
+}
+
+}  // namespace
+
+ContentResult CopyContent(int source, const struct stat& st, int target, int* error)
+{
+    ContentResult result = CONTENT_COPIED;
+    const auto copy = [&](const std::atomic<bool>& stop) {
+        Copier copier(source, target, stop);
+        result = copier.CopyAll(st);
+        *error = copier.Error();
+    };
+    char first = 0;
+    if (st.st_size == 0 && pread(source, &first, 1, 0) == 0) {
+        return CONTENT_COPIED;
+    }
+    if (IsQuick(st)) {
+        copy(false);
+    } else {
+        RunInBackground(copy);
+    }
+    return result;
+}
+
+int WriteOut(int file)
+{
+    int error = 0;
+    RunInBackground([&](const std::atomic<bool>&) { error = fdatasync(file) == 0 ? 0 : errno; });
+    return error;
+}

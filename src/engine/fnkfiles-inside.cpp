@@ -1,0 +1,143 @@
+#include "engine/fnkfiles-inside.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "core/fnkfiles-place.h"
+#include "core/fnkutil.h"
+
+namespace {
+
+constexpr int kPlaceOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+/// Whether an error of opening says that there is no directory to be had under that path.
+bool SaysNoDirectory(int error)
+{
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
+}
+
+/// Opens the deepest directory that there is on the way to target, or target itself if it is one.
+/// 0 or an errno.
+int OpenNearestDirectory(const std::string& target, Descriptor* directory)
+{
+    *directory = Descriptor(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
+    for (std::string path = target; !*directory && path != "/" && SaysNoDirectory(errno);) {
+        path = GetParentDirectory(WithoutSlash(path));
+        *directory = Descriptor(open(path.c_str(), kPlaceOnly));
+    }
+    return *directory ? 0 : errno;
+}
+
+/// Climbs to the root and looks for source on the way. 0 or an errno.
+int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
+{
+    struct stat st = {};
+    while (fstat(directory.Get(), &st) == 0) {
+        if (IsSameObject(st, source)) {
+            *is_below = true;
+            return 0;
+        }
+        Descriptor parent(openat(directory.Get(), "..", kPlaceOnly));
+        struct stat parent_st = {};
+        if (!parent || fstat(parent.Get(), &parent_st) != 0) {
+            return errno;
+        }
+        if (IsSameObject(st, parent_st)) {
+            return 0;
+        }
+        directory = std::move(parent);
+    }
+    return errno;
+}
+
+/// A field of the mount table, in which blanks and the like are octal numbers.
+std::string Unescape(const std::string& field)
+{
+    std::string text;
+    for (std::size_t i = 0; i < field.size(); ++i) {
+        if (field[i] == '\\' && i + 3 < field.size()) {
+            text += static_cast<char>(std::strtol(field.substr(i + 1, 3).c_str(), nullptr, 8));
+            i += 3;
+        } else {
+            text += field[i];
+        }
+    }
+    return text;
+}
+
+struct Mount {
+    std::string root;   ///< What of the file system is mounted, as a path in it.
+    std::string point;  ///< Where.
+};
+
+bool FindMount(std::uint64_t wanted, Mount* mount)
+{
+    std::ifstream table("/proc/self/mountinfo");
+    for (std::string line; std::getline(table, line);) {
+        std::istringstream fields(line);
+        std::uint64_t id = 0;
+        std::string parent;
+        std::string device;
+        if (fields >> id >> parent >> device >> mount->root >> mount->point && id == wanted) {
+            *mount = {Unescape(mount->root), Unescape(mount->point)};
+            return true;
+        }
+    }
+    return false;
+}
+
+/// The path of an open directory in its file system, with a "/" at its end; empty if unknown. A
+/// part of a file system that is mounted a second time is below directories there that climbing
+/// from it never meets.
+std::string PathInFileSystem(int directory)
+{
+    struct statx status = {};
+    char path[PATH_MAX] = {};
+    Mount mount;
+    if (statx(directory, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) != 0 ||
+        readlink(DescriptorPath(directory).c_str(), path, sizeof path - 1) <= 0 ||
+        !FindMount(status.stx_mnt_id, &mount)) {
+        return {};
+    }
+    const std::string point = WithSlash(mount.point);
+    const std::string full = WithSlash(path);
+    return full.starts_with(point) ? WithSlash(mount.root) + full.substr(point.size()) : std::string();
+}
+
+}  // namespace
+
+int LookInside(const std::string& target, const std::string& source, bool* is_inside)
+{
+    *is_inside = target.starts_with(WithSlash(source));
+    if (*is_inside) {
+        return 0;
+    }
+    Descriptor target_directory;
+    if (const int error = OpenNearestDirectory(target, &target_directory); error != 0) {
+        return error;
+    }
+    const Descriptor source_directory(open(WithoutSlash(source).c_str(), kPlaceOnly | O_NOFOLLOW));
+    struct stat target_st = {};
+    struct stat source_st = {};
+    if (!source_directory || fstat(target_directory.Get(), &target_st) != 0 ||
+        fstat(source_directory.Get(), &source_st) != 0) {
+        return errno;
+    }
+    bool is_told_by_paths = false;
+    if (target_st.st_dev == source_st.st_dev) {
+        const std::string inner_source = PathInFileSystem(source_directory.Get());
+        const std::string inner_target = PathInFileSystem(target_directory.Get());
+        is_told_by_paths = !inner_source.empty() && !inner_target.empty();
+        *is_inside = is_told_by_paths && inner_target.starts_with(inner_source);
+    }
+    const int error = *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
+    // From a directory that may not be searched there is no climbing.
+    return error == EACCES && is_told_by_paths ? 0 : error;
+}

@@ -1,7 +1,0 @@
-#pragma once
-// The main window, and what happens in it when a directory is chosen.
-
-#include <gtk/gtk.h>
-
-/// Builds the window, not shown, into the MainW record; null when the root cannot be read.
-GtkWidget* CreateMainWindow();

@@ -1,0 +1,136 @@
+#include "kit/fnkutil-view.h"
+
+#include "kit/fnkutil-widget.h"
+
+namespace {
+
+constexpr const char* kNameKey = "fennick-name";
+
+}  // namespace
+
+// A tree view whose only difference is that it names its accessible.
+struct FnkTreeView {
+    GtkTreeView parent_instance;
+};
+struct FnkTreeViewClass {
+    GtkTreeViewClass parent_class;
+};
+G_DEFINE_TYPE(FnkTreeView, fnk_tree_view, GTK_TYPE_TREE_VIEW)
+
+static AtkObject* fnk_tree_view_get_accessible(GtkWidget* widget)
+{
+    AtkObject* const accessible = GTK_WIDGET_CLASS(fnk_tree_view_parent_class)->get_accessible(widget);
+    if (accessible != nullptr && atk_object_get_name(accessible) == nullptr) {
+        atk_object_set_name(accessible, static_cast<const char*>(g_object_get_data(G_OBJECT(widget), kNameKey)));
+    }
+    return accessible;
+}
+
+static void fnk_tree_view_class_init(FnkTreeViewClass* klass)
+{
+    GTK_WIDGET_CLASS(klass)->get_accessible = fnk_tree_view_get_accessible;
+}
+
+static void fnk_tree_view_init(FnkTreeView*) {}
+
+static gboolean on_TreeView_button_press(GtkWidget* view, GdkEvent*, gpointer)
+{
+    GtkWidget* const window = gtk_widget_get_toplevel(view);
+    // A view that has been allowed the focus takes it by itself, and needs it for this very click.
+    if (GTK_IS_WINDOW(window) && !gtk_widget_get_can_focus(view)) {
+        ReleaseEntryFocus(window);
+    }
+    return FALSE;
+}
+
+GtkWidget* CreateTreeView(const char* accessible_name)
+{
+    auto* const view = static_cast<GtkWidget*>(g_object_new(fnk_tree_view_get_type(), nullptr));
+    g_object_set_data_full(G_OBJECT(view), kNameKey, g_strdup(accessible_name), g_free);
+    gtk_widget_set_can_focus(view, FALSE);
+    g_signal_connect(view, "button-press-event", G_CALLBACK(on_TreeView_button_press), nullptr);
+    gtk_widget_show(view);
+    return view;
+}
+
+namespace {
+
+/// Where the row is, in coordinates of the whole tree.
+GdkRectangle GetRowArea(GtkTreeView* view, GtkTreePath* path)
+{
+    GdkRectangle row;
+    gtk_tree_view_get_background_area(view, path, nullptr, &row);
+    gtk_tree_view_convert_bin_window_to_tree_coords(view, 0, row.y, nullptr, &row.y);
+    return row;
+}
+
+}  // namespace
+
+RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path)
+{
+    const GdkRectangle row = GetRowArea(view, path);
+    GdkRectangle visible;
+    gtk_tree_view_get_visible_rect(view, &visible);
+    const int bottom = row.y + row.height;
+    const int visible_bottom = visible.y + visible.height;
+    if (row.height <= 0 || bottom <= visible.y || row.y >= visible_bottom) {
+        return ROW_HIDDEN;
+    }
+    return row.y >= visible.y && bottom <= visible_bottom ? ROW_VISIBLE : ROW_PARTLY_VISIBLE;
+}
+
+void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment)
+{
+    const GdkRectangle row = GetRowArea(view, path);
+    GdkRectangle visible;
+    gtk_tree_view_get_visible_rect(view, &visible);
+    gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view)),
+                             row.y - alignment * (visible.height - row.height));
+}
+
+TreePath GetFirstVisiblePath(GtkTreeView* view)
+{
+    GtkTreePath* start = nullptr;
+    if (!gtk_tree_view_get_visible_range(view, &start, nullptr)) {
+        return nullptr;
+    }
+    TreePath first(start);
+    // Scrolled to the very edge of a row, the toolkit names the one above, which is out of view.
+    GtkTreePath* below = nullptr;
+    if (GetRowVisibility(view, start) == ROW_HIDDEN &&
+        gtk_tree_view_get_path_at_pos(view, 1, 1, &below, nullptr, nullptr, nullptr)) {
+        first.reset(below);
+    }
+    return first;
+}
+
+int GetTextWidth(GtkWidget* widget, const char* text)
+{
+    PangoLayout* const layout = gtk_widget_create_pango_layout(widget, text);
+    int width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width;
+}
+
+namespace {
+
+void on_View_style_updated(GtkWidget* view, gpointer cell)
+{
+    // Fonts that stand in for missing letters are often taller than the one that is asked for.
+    PangoLayout* const layout = gtk_widget_create_pango_layout(view, "\u00c1g\u65e5\u21b5\ufffd");
+    int text_height = 0;
+    int padding = 0;
+    pango_layout_get_pixel_size(layout, nullptr, &text_height);
+    g_object_unref(layout);
+    gtk_cell_renderer_get_padding(GTK_CELL_RENDERER(cell), nullptr, &padding);
+    gtk_cell_renderer_set_fixed_size(GTK_CELL_RENDERER(cell), -1, text_height + 2 * padding);
+}
+
+}  // namespace
+
+void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell)
+{
+    on_View_style_updated(view, cell);
+    g_signal_connect_object(view, "style-updated", G_CALLBACK(on_View_style_updated), cell, GConnectFlags());
+}

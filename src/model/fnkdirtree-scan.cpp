@@ -1,0 +1,61 @@
+#include "model/fnkdirtree-scan.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "core/fnkfiles-place.h"
+#include "core/fnkutil.h"
+
+namespace {
+
+/// room is how many bytes a name may have.
+bool IsEligible(int directory, const struct dirent& entry, std::size_t room)
+{
+    const char* const name = entry.d_name;
+    if (IsDotOrDotDot(name) || CheckFileName(name) == 0) {
+        return false;
+    }
+    return IsDirectoryEntry(directory, entry) && std::strlen(name) <= room;
+}
+
+std::size_t RoomBelow(std::size_t path_length)
+{
+    return path_length < kMaxPathBytes ? kMaxPathBytes - path_length - 1 : 0;
+}
+
+std::string FindFirstSubdirectory(int parent, const std::string& name, std::size_t room)
+{
+    const DirectoryStream stream = OpenDirectory({parent, name, name});
+    if (stream == nullptr) {
+        return {};
+    }
+    while (const struct dirent* const entry = readdir(stream.get())) {
+        if (IsEligible(dirfd(stream.get()), *entry, room)) {
+            return entry->d_name;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirectory>& found)
+{
+    const DirectoryStream stream(opendir(directory.c_str()));
+    if (stream == nullptr) {
+        return errno == EACCES ? SCAN_DONE : SCAN_FAILED;
+    }
+    const int descriptor = dirfd(stream.get());
+    const std::size_t length = WithSlash(directory).size();
+    while (const struct dirent* const entry = readdir(stream.get())) {
+        if (IsEligible(descriptor, *entry, RoomBelow(length))) {
+            const std::size_t room = RoomBelow(length + std::strlen(entry->d_name) + 1);
+            found.push_back({entry->d_name, FindFirstSubdirectory(descriptor, entry->d_name, room)});
+        }
+    }
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    return SCAN_DONE;
+}

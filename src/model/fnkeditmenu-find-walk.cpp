@@ -1,0 +1,172 @@
+#include "model/fnkeditmenu-find-walk.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cstring>
+#include <system_error>
+#include <thread>
+
+#include "core/fnkfiles-place.h"
+#include "core/fnkraii.h"
+#include "core/fnkutil.h"
+
+FoundTree::FoundTree(const std::string& top) : entries_{NewEntry(top, true)} {}
+
+FoundEntry FoundTree::NewEntry(const std::string& name, bool is_directory)
+{
+    const FoundEntry entry = {.name = names_.size(), .is_directory = is_directory};
+    names_.append(name.c_str(), name.size() + 1);
+    return entry;
+}
+
+/// Gives the children their places for good. Their own children have theirs already, and are told
+/// where their parent has come to stand; the top does not move.
+void FoundTree::AdoptChildren(FoundEntry& parent, std::vector<FoundEntry>& children)
+{
+    std::sort(children.begin(), children.end(), [this](const FoundEntry& one, const FoundEntry& other) {
+        return std::strcmp(Name(one), Name(other)) < 0;
+    });
+    parent.first_child = static_cast<std::uint32_t>(entries_.size());
+    parent.child_count = static_cast<std::uint32_t>(children.size());
+    for (const FoundEntry& child : children) {
+        const auto place = static_cast<std::uint32_t>(entries_.size());
+        for (std::uint32_t i = 0; i < child.child_count; ++i) {
+            entries_[child.first_child + i].parent = place;
+        }
+        entries_.push_back(child);
+    }
+}
+
+void FindProgress::Pass(const char* name)
+{
+    if (is_wanted_.load(std::memory_order_relaxed)) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        name_ = name;
+        is_wanted_ = false;
+    }
+}
+
+std::string FindProgress::PassedName()
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    is_wanted_ = true;
+    return name_;
+}
+
+/// Goes down by descriptor, so that a directory exchanged for a link under way leads nowhere else,
+/// and without recursion: how deep directories lie is for the disk to say, not for the stack.
+class FindWalk {
+public:
+    FindWalk(const FindRequest& request, FindProgress& progress)
+        : request_(request), progress_(progress), found_(request.StartPath)
+    {
+    }
+    FoundTree Run();
+
+private:
+    /// A directory that is being read.
+    struct Level {
+        std::string name;
+        struct stat st;
+        DirectoryStream stream;
+        std::vector<FoundEntry> kept;
+    };
+
+    bool Matches(const char* name) const { return MatchPattern(request_.Pattern, name); }
+    void Keep(const std::string& name, bool is_directory)
+    {
+        levels_.back().kept.push_back(found_.NewEntry(name, is_directory));
+    }
+    bool Enter(const Place& place);
+    void Leave();
+    void Visit(const struct dirent& entry);
+    void VisitDirectory(const std::string& name);
+
+    const FindRequest& request_;
+    FindProgress& progress_;
+    FoundTree found_;
+    std::vector<Level> levels_;  ///< From StartPath to where the walk is.
+};
+
+/// False for what cannot be read, and for a directory mounted inside itself.
+bool FindWalk::Enter(const Place& place)
+{
+    DirectoryStream stream = OpenDirectory(place);
+    struct stat st = {};
+    if (stream == nullptr || fstat(dirfd(stream.get()), &st) != 0 ||
+        std::any_of(levels_.begin(), levels_.end(), [&st](const Level& level) { return IsSameObject(level.st, st); })) {
+        return false;
+    }
+    levels_.push_back({place.name, st, std::move(stream), {}});
+    return true;
+}
+
+/// A directory counts if it matches or holds something that counts.
+void FindWalk::Leave()
+{
+    Level level = std::move(levels_.back());
+    levels_.pop_back();
+    if (levels_.empty()) {
+        found_.AdoptChildren(found_.entries_[FoundTree::kTop], level.kept);
+    } else if (!level.kept.empty() || Matches(level.name.c_str())) {
+        Keep(level.name, true);
+        found_.AdoptChildren(levels_.back().kept.back(), level.kept);
+    }
+}
+
+void FindWalk::VisitDirectory(const std::string& name)
+{
+    const bool is_entered = request_.SubDir && Enter({dirfd(levels_.back().stream.get()), name, name});
+    if (!is_entered && Matches(name.c_str())) {
+        Keep(name, true);
+    }
+}
+
+void FindWalk::Visit(const struct dirent& entry)
+{
+    if (IsDotOrDotDot(entry.d_name)) {
+        return;
+    }
+    progress_.Pass(entry.d_name);
+    if (IsDirectoryEntry(dirfd(levels_.back().stream.get()), entry)) {
+        VisitDirectory(entry.d_name);
+    } else if (Matches(entry.d_name)) {
+        Keep(entry.d_name, false);
+    }
+}
+
+FoundTree FindWalk::Run()
+{
+    // "/" has no name in its parent, but in itself.
+    const PathPlace start(request_.StartPath);
+    const std::string name = request_.StartPath == "/" ? "/" : start.Get().name;
+    Enter({start.Get().directory, name, request_.StartPath});
+    while (!levels_.empty()) {
+        const struct dirent* const entry = progress_.IsStopped() ? nullptr : readdir(levels_.back().stream.get());
+        if (entry != nullptr) {
+            Visit(*entry);
+        } else {
+            Leave();
+        }
+    }
+    return std::move(found_);
+}
+
+FoundTree FindFile(const FindRequest& request, FindProgress& progress)
+{
+    return FindWalk(request, progress).Run();
+}
+
+BackgroundSearch::BackgroundSearch(const FindRequest& request) : state_(std::make_shared<State>(request))
+{
+    const auto run = [state = state_] {
+        state->result = FindFile(state->request, state->progress);
+        state->is_done = true;
+    };
+    try {
+        std::thread(run).detach();
+    } catch (const std::system_error&) {
+        run();  // No thread to be had: better slow than not at all.
+    }
+}

@@ -1,0 +1,199 @@
+#include "panes/fnkdirtree-drag.h"
+
+#include <string>
+#include <utility>
+
+#include "core/fnktable.h"
+#include "panes/fnkdirtree-walk.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkdragdrop.h"
+
+namespace {
+
+constexpr int kEdge = 20;             ///< Pixels at the top and the bottom where the tree scrolls.
+constexpr guint kScrollEvery = 200;   ///< Milliseconds a row.
+constexpr guint kExpandAfter = 1000;  ///< Milliseconds on a node.
+
+void StopTimer(unsigned& timer)
+{
+    if (const unsigned id = std::exchange(timer, 0); id != 0) {
+        g_source_remove(id);
+    }
+}
+
+void StopTimers()
+{
+    StopTimer(pGTable->ScrollTimer);
+    StopTimer(pGTable->ExpandTimer);
+}
+
+/// The node at coordinates of the widget.
+OptionalNode NodeAt(GtkTreeView* tree, int x, int y)
+{
+    int bin_x = 0;
+    int bin_y = 0;
+    gtk_tree_view_convert_widget_to_bin_window_coords(tree, x, y, &bin_x, &bin_y);
+    GtkTreePath* found = nullptr;
+    if (!gtk_tree_view_get_path_at_pos(tree, bin_x, bin_y, &found, nullptr, nullptr, nullptr)) {
+        return std::nullopt;
+    }
+    const TreePath path(found);
+    GtkTreeIter node;
+    return gtk_tree_model_get_iter(gtk_tree_view_get_model(tree), &node, found) ? OptionalNode(node) : std::nullopt;
+}
+
+bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
+{
+    GtkTreeIter copy = node;
+    return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(tree), &copy);
+}
+
+/// Shows where a drop would go.
+void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
+{
+    if (!IsSelected(tree, node)) {
+        GtkTreeIter copy = node;
+        gtk_tree_selection_select_iter(gtk_tree_view_get_selection(tree), &copy);
+        StopTimer(pGTable->ExpandTimer);
+    }
+}
+
+// The timers hold no node: rows may come and go while they wait.
+
+/// Brings the row beside the one at that height to the edge; at the end of the tree it stops.
+gboolean ScrollBy(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
+{
+    if (pGTable == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
+    if (GtkTreeView* const tree = MainTree()) {
+        const TreeWalk walk(tree);
+        const OptionalNode node = NodeAt(tree, 0, GPOINTER_TO_INT(y));
+        if (const OptionalNode beside = node ? (walk.*next)(*node) : std::nullopt) {
+            ScrollRowTo(tree, walk.PathOf(*beside).get(), alignment);
+            SelectTarget(tree, NodeAt(tree, 0, GPOINTER_TO_INT(y)).value_or(*beside));
+            return G_SOURCE_CONTINUE;
+        }
+    }
+    pGTable->ScrollTimer = 0;
+    return G_SOURCE_REMOVE;
+}
+
+gboolean TreeUpScroll(gpointer y)
+{
+    return ScrollBy(&TreeWalk::Above, y, 0.0);
+}
+
+gboolean TreeDownScroll(gpointer y)
+{
+    return ScrollBy(&TreeWalk::Below, y, 1.0);
+}
+
+gboolean TreeExpand(gpointer data)
+{
+    if (pGTable == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
+    pGTable->ExpandTimer = 0;
+    std::string path = static_cast<const char*>(data);
+    GtkTreeIter node;
+    if (MainTree() != nullptr && GetPathNode(MainTree(), path, &node)) {
+        gtk_tree_view_expand_row(MainTree(), TreeWalk(MainTree()).PathOf(node).get(), FALSE);
+    }
+    return G_SOURCE_REMOVE;
+}
+
+/// Starts scrolling near an edge.
+void UpdateScrolling(GtkWidget* tree, int y)
+{
+    StopTimer(pGTable->ScrollTimer);
+    if (y <= kEdge) {
+        pGTable->ScrollTimer = g_timeout_add(kScrollEvery, TreeUpScroll, GINT_TO_POINTER(y));
+    } else if (y > gtk_widget_get_allocated_height(tree) - kEdge) {
+        pGTable->ScrollTimer = g_timeout_add(kScrollEvery, TreeDownScroll, GINT_TO_POINTER(y));
+    }
+}
+
+void HoverOver(GtkTreeView* tree, const GtkTreeIter& node)
+{
+    SelectTarget(tree, node);
+    const TreeWalk walk(tree);
+    if (walk.HasChildren(node) && !walk.IsExpanded(node) && pGTable->ExpandTimer == 0) {
+        pGTable->ExpandTimer = g_timeout_add_full(G_PRIORITY_DEFAULT, kExpandAfter, TreeExpand,
+                                                  g_strdup(GetNodePath(tree, node).c_str()), g_free);
+    }
+}
+
+gboolean on_DirTree_drag_motion(GtkWidget* widget, GdkDragContext* context, int x, int y, guint time, gpointer)
+{
+    if (pGTable == nullptr) {
+        return FALSE;
+    }
+    gdk_drag_status(context, gdk_drag_context_get_suggested_action(context), time);
+    DisconnectTreeSelectSignal();
+    GtkTreeView* const tree = GTK_TREE_VIEW(widget);
+    const OptionalNode node = NodeAt(tree, x, y);
+    if (!node) {
+        return TRUE;
+    }
+    UpdateScrolling(widget, y);
+    if (pGTable->ScrollTimer != 0 && pGTable->ExpandTimer != 0) {
+        StopTimer(pGTable->ExpandTimer);
+        return TRUE;
+    }
+    HoverOver(tree, *node);
+    return TRUE;
+}
+
+void on_DirTree_drag_leave(GtkWidget*, GdkDragContext*, guint, gpointer)
+{
+    if (pGTable != nullptr) {
+        StopTimers();
+        ConnectTreeSelectSignal();
+    }
+}
+
+void on_DirTree_destroy(GtkWidget*, gpointer)
+{
+    if (pGTable != nullptr) {
+        StopTimers();
+    }
+}
+
+std::string PathOfNode(GtkTreeView* tree, GtkTreePath* path)
+{
+    GtkTreeIter node;
+    return gtk_tree_model_get_iter(gtk_tree_view_get_model(tree), &node, path) ? GetNodePath(tree, node)
+                                                                               : std::string();
+}
+
+/// Pressing the button that selects has entered the directory already; with the other one the
+/// directory under the pointer is entered first, so that what is dragged is what is shown.
+std::vector<std::string> TakeDirectory(GtkTreeView* tree, GtkTreePath* pressed)
+{
+    GtkTreeIter node;
+    if (gtk_tree_model_get_iter(gtk_tree_view_get_model(tree), &node, pressed) && !IsSelected(tree, node)) {
+        SetTreeSelectNode(tree, node);
+    }
+    std::string path;
+    return GetTreeSelect(tree, nullptr, &path) ? std::vector{path} : std::vector<std::string>();
+}
+
+std::string FindTreeDestination(GtkTreeView* tree, int x, int y)
+{
+    const OptionalNode node = NodeAt(tree, x, y);
+    return node ? GetNodePath(tree, *node) : std::string();
+}
+
+constexpr DragPane kTreePane = {PathOfNode, TakeDirectory, FindTreeDestination, ConnectTreeSelectSignal};
+
+}  // namespace
+
+void ConnectTreeDrag(GtkTreeView* tree)
+{
+    // First, as the one that all panes have takes the signal.
+    g_signal_connect(tree, "drag-motion", G_CALLBACK(on_DirTree_drag_motion), nullptr);
+    ConnectDragPane(tree, kTreePane);
+    g_signal_connect(tree, "drag-leave", G_CALLBACK(on_DirTree_drag_leave), nullptr);
+    g_signal_connect(tree, "destroy", G_CALLBACK(on_DirTree_destroy), nullptr);
+}

@@ -1,0 +1,174 @@
+#include "panes/fnkdirtree-nodes.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "core/fnkraii.h"
+#include "core/fnkutil.h"
+
+namespace {
+
+GtkTreeStore* StoreOf(GtkTreeView* tree)
+{
+    return GTK_TREE_STORE(gtk_tree_view_get_model(tree));
+}
+
+/// Inserts a node behind the first so many children of parent. The store counts its way there.
+GtkTreeIter InsertNode(GtkTreeStore* store, GtkTreeIter* parent, std::size_t position, const std::string& name)
+{
+    GtkTreeIter node;
+    gtk_tree_store_insert_with_values(store, &node, parent, static_cast<int>(position), kNodeNameColumn, name.c_str(),
+                                      -1);
+    return node;
+}
+
+struct ExistingChild {
+    std::string name;
+    GtkTreeIter node;
+};
+
+std::vector<ExistingChild> ListChildren(GtkTreeModel* model, GtkTreeIter* parent)
+{
+    std::vector<ExistingChild> children;
+    GtkTreeIter child;
+    for (gboolean more = gtk_tree_model_iter_children(model, &child, parent); more;
+         more = gtk_tree_model_iter_next(model, &child)) {
+        children.push_back({GetNodeName(model, child), child});
+    }
+    return children;
+}
+
+void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& name)
+{
+    if (name.empty()) {
+        return;
+    }
+    const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(store), parent);
+    const auto place =
+        std::lower_bound(children.begin(), children.end(), name,
+                         [](const ExistingChild& child, const std::string& text) { return child.name < text; });
+    if (place == children.end() || place->name != name) {
+        InsertNode(store, parent, static_cast<std::size_t>(place - children.begin()), name);
+    }
+}
+
+/// Merges found, which is sorted, into the children of parent. It goes backwards, so that a new
+/// node has only old ones before it, usually none, to be counted.
+void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<Subdirectory>& found)
+{
+    std::vector<ExistingChild> existing = ListChildren(GTK_TREE_MODEL(store), parent);
+    for (auto child = found.rbegin(); child != found.rend(); ++child) {
+        while (!existing.empty() && existing.back().name > child->name) {
+            existing.pop_back();
+        }
+        if (!existing.empty() && existing.back().name == child->name) {
+            AddEarlyChild(store, &existing.back().node, child->early_child);
+            existing.pop_back();
+            continue;
+        }
+        GtkTreeIter node = InsertNode(store, parent, existing.size(), child->name);
+        if (!child->early_child.empty()) {
+            InsertNode(store, &node, 0, child->early_child);
+        }
+    }
+}
+
+}  // namespace
+
+GtkTreeStore* CreateNodeStore()
+{
+    GtkTreeStore* const store = gtk_tree_store_new(1, G_TYPE_STRING);
+    InsertNode(store, nullptr, 0, pGTable->RootDir);
+    return store;
+}
+
+std::string GetNodeName(GtkTreeModel* model, const GtkTreeIter& node)
+{
+    GtkTreeIter iter = node;
+    char* name = nullptr;
+    gtk_tree_model_get(model, &iter, kNodeNameColumn, &name, -1);
+    const GlibPointer<char> owner(name);
+    return name != nullptr ? name : "";
+}
+
+ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node)
+{
+    std::vector<Subdirectory> found;
+    const ScanResult result = ScanSubdirectories(GetNodePath(tree, *node), found);
+    if (result == SCAN_DONE) {
+        MergeChildren(StoreOf(tree), node, found);
+    }
+    return result;
+}
+
+bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node)
+{
+    std::string parent = GetParentDirectory(path);
+    const std::string name = GetLastPath(path);
+    GtkTreeIter parent_node;
+    if (name.empty() || CheckChildDirectory(path) != 0 || !GetPathNode(tree, parent, &parent_node)) {
+        return false;
+    }
+    const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(StoreOf(tree)), &parent_node);
+    const auto next = std::find_if(children.begin(), children.end(),
+                                   [&name](const ExistingChild& child) { return child.name > name; });
+    *node = InsertNode(StoreOf(tree), &parent_node, static_cast<std::size_t>(next - children.begin()), name);
+    return true;
+}
+
+std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node)
+{
+    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
+    std::string path = WithSlash(GetNodeName(model, node));
+    GtkTreeIter child = node;
+    GtkTreeIter parent;
+    while (gtk_tree_model_iter_parent(model, &parent, &child)) {
+        path.insert(0, WithSlash(GetNodeName(model, parent)));
+        child = parent;
+    }
+    return path;
+}
+
+bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& name)
+{
+    GtkTreeIter child;
+    for (gboolean more = gtk_tree_model_iter_children(model, &child, node); more;
+         more = gtk_tree_model_iter_next(model, &child)) {
+        if (GetNodeName(model, child) == name) {
+            *node = child;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node)
+{
+    if (!IsDirectory(path) || CheckChildDirectory(path) != 0) {
+        return false;
+    }
+    path = WithSlash(path);
+    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
+    GtkTreeIter reached;
+    if (!gtk_tree_model_get_iter_first(model, &reached)) {
+        return false;
+    }
+    const char* component = path.c_str() + pGTable->RootDir.size();
+    for (const char* slash = CharNext(component, '/'); slash != nullptr; slash = CharNext(component, '/')) {
+        if (!FindChildNode(model, &reached, std::string(component, slash))) {
+            return false;
+        }
+        component = slash + 1;
+    }
+    *node = reached;
+    return true;
+}
+
+void RemoveChildren(GtkTreeView* tree, GtkTreeIter* node)
+{
+    GtkTreeStore* const store = StoreOf(tree);
+    GtkTreeIter child;
+    while (gtk_tree_model_iter_children(GTK_TREE_MODEL(store), &child, node)) {
+        gtk_tree_store_remove(store, &child);
+    }
+}

@@ -1,0 +1,128 @@
+#include "panes/fnkdirtree-view.h"
+
+#include <algorithm>
+
+#include "core/fnkutil.h"
+#include "kit/fnkutil-picture.h"
+#include "kit/fnkutil-view.h"
+#include "panes/fnkdirtree-nodes.h"
+#include "panes/fnkdirtree-walk.h"
+
+namespace {
+
+constexpr int kIconSpacing = 5;
+/// Insets of the cells, and a little air behind the name.
+constexpr int kCellInsets = 10;
+constexpr const char* kFitKey = "fennick-fit";
+
+int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
+{
+    GdkRectangle cell;
+    gtk_tree_view_get_cell_area(tree, walk.PathOf(node).get(), gtk_tree_view_get_column(tree, 0), &cell);
+    const std::string shown = DisplayText(GetNodeName(gtk_tree_view_get_model(tree), node));
+    const int icon_width =
+        std::max(gdk_pixbuf_get_width(pGTable->OpenDirPixmap), gdk_pixbuf_get_width(pGTable->CloseDirPixmap));
+    return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
+}
+
+/// Makes the column as wide as the widest row on the screen needs. All rows are of one height and
+/// the column of a fixed width, or the toolkit would measure every row that is added, whether it
+/// is ever seen or not: a second for ten thousand of them.
+gboolean FitTreeColumn(gpointer data)
+{
+    GtkTreeView* const tree = GTK_TREE_VIEW(data);
+    g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
+    if (pGTable == nullptr) {
+        return G_SOURCE_REMOVE;
+    }
+    const TreeWalk walk(tree);
+    const std::optional<TreeWalk::Page> page = walk.VisiblePage();
+    if (!page) {
+        return G_SOURCE_REMOVE;
+    }
+    int width = 1;
+    OptionalNode node = page->top;
+    // One more than the page has: the last may be visible in part.
+    for (int step = -1; step <= page->steps && node; ++step, node = walk.Below(*node)) {
+        width = std::max(width, NodeWidth(tree, walk, *node));
+    }
+    gtk_tree_view_column_set_fixed_width(gtk_tree_view_get_column(tree, 0), width);
+    return G_SOURCE_REMOVE;
+}
+
+void StopFitting(GtkWidget* tree, gpointer)
+{
+    if (const guint source = GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(tree), kFitKey)); source != 0) {
+        g_source_remove(source);
+        g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
+    }
+}
+
+/// Connected to all that changes what is on the screen; fits once before the next picture.
+void QueueFit(GtkWidget* tree)
+{
+    StopFitting(tree, nullptr);
+    const guint source = g_idle_add_full(GTK_PRIORITY_RESIZE + 1, FitTreeColumn, tree, nullptr);
+    g_object_set_data(G_OBJECT(tree), kFitKey, GUINT_TO_POINTER(source));
+}
+
+void FitToContent(GtkWidget* scroll, GtkTreeView* tree)
+{
+    GtkAdjustment* const vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
+    // Its bounds change with every row that comes or goes, its value with the scrolling.
+    g_signal_connect_object(vertical, "changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
+    g_signal_connect_object(vertical, "value-changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
+    g_signal_connect(tree, "row-expanded", G_CALLBACK(QueueFit), nullptr);
+    g_signal_connect(tree, "row-collapsed", G_CALLBACK(QueueFit), nullptr);
+    g_signal_connect(tree, "destroy", G_CALLBACK(StopFitting), nullptr);
+}
+
+void DrawName(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* node, gpointer)
+{
+    g_object_set(cell, "text", DisplayText(GetNodeName(model, *node)).c_str(), nullptr);
+}
+
+void DrawFolder(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel*, GtkTreeIter*, gpointer)
+{
+    GtkWidget* const tree = gtk_tree_view_column_get_tree_view(column);
+    gboolean is_expanded = FALSE;
+    g_object_get(cell, "is-expanded", &is_expanded, nullptr);
+    g_object_set(cell, "surface", is_expanded ? OpenFolder(tree) : ClosedFolder(tree), nullptr);
+}
+
+void AddTreeColumn(GtkTreeView* tree)
+{
+    GtkTreeViewColumn* const column = gtk_tree_view_column_new();
+    GtkCellRenderer* const icon = gtk_cell_renderer_pixbuf_new();
+    gtk_tree_view_column_pack_start(column, icon, FALSE);
+    gtk_tree_view_column_set_cell_data_func(column, icon, DrawFolder, nullptr, nullptr);
+    if (gtk_tree_model_get_n_columns(gtk_tree_view_get_model(tree)) > kNodeDirectoryColumn) {
+        gtk_tree_view_column_add_attribute(column, icon, "visible", kNodeDirectoryColumn);
+    }
+    GtkCellRenderer* const text = gtk_cell_renderer_text_new();
+    g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
+    KeepRowHeight(GTK_WIDGET(tree), text);
+    gtk_tree_view_column_pack_start(column, text, TRUE);
+    gtk_tree_view_column_set_cell_data_func(column, text, DrawName, nullptr, nullptr);
+    gtk_tree_view_column_set_spacing(column, kIconSpacing);
+    gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+    gtk_tree_view_append_column(tree, column);
+}
+
+}  // namespace
+
+GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name)
+{
+    GtkWidget* const widget = CreateTreeView(accessible_name);
+    GtkTreeView* const tree = GTK_TREE_VIEW(widget);
+    gtk_tree_view_set_model(tree, nodes);
+    gtk_tree_view_set_headers_visible(tree, FALSE);
+    gtk_tree_view_set_enable_tree_lines(tree, TRUE);
+    gtk_tree_view_set_enable_search(tree, FALSE);
+    gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree), GTK_SELECTION_BROWSE);
+    AddTreeColumn(tree);
+    gtk_tree_view_set_fixed_height_mode(tree, TRUE);
+    gtk_container_add(GTK_CONTAINER(scroll), widget);
+    FitToContent(scroll, tree);
+    return tree;
+}

@@ -1,0 +1,229 @@
+#include "panes/fnkdragdrop.h"
+
+#include <utility>
+
+#include "core/fnktable.h"
+#include "kit/fnkutil-picture.h"
+#include "kit/fnkutil-view.h"
+#include "model/fnkfiles-dragtext.h"
+
+int (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination) = nullptr;
+
+namespace {
+
+enum TargetInfo : guint { TARGET_TEXT = 0, TARGET_URIS = 1 };
+
+constexpr GdkDragAction kActions = static_cast<GdkDragAction>(GDK_ACTION_COPY | GDK_ACTION_MOVE);
+
+char text_plain[] = "text/plain";
+char text_uri_list[] = "text/uri-list";
+
+/// The first that both sides know is taken, by the order of the target: a source that offers both
+/// may give its URIs, line ends and all, as text.
+constexpr GtkTargetEntry kOffered[] = {{text_plain, 0, TARGET_TEXT}, {text_uri_list, 0, TARGET_URIS}};
+constexpr GtkTargetEntry kTaken[] = {{text_uri_list, 0, TARGET_URIS}, {text_plain, 0, TARGET_TEXT}};
+
+/// A button that is down on a row, and no drag yet.
+struct Press {
+    GtkTreeView* view = nullptr;  ///< Null while no button is down.
+    guint button = 0;
+    int x = 0;
+    int y = 0;
+    TreePath row;
+    std::string path;  ///< What the row stood for then. The rows may change under a button that is held.
+};
+Press press;
+std::vector<std::string> dragged_items;
+
+const DragPane& PaneOf(gpointer data)
+{
+    return *static_cast<const DragPane*>(data);
+}
+
+gboolean on_Pane_button_press(GtkWidget* widget, GdkEventButton* event, gpointer data)
+{
+    GtkTreeView* const view = GTK_TREE_VIEW(widget);
+    GtkTreePath* row = nullptr;
+    press = {};
+    if (event->type == GDK_BUTTON_PRESS &&
+        (event->button == GDK_BUTTON_PRIMARY || event->button == GDK_BUTTON_SECONDARY) &&
+        event->window == gtk_tree_view_get_bin_window(view) &&
+        gtk_tree_view_get_path_at_pos(view, static_cast<int>(event->x), static_cast<int>(event->y), &row, nullptr,
+                                      nullptr, nullptr)) {
+        press = {view,
+                 event->button,
+                 static_cast<int>(event->x),
+                 static_cast<int>(event->y),
+                 TreePath(row),
+                 PaneOf(data).PathOfRow(view, row)};
+    }
+    return FALSE;
+}
+
+gboolean on_Pane_button_release(GtkWidget*, GdkEventButton*, gpointer)
+{
+    press = {};
+    return FALSE;
+}
+
+/// False when the pointer cannot be had, as while another program holds it.
+bool BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
+{
+    GtkTargetList* const targets = gtk_target_list_new(kOffered, G_N_ELEMENTS(kOffered));
+    int x = 0;
+    int y = 0;
+    gtk_tree_view_convert_bin_window_to_widget_coords(start.view, start.x, start.y, &x, &y);
+    GdkDragContext* const context =
+        gtk_drag_begin_with_coordinates(widget, targets, kActions, static_cast<int>(start.button), event, x, y);
+    gtk_target_list_unref(targets);
+    if (context != nullptr) {
+        gtk_drag_set_icon_surface(context, ClosedFolder(widget));
+    }
+    return context != nullptr;
+}
+
+void EndDrag(const DragPane& pane)
+{
+    dragged_items.clear();
+    if (pGTable != nullptr && pane.Ended != nullptr) {
+        pane.Ended();
+    }
+}
+
+/// A dialog that a double click opens gets the release in the pane's stead.
+bool IsHeld(guint button, guint state)
+{
+    return (state & (button == GDK_BUTTON_PRIMARY ? GDK_BUTTON1_MASK : GDK_BUTTON3_MASK)) != 0;
+}
+
+gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointer data)
+{
+    if (press.view != nullptr && !IsHeld(press.button, event->state)) {
+        press = {};
+    }
+    if (pGTable == nullptr || press.view != GTK_TREE_VIEW(widget) ||
+        event->window != gtk_tree_view_get_bin_window(press.view) ||
+        !gtk_drag_check_threshold(widget, press.x, press.y, static_cast<int>(event->x), static_cast<int>(event->y))) {
+        return FALSE;
+    }
+    const Press start = std::exchange(press, {});
+    const DragPane& pane = PaneOf(data);
+    if (start.path.empty() || pane.PathOfRow(start.view, start.row.get()) != start.path) {
+        return TRUE;
+    }
+    dragged_items = pane.TakeItems(start.view, start.row.get());
+    if (!dragged_items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
+        EndDrag(pane);  // The toolkit tells of no end where there was no begin.
+    }
+    return TRUE;
+}
+
+void on_Pane_drag_data_get(GtkWidget*, GdkDragContext*, GtkSelectionData* data, guint info, guint, gpointer)
+{
+    constexpr int kBitsPerUnit = 8;
+    if (dragged_items.empty()) {
+        return;
+    }
+    const std::string text = info == TARGET_URIS ? MakeUriList(dragged_items) : MakeDragText(dragged_items);
+    gtk_selection_data_set(data, gtk_selection_data_get_target(data), kBitsPerUnit,
+                           reinterpret_cast<const guchar*>(text.data()), static_cast<int>(text.size()));
+}
+
+void on_Pane_drag_end(GtkWidget*, GdkDragContext*, gpointer data)
+{
+    EndDrag(PaneOf(data));
+}
+
+/// A drop that has been asked for its data.
+std::string drop_destination;
+
+/// The toolkit has answered already; its view would look for a row of its own kind to drop on.
+gboolean on_Pane_drag_motion(GtkWidget*, GdkDragContext*, int, int, guint, gpointer)
+{
+    return TRUE;
+}
+
+/// While a command or a dialog runs, nothing else starts.
+bool MayStart()
+{
+    return pGTable != nullptr && gtk_grab_get_current() == nullptr;
+}
+
+gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, int y, guint time, gpointer data)
+{
+    const GdkAtom target = gtk_drag_dest_find_target(widget, context, nullptr);
+    if (target == GDK_NONE || !MayStart()) {
+        return FALSE;
+    }
+    drop_destination = PaneOf(data).FindDestination(GTK_TREE_VIEW(widget), x, y);
+    gtk_drag_get_data(widget, context, target, time);
+    return TRUE;
+}
+
+std::vector<std::string> ReadItems(GtkSelectionData* data, guint info)
+{
+    constexpr int kBitsPerUnit = 8;
+    const int length = gtk_selection_data_get_length(data);
+    if (length <= 0 || gtk_selection_data_get_format(data) != kBitsPerUnit) {
+        return {};
+    }
+    const std::string_view text(reinterpret_cast<const char*>(gtk_selection_data_get_data(data)),
+                                static_cast<std::size_t>(length));
+    return info == TARGET_URIS ? SplitUriList(text) : SplitDragText(text);
+}
+
+/// What was dropped, until the toolkit is done with its own part.
+struct Drop {
+    GdkDragContext* context;
+    std::vector<std::string> items;
+    std::string destination;
+    guint time;
+};
+
+/// The popup and the command run loops of their own, for which there is no room inside the
+/// toolkit's handling of the data. Since the drop, for which other programs may take their time to
+/// send the data, something else may have started.
+gboolean CarryOut(gpointer data)
+{
+    auto* const drop = static_cast<Drop*>(data);
+    const bool is_done = MayStart() && OnFilesDropped != nullptr && !drop->items.empty() &&
+                         !drop->destination.empty() && OnFilesDropped(drop->items, drop->destination) == 0;
+    // The engine has done what a move does; the source has nothing to delete.
+    gtk_drag_finish(drop->context, is_done, FALSE, drop->time);
+    return G_SOURCE_REMOVE;
+}
+
+void FreeDrop(gpointer data)
+{
+    auto* const drop = static_cast<Drop*>(data);
+    g_object_unref(drop->context);
+    delete drop;
+}
+
+void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int, int, GtkSelectionData* data,
+                                guint info, guint time, gpointer)
+{
+    g_signal_stop_emission_by_name(widget, "drag-data-received");  // The view takes rows only.
+    auto* const drop = new Drop{GDK_DRAG_CONTEXT(g_object_ref(context)), ReadItems(data, info),
+                                std::exchange(drop_destination, {}), time};
+    g_idle_add_full(G_PRIORITY_DEFAULT, CarryOut, drop, FreeDrop);
+}
+
+}  // namespace
+
+void ConnectDragPane(GtkTreeView* view, const DragPane& pane)
+{
+    GtkWidget* const widget = GTK_WIDGET(view);
+    gpointer const data = const_cast<DragPane*>(&pane);
+    // The toolkit answers motion and shows the frame; dropping is done here, once.
+    gtk_drag_dest_set(widget, static_cast<GtkDestDefaults>(GTK_DEST_DEFAULT_MOTION | GTK_DEST_DEFAULT_HIGHLIGHT),
+                      kTaken, G_N_ELEMENTS(kTaken), kActions);
+    g_signal_connect(widget, "button-press-event", G_CALLBACK(on_Pane_button_press), data);
+    g_signal_connect(widget, "button-release-event", G_CALLBACK(on_Pane_button_release), data);
+    g_signal_connect(widget, "motion-notify-event", G_CALLBACK(on_Pane_motion_notify), data);
+    g_signal_connect(widget, "drag-data-get", G_CALLBACK(on_Pane_drag_data_get), data);
+    g_signal_connect(widget, "drag-end", G_CALLBACK(on_Pane_drag_end), data);
+    g_signal_connect(widget, "drag-motion", G_CALLBACK(on_Pane_drag_motion), data);
+    g_signal_connect(widget, "drag-drop", G_CALLBACK(on_Pane_drag_drop), data);
+    g_signal_connect(widget, "drag-data-received", G_CALLBACK(on_Pane_drag_data_received), data);
+}

@@ -1,0 +1,115 @@
+#include "panes/fnkfilelist-drag.h"
+
+#include <utility>
+
+#include "core/fnktable.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-view.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkdragdrop.h"
+#include "panes/fnkfilelist-selection.h"
+
+namespace {
+
+int RowAt(GtkTreeView* list, const GdkEventButton* event)
+{
+    GtkTreePath* path = nullptr;
+    if (event->window != gtk_tree_view_get_bin_window(list) ||
+        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &path, nullptr,
+                                       nullptr, nullptr)) {
+        return -1;
+    }
+    const TreePath owner(path);
+    return gtk_tree_path_get_indices(path)[0];
+}
+
+bool IsSelected(int row)
+{
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    return gtk_tree_selection_path_is_selected(gtk_tree_view_get_selection(MainList()), path.get());
+}
+
+void SelectOnly(int row)
+{
+    const ListSelectionBatch batch;
+    UnselectAllListRows();
+    SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
+}
+
+/// Holds back a plain press on one of several selected rows. It may start a drag of all of them, so
+/// the row is selected alone only when the button comes up without one. The toolkit does not see a
+/// double click whose first press was held.
+gboolean on_FileList_hold_press(GtkWidget* widget, GdkEventButton* event, gpointer)
+{
+    if (pMainW == nullptr) {
+        return FALSE;
+    }
+    GtkTreeView* const list = GTK_TREE_VIEW(widget);
+    auto& [before, last] = pMainW->HeldRows;
+    const int row = RowAt(list, event);
+    pMainW->HeldRow = -1;
+    if (event->type == GDK_2BUTTON_PRESS && row >= 0 && row == before) {
+        const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+        gtk_tree_view_row_activated(list, path.get(), gtk_tree_view_get_column(list, 0));
+        return TRUE;
+    }
+    constexpr guint kModifiers = GDK_SHIFT_MASK | GDK_CONTROL_MASK;
+    const bool is_plain =
+        event->type == GDK_BUTTON_PRESS && event->button == GDK_BUTTON_PRIMARY && (event->state & kModifiers) == 0;
+    if (is_plain && row >= 0 && IsSelected(row) && CountListSelection() > 1) {
+        pMainW->HeldRow = row;
+    }
+    if (event->type == GDK_BUTTON_PRESS) {
+        before = std::exchange(last, pMainW->HeldRow);
+    }
+    return pMainW->HeldRow >= 0;
+}
+
+gboolean on_FileList_release_held(GtkWidget*, GdkEventButton*, gpointer)
+{
+    const int row = pMainW != nullptr ? std::exchange(pMainW->HeldRow, -1) : -1;
+    if (row >= 0 && row < static_cast<int>(ListRows().Count())) {
+        SelectOnly(row);
+    }
+    return FALSE;
+}
+
+std::string PathOfListRow(GtkTreeView*, GtkTreePath* path)
+{
+    const auto row = static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]);
+    return row < ListRows().Count() && !ListRows().IsParentRow(row) ? ListRowPath(row) : std::string();
+}
+
+std::vector<std::string> TakeSelectedFiles(GtkTreeView*, GtkTreePath* pressed)
+{
+    pMainW->HeldRow = -1;
+    const int row = gtk_tree_path_get_indices(pressed)[0];
+    if (!IsSelected(row)) {
+        SelectOnly(row);  // The button that opens no selection still drags what is under it.
+    }
+    std::vector<std::string> paths;
+    for (const std::size_t index : ListSelection()) {
+        paths.push_back(ListRowPath(index));
+    }
+    // On its way over the tree the drag moves the selection there, which is not to be followed.
+    DisconnectTreeSelectSignal();
+    return paths;
+}
+
+std::string FindListDestination(GtkTreeView*, int, int)
+{
+    return pGTable->CurrentDir;
+}
+
+constexpr DragPane kListPane = {PathOfListRow, TakeSelectedFiles, FindListDestination, ConnectTreeSelectSignal};
+
+}  // namespace
+
+void ConnectListDrag(GtkTreeView* list)
+{
+    pMainW->HeldRow = -1;
+    pMainW->HeldRows = {-1, -1};
+    ConnectDragPane(list, kListPane);
+    g_signal_connect(list, "button-press-event", G_CALLBACK(on_FileList_hold_press), nullptr);
+    g_signal_connect(list, "button-release-event", G_CALLBACK(on_FileList_release_held), nullptr);
+}

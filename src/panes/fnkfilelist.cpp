@@ -1,0 +1,279 @@
+#include "panes/fnkfilelist.h"
+
+#include <algorithm>
+
+#include "core/fnkstring.h"
+#include "core/fnkutil.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkmessage-box.h"
+#include "kit/fnkutil-view.h"
+#include "kit/fnkutil-widget.h"
+#include "model/fnkfilelist-sort.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist-columns.h"
+#include "panes/fnkfilelist-drag.h"
+#include "panes/fnkfilelist-model.h"
+
+namespace {
+
+constexpr int kScrollBorder = 2;
+
+void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
+{
+    if (pGTable != nullptr) {
+        ListSelectionBatch batch;
+        batch.MarkChanged();
+    }
+}
+
+/// Whether a screen reader may have been told of the rows. The toolkit makes that class with its
+/// first object.
+bool HasAccessibleRows()
+{
+    return g_type_class_peek(g_type_from_name("GtkTreeViewAccessible")) != nullptr;
+}
+
+void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
+{
+    if (pGTable != nullptr) {
+        ActivateListRow(static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]));
+    }
+}
+
+int AnchorFor(int row)
+{
+    if (pMainW->ListAnchor < 0) {
+        const std::vector<std::size_t> selected = ListSelection();
+        pMainW->ListAnchor = selected.empty() ? row : static_cast<int>(selected.front());
+    }
+    return pMainW->ListAnchor;
+}
+
+void ToggleRow(int row)
+{
+    GtkTreeSelection* const selection = gtk_tree_view_get_selection(MainList());
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    if (gtk_tree_selection_path_is_selected(selection, path.get())) {
+        gtk_tree_selection_unselect_path(selection, path.get());
+    } else {
+        gtk_tree_selection_select_path(selection, path.get());
+    }
+}
+
+/// Clicks with Control and Shift: the toolkit serves them only in a view that has the focus, and
+/// this one never has. Plain clicks are left to it.
+gboolean on_FileList_button_press(GtkWidget* widget, GdkEventButton* event, gpointer)
+{
+    GtkTreeView* const list = GTK_TREE_VIEW(widget);
+    GtkTreePath* clicked = nullptr;
+    if (pGTable == nullptr || event->button != GDK_BUTTON_PRIMARY || event->type != GDK_BUTTON_PRESS ||
+        event->window != gtk_tree_view_get_bin_window(list) ||
+        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &clicked, nullptr,
+                                       nullptr, nullptr)) {
+        return FALSE;
+    }
+    const TreePath path(clicked);
+    const int row = gtk_tree_path_get_indices(clicked)[0];
+    const bool toggles = (event->state & GDK_CONTROL_MASK) != 0;
+    if ((event->state & GDK_SHIFT_MASK) != 0) {
+        const ListSelectionBatch batch;
+        const int anchor = AnchorFor(row);
+        if (!toggles) {
+            UnselectAllListRows();
+        }
+        SelectListRows(static_cast<std::size_t>(std::min(anchor, row)),
+                       static_cast<std::size_t>(std::max(anchor, row)));
+        pMainW->ListAnchor = anchor;
+        return TRUE;
+    }
+    pMainW->ListAnchor = row;
+    if (toggles) {
+        ToggleRow(row);
+    }
+    return toggles;
+}
+
+GtkTreeView* NewListView()
+{
+    GtkWidget* const widget = CreateTreeView(_("File list"));
+    GtkTreeView* const list = GTK_TREE_VIEW(widget);
+    AttachListModel(list, NewListModel());
+    gtk_tree_view_set_enable_search(list, FALSE);
+    AppendListColumns(list, on_FileList_click_column);
+    gtk_tree_view_set_fixed_height_mode(list, TRUE);
+
+    GtkTreeSelection* const selection = gtk_tree_view_get_selection(list);
+    gtk_tree_selection_set_mode(selection, GTK_SELECTION_MULTIPLE);
+    g_signal_connect(selection, "changed", G_CALLBACK(on_FileList_selection_changed), nullptr);
+    g_signal_connect(list, "button-press-event", G_CALLBACK(on_FileList_button_press), nullptr);
+    g_signal_connect(list, "row-activated", G_CALLBACK(on_FileList_row_activated), nullptr);
+    ConnectListDrag(list);
+    return list;
+}
+
+/// The first row that is at least partly visible; the row count when there is none.
+int FirstVisibleRow(GtkTreeView* list)
+{
+    const TreePath first = GetFirstVisiblePath(list);
+    return first != nullptr ? gtk_tree_path_get_indices(first.get())[0] : static_cast<int>(ListRows().Count());
+}
+
+/// After the model was replaced; -1 stays at the top.
+void ScrollRowToTop(GtkTreeView* list, int row)
+{
+    // A new model starts at the top, but the scroll bar is not told; without this it would see
+    // nothing to do when it is to go where it stands already.
+    gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(list)), 0);
+    if (row < 0 || row >= static_cast<int>(ListRows().Count())) {
+        return;
+    }
+    // Rows that were never measured have no place to scroll to; asking for the size of the view
+    // makes it give them all the height of the first.
+    int width = 0;
+    gtk_widget_get_preferred_width(GTK_WIDGET(list), &width, nullptr);
+    const TreePath path(gtk_tree_path_new_from_indices(row, -1));
+    gtk_tree_view_scroll_to_cell(list, path.get(), nullptr, TRUE, 0.0F, 0.0F);
+}
+
+}  // namespace
+
+GtkTreeViewColumn* ListViewColumn(int column)
+{
+    return gtk_tree_view_get_column(MainList(), column);
+}
+
+std::vector<int> ListColumnWidths()
+{
+    std::vector<int> widths;
+    for (int i = 1; MainList() != nullptr && i <= pGTable->ColumnCount; ++i) {
+        widths.push_back(gtk_tree_view_column_get_fixed_width(ListViewColumn(i)));
+    }
+    return widths;
+}
+
+GtkWidget* CreateFileList(GtkWidget* paned)
+{
+    pMainW->ListScroll = CreateScroll();
+    gtk_container_set_border_width(GTK_CONTAINER(pMainW->ListScroll), kScrollBorder);
+    gtk_paned_pack2(GTK_PANED(paned), pMainW->ListScroll, TRUE, TRUE);
+    pGTable->NameColumn = FindNameColumn(*pGTable);
+    GtkTreeView* const list = NewListView();
+    gtk_container_add(GTK_CONTAINER(pMainW->ListScroll), GTK_WIDGET(list));
+    pMainW->FileList = GTK_WIDGET(list);
+    // At start the tree opens the directory once the window is built; reading it here as well
+    // would double the time to the first picture.
+    if (gtk_widget_get_realized(pMainW->MainWindow)) {
+        DisplayFileList(pGTable->CurrentDir);
+    }
+    return pMainW->FileList;
+}
+
+namespace {
+
+/// Replaces the rows by those of the directory path, or by none; scroll_to is the row at the top then.
+void ReplaceRows(const std::string* path, int scroll_to)
+{
+    GtkTreeView* const list = MainList();
+    FnkListModel* const model = MainListModel();
+    {
+        ListSelectionBatch batch;
+        gtk_tree_view_set_model(list, nullptr);
+        ModelRows(model).Clear();
+        if (path != nullptr) {
+            ReadFileRows(*path, ModelRows(model));
+        }
+        SortModelRows(model);
+        gtk_tree_view_set_model(list, GTK_TREE_MODEL(model));
+        UpdateSortArrows(list);  // Taking the model away took them along.
+        pMainW->ListAnchor = -1;
+        batch.MarkChanged();
+    }
+    ScrollRowToTop(list, scroll_to);
+}
+
+}  // namespace
+
+int DisplayFileList(const std::string& path)
+{
+    if (MainList() != nullptr && IsDirectory(path)) {
+        ReplaceRows(&path, path == pGTable->CurrentDir ? FirstVisibleRow(MainList()) : -1);
+    }
+    return 0;
+}
+
+void EmptyFileList()
+{
+    if (MainList() != nullptr) {
+        ReplaceRows(nullptr, -1);
+    }
+}
+
+void on_FileList_click_column(int column)
+{
+    if (column == pGTable->SortColumn) {
+        pGTable->SortType = pGTable->SortType == SORT_ASCENDING ? SORT_DESCENDING : SORT_ASCENDING;
+    } else {
+        pGTable->SortColumn = column;
+        pGTable->SortType = SORT_ASCENDING;
+    }
+    SortFileList();
+}
+
+// The toolkit's view keeps a node for each row and sorts these in its turn, which takes longer than
+// all the rest. As all rows are of one height, the nodes differ in nothing but being selected and
+// what a screen reader knows of them, so without either it is enough to draw the rows again.
+void SortFileList()
+{
+    GtkTreeView* const list = MainList();
+    ListSelectionBatch batch;
+    const bool shows_only_rows = !HasAccessibleRows() && CountListSelection() == 0;
+    std::vector<int> old_places = SortModelRows(MainListModel());
+    const TreePath root(gtk_tree_path_new());
+    if (shows_only_rows) {
+        gtk_tree_row_reference_reordered(G_OBJECT(list), root.get(), nullptr, old_places.data());
+        gtk_widget_queue_draw(GTK_WIDGET(list));
+    } else if (!old_places.empty()) {
+        gtk_tree_model_rows_reordered_with_length(gtk_tree_view_get_model(list), root.get(), nullptr, old_places.data(),
+                                                  static_cast<int>(old_places.size()));
+        batch.MarkChanged();  // The summary under way knows the rows by their old places.
+    }
+    UpdateSortArrows(list);
+    pMainW->ListAnchor = -1;
+}
+
+void ShowListRow(const std::string& name)
+{
+    std::size_t row = 0;
+    while (row < ListRows().Count() && name != ListRows().Name(row)) {
+        ++row;
+    }
+    if (row < ListRows().Count()) {
+        // The toolkit's way: a list just filled may still wait for its turn to scroll, and this
+        // takes the place of that.
+        const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
+        gtk_tree_view_scroll_to_cell(MainList(), path.get(), nullptr, FALSE, 0.0F, 0.0F);
+    }
+}
+
+void ActivateListRow(std::size_t index)
+{
+    const FileRows& rows = ListRows();
+    if (index >= rows.Count()) {
+        return;
+    }
+    if (rows.IsParentRow(index)) {
+        const std::string parent = GetParentDirectory(pGTable->CurrentDir);
+        if (pGTable->CurrentDir != pGTable->RootDir && !parent.empty()) {
+            OpenChildTree(MainTree(), parent, EXPAND_LAST_YES);
+        }
+        return;
+    }
+    const std::string path = ListRowPath(index);
+    if (path.size() > kMaxPathBytes) {
+        FileExistMessageBox(PATH_TOO_LONG, nullptr);
+    } else if (rows.Row(index).is_directory) {
+        OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
+    } else if (OnFileList.FileActivated != nullptr) {
+        OnFileList.FileActivated(path);
+    }
+}

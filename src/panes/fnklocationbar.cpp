@@ -1,0 +1,63 @@
+#include "panes/fnklocationbar.h"
+
+#include "core/fnkstring.h"
+#include "core/fnkutil.h"
+#include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree.h"
+
+namespace {
+
+constexpr int kBarBorder = 2;
+constexpr int kBoxSpacing = 5;
+constexpr int kBoxBorder = 1;
+constexpr int kComboWidth = 500;
+
+}  // namespace
+
+GtkWidget* CreateLocationBar(GtkWidget* box)
+{
+    GtkWidget* const handle_box = CreateHandleBox(box);
+    if (handle_box == nullptr) {
+        return nullptr;
+    }
+    gtk_container_set_border_width(GTK_CONTAINER(handle_box), kBarBorder);
+    GtkWidget* const hbox = CreateHBox(handle_box, false, kBoxSpacing, kBoxBorder);
+    CreateLabel(hbox, _("Location:"));
+    GtkWidget* entry = nullptr;
+    GtkWidget* const combo = CreateComboBox(&entry, true, kMaxPathBytes);
+    gtk_widget_set_size_request(combo, kComboWidth, -1);
+    gtk_widget_set_can_default(entry, TRUE);
+    SetAccessibleName(entry, _("Location"));
+    SetComboStrings(combo, pGTable->LocationDirHistory);
+    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
+    g_signal_connect(entry, "activate", G_CALLBACK(on_LocationComboEntry_activate), nullptr);
+    return combo;
+}
+
+void on_LocationComboEntry_activate(GtkWidget* entry, gpointer)
+{
+    if (pGTable == nullptr) {
+        return;
+    }
+    const std::string path = GetEntryBytes(entry);
+    const bool reachable = path.size() <= kMaxPathBytes && CheckChildDirectory(path) == 0;
+    OpenChildTree(MainTree(), reachable ? path : pGTable->CurrentDir, EXPAND_LAST_YES);
+}
+
+bool IsLocationFocused()
+{
+    return gtk_window_get_focus(GTK_WINDOW(pMainW->MainWindow)) == ComboEntry(pMainW->LocationCombo);
+}
+
+void on_MainWindow_set_focus(GtkWindow* window, GtkWidget* widget, gpointer)
+{
+    if (pMainW == nullptr || pMainW->LocationCombo == nullptr || !IsLocationFocused()) {
+        return;
+    }
+    GtkWidget* const entry = ComboEntry(pMainW->LocationCombo);
+    const bool is_empty = gtk_entry_get_text_length(GTK_ENTRY(entry)) == 0;
+    if (widget != entry && !is_empty && !IsComboString(pMainW->LocationCombo)) {
+        g_signal_stop_emission_by_name(window, "set-focus");
+    }
+}
