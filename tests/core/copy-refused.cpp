@@ -6,6 +6,7 @@
 
 #include <csignal>
 
+#include "engine/fnkprogress-count.h"
 #include "child.h"
 #include "enginetest.h"
 #include "engine/fnkfiles-delete.h"

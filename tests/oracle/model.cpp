@@ -23,12 +23,12 @@ std::string LastOf(const std::string& path)
 
 Result Step()
 {
-    return static_cast<Result>(UpdateProgress());
+    return static_cast<Result>(OnEngine.UpdateProgress());
 }
 
 Result Undeletable(const std::string& path, int error)
 {
-    return MessageBox("Error", FormatPathMessage("Cannot delete file %s\ncause:%s", path, error), STYLE_SKIP);
+    return OnEngine.MessageBox("Error", FormatPathMessage("Cannot delete file %s\ncause:%s", path, error), STYLE_SKIP);
 }
 
 /// Whether it is there nobody can tell.
@@ -43,7 +43,7 @@ Result Unseen(const std::string& path, bool counted, int error = EACCES)
 
 Result Unmakeable(const std::string& path, int error)
 {
-    MessageBox("Error", FormatPathMessage("Cannot create directory %s\ncause:%s", path, error), STYLE_ERROR);
+    OnEngine.MessageBox("Error", FormatPathMessage("Cannot create directory %s\ncause:%s", path, error), STYLE_ERROR);
     return RESULT_CANCEL;
 }
 
@@ -51,20 +51,20 @@ Result Untransferable(OperationKind kind, const std::string& path, int error)
 {
     const char* const format =
         kind == OPERATION_COPY ? "Cannot copy file %s\ncause:%s" : "Cannot move file %s\ncause:%s";
-    return MessageBox("Error", FormatPathMessage(format, path, error), STYLE_SKIP) == RESULT_CANCEL ? RESULT_CANCEL
+    return OnEngine.MessageBox("Error", FormatPathMessage(format, path, error), STYLE_SKIP) == RESULT_CANCEL ? RESULT_CANCEL
                                                                                                     : Step();
 }
 
 Result Missing(const std::string& path)
 {
-    MessageBox("Error", FormatPathMessage("%s does not exist.", path), STYLE_ERROR);
+    OnEngine.MessageBox("Error", FormatPathMessage("%s does not exist.", path), STYLE_ERROR);
     return Step();
 }
 
 bool AgreesToOverwrite(const std::string& path)
 {
     const std::string question = FormatPathMessage("%s already exists.\nDoes it overwrite?", path);
-    return MessageBox("Confirmation", question, STYLE_QUESTION) == RESULT_OK;
+    return OnEngine.MessageBox("Confirmation", question, STYLE_QUESTION) == RESULT_OK;
 }
 
 NodePointer CloneNode(const NodePointer& node, std::map<NodePointer, NodePointer>& clones)
@@ -228,7 +228,7 @@ Result Model::Empty(const Entry& entry, const NodePointer& node, Result* answer)
     const std::map<std::string, NodePointer> names = node->entries;
     for (const auto& [name, child] : names) {
         if (*answer == RESULT_CANCEL) {
-            const Result given = DeleteMessageBox(entry.path);
+            const Result given = OnEngine.DeleteMessageBox(entry.path);
             if (given != RESULT_OK && given != RESULT_YES_ALL) {
                 return given == RESULT_CANCEL ? RESULT_OK : RESULT_CANCEL;
             }
@@ -460,7 +460,7 @@ Result Model::Transfer(OperationKind kind, const std::string& destination, const
         return Untransferable(kind, target, EACCES);
     }
     if (is_directory && IsInside(target, source, from.node)) {
-        MessageBox("Error", "Cannot move to a sub directory.", STYLE_ERROR);
+        OnEngine.MessageBox("Error", "Cannot move to a sub directory.", STYLE_ERROR);
         return Step();
     }
     const bool seems_free = to.node == nullptr && (to.error == ENOENT || to.error == ENOTDIR);

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "engine/fnkmessage.h"
-#include "kit/fnkprogress.h"
+#include "engine/fnkmessage.h"
 
 struct Node;
 using NodePointer = std::shared_ptr<Node>;

@@ -9,6 +9,7 @@
 
 #include <csignal>
 
+#include "engine/fnkprogress-count.h"
 #include "disk.h"
 #include "faults.h"
 #include "model/fnkdirtree-scan.h"

@@ -1,7 +1,5 @@
 #include "answers.h"
 
-#include "kit/fnkprogress.h"
-
 Answers answers;
 
 namespace {
@@ -17,8 +15,6 @@ Result NextAnswer(std::vector<Result>& script)
     }
     return answer;
 }
-
-}  // namespace
 
 Result MessageBox(const char* title, const std::string& message, unsigned style)
 {
@@ -48,3 +44,14 @@ bool KeepPainting()
     }
     return answers.cancel_when_painting;
 }
+
+// Before any test runs.
+[[maybe_unused]] const bool kIsConnected = [] {
+    OnEngine = {.MessageBox = MessageBox,
+                .DeleteMessageBox = DeleteMessageBox,
+                .UpdateProgress = UpdateProgress,
+                .KeepPainting = KeepPainting};
+    return true;
+}();
+
+}  // namespace

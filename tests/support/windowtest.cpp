@@ -173,9 +173,7 @@ void WindowTest::Start(const std::string& root, const std::string& start)
                                return FALSE;
                            }),
                            &untaken_);
-    gtk_widget_show(window_);
-    ReleaseEntryFocus(window_);
-    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
+    ShowMainWindow();
     int paintings = 0;
     const gulong painting = g_signal_connect_after(pMainW->FileList, "draw",
                                                    G_CALLBACK(+[](GtkWidget*, cairo_t*, gpointer count) -> gboolean {
