@@ -73,8 +73,9 @@ GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale)
 {
     const std::unique_ptr<GBytes, decltype(&g_bytes_unref)> bytes(
         g_resources_lookup_data(path.c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr), &g_bytes_unref);
-    const ObjectPointer<GdkPixbufLoader> loader(gdk_pixbuf_loader_new_with_type(type, nullptr));
-    if (bytes == nullptr || loader == nullptr) {
+    const ObjectPointer<GdkPixbufLoader> loader(bytes != nullptr ? gdk_pixbuf_loader_new_with_type(type, nullptr)
+                                                                 : nullptr);
+    if (loader == nullptr) {
         return nullptr;
     }
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(on_Loader_size_prepared), GINT_TO_POINTER(scale));
