@@ -8,7 +8,7 @@
 
 void RunInBackground(const std::function<void(const std::atomic<bool>& stop)>& work)
 {
-    constexpr std::chrono::milliseconds kLookEvery{5};
+    constexpr std::chrono::milliseconds kPollInterval{5};
     std::atomic<bool> stop = false;
     std::future<void> done;
     try {
@@ -17,7 +17,7 @@ void RunInBackground(const std::function<void(const std::atomic<bool>& stop)>& w
         work(stop);  // No thread to be had: better slow than not at all.
         return;
     }
-    while (done.wait_for(kLookEvery) != std::future_status::ready) {
+    while (done.wait_for(kPollInterval) != std::future_status::ready) {
         if (OnEngine.KeepPainting()) {
             stop = true;
         }

@@ -48,14 +48,15 @@ private:
                 break;  // A hole up to the end.
             }
             const off_t hole = data < 0 ? -1 : lseek(source_, data, SEEK_HOLE);
-            const bool tells_holes = hole > data && data >= position;
-            const off_t end = tells_holes ? std::min(hole, size) : size;
-            if (const ContentResult result = CopyRange(tells_holes ? data : position, end); result != CONTENT_COPIED) {
+            const bool has_data_range = hole > data && data >= position;
+            const off_t end = has_data_range ? std::min(hole, size) : size;
+            if (const ContentResult result = CopyRange(has_data_range ? data : position, end);
+                result != CONTENT_COPIED) {
                 return result;
             }
             position = end;
         }
-        return ftruncate(target_, size) == 0 ? CONTENT_COPIED : Fail(CONTENT_NOT_WRITTEN);
+        return ftruncate(target_, size) == 0 ? CONTENT_COPIED : Fail(CONTENT_WRITE_FAILED);
     }
 
     /// From position to end, or to the end of the file if that comes first or end is 0.
@@ -70,7 +71,7 @@ private:
             if (system_copies) {
                 count = CopyChunk(position, end);
                 if (count < 0) {
-                    return Fail(CONTENT_NOT_WRITTEN);
+                    return Fail(CONTENT_WRITE_FAILED);
                 }
                 system_copies = count > 0;
             }
@@ -108,13 +109,13 @@ private:
             *count = pread(source_, buffer_.get(), static_cast<std::size_t>(wanted), position);
         } while (*count < 0 && errno == EINTR);
         if (*count < 0) {
-            return Fail(CONTENT_NOT_READ);
+            return Fail(CONTENT_READ_FAILED);
         }
         for (ssize_t written = 0; written < *count;) {
             const ssize_t more = pwrite(target_, buffer_.get() + written, static_cast<std::size_t>(*count - written),
                                         position + written);
             if (more < 0 && errno != EINTR) {
-                return Fail(CONTENT_NOT_WRITTEN);
+                return Fail(CONTENT_WRITE_FAILED);
             }
             written += std::max<ssize_t>(more, 0);
         }
@@ -129,7 +130,7 @@ private:
 };
 
 /// What the kernel makes up as it is read, as under /proc, says 0 and is read to its end.
-bool IsQuick(const struct stat& st)
+bool IsSmall(const struct stat& st)
 {
     return st.st_size > 0 && st.st_size <= kInlineBytes;
 }
@@ -148,7 +149,7 @@ ContentResult CopyContent(int source, const struct stat& st, int target, int* er
     if (st.st_size == 0 && pread(source, &first, 1, 0) == 0) {
         return CONTENT_COPIED;
     }
-    if (IsQuick(st)) {
+    if (IsSmall(st)) {
         copy(false);
     } else {
         RunInBackground(copy);
@@ -156,7 +157,7 @@ ContentResult CopyContent(int source, const struct stat& st, int target, int* er
     return result;
 }
 
-int WriteOut(int file)
+int SyncFileData(int file)
 {
     int error = 0;
     RunInBackground([&](const std::atomic<bool>&) { error = fdatasync(file) == 0 ? 0 : errno; });

@@ -25,7 +25,7 @@ namespace {
 /// What the objects of an item have in common.
 struct Command {
     OperationKind kind;
-    struct stat made;  ///< The directory that stands for the whole item at its target, once it is there.
+    struct stat target_root;  ///< The directory that stands for the whole item at its target, once it is there.
 };
 
 /// One object on its way.
@@ -35,11 +35,11 @@ struct Transfer {
     Place target;
     struct stat st;  ///< Of the source.
     /// Nobody was asked, because nothing was there: what appears meanwhile is not to be overwritten.
-    bool to_free_name = false;
+    bool must_not_replace = false;
 };
 
 /// Sets error to an errno when that cannot be told.
-bool AreInOneDirectory(const Place& one, const Place& other, int* error)
+bool AreInSameDirectory(const Place& one, const Place& other, int* error)
 {
     struct stat one_directory = {};
     struct stat other_directory = {};
@@ -68,39 +68,39 @@ public:
     explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
     {
         const Place& target = transfer.target;
-        exists_ = !transfer.to_free_name && GetStatus(target, &st_);
-        if (!exists_) {
+        must_replace_ = !transfer.must_not_replace && GetStatus(target, &st_);
+        if (!must_replace_) {
             return;
         }
         if (S_ISDIR(st_.st_mode)) {
             result_ = RemoveFileInternal(target, STEP_NOT_COUNTED);
-            exists_ = false;
-            removed_ = result_ == RESULT_DONE;
+            must_replace_ = false;
+            must_restore_ = result_ == RESULT_DONE;
         } else if (const int error = DeletionError(target, st_); error != 0) {
-            result_ = ReportUndeleted(target.path, error);
+            result_ = ReportDeleteFailure(target.path, error);
         }
     }
     ClearedTarget(const ClearedTarget&) = delete;
     ClearedTarget& operator=(const ClearedTarget&) = delete;
     ~ClearedTarget()
     {
-        if (removed_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & 07777) == 0) {
+        if (must_restore_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & 07777) == 0) {
             fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & 07777, AT_SYMLINK_NOFOLLOW);
         }
     }
 
     /// RESULT_DONE, or that the user was told that it cannot be deleted.
-    Result Refusal() const { return result_; }
+    Result RemovalResult() const { return result_; }
     /// Whether there is something that is to be replaced in one step.
-    bool Exists() const { return exists_; }
+    bool MustReplace() const { return must_replace_; }
     const struct stat& Status() const { return st_; }
-    void Taken() { removed_ = false; }
+    void Commit() { must_restore_ = false; }
 
 private:
     const Place& target_;
     struct stat st_ = {};
-    bool exists_ = false;
-    bool removed_ = false;
+    bool must_replace_ = false;
+    bool must_restore_ = false;
     Result result_ = RESULT_DONE;
 };
 
@@ -113,7 +113,7 @@ Result StepAndReturn(Result result)
 /// The new object stands.
 Result Finish(ClearedTarget& cleared)
 {
-    cleared.Taken();
+    cleared.Commit();
     NoteChange();
     return ReportStep();
 }
@@ -134,7 +134,7 @@ int MakeLink(const Transfer& transfer, bool replace)
 
 Result CopyLink(const Transfer& transfer, ClearedTarget& cleared)
 {
-    const int error = MakeLink(transfer, cleared.Exists());
+    const int error = MakeLink(transfer, cleared.MustReplace());
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
@@ -176,7 +176,7 @@ int Publish(NewFile& file, const Source& source, const std::string& name, bool r
         return file.TakeName(name);
     }
     // What is replaced must not be gone before the new one is safe from a failing machine.
-    const int error = WriteOut(file.Get());
+    const int error = SyncFileData(file.Get());
     return error != 0 ? error : file.TakeNameOf(name);
 }
 
@@ -192,21 +192,21 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
         switch (CopyContent(source.file.Get(), source.st, file.Get(), &error)) {
         case CONTENT_CANCELLED:
             return RESULT_CANCEL;
-        case CONTENT_NOT_READ:
+        case CONTENT_READ_FAILED:
             return FileErrorMessage(OPERATION_COPY, transfer.source.path, error);
-        case CONTENT_NOT_WRITTEN:
+        case CONTENT_WRITE_FAILED:
         case CONTENT_COPIED:
             break;
         }
     }
     if (error == 0) {
-        error = Publish(file, source, transfer.target.name, cleared.Exists());
+        error = Publish(file, source, transfer.target.name, cleared.MustReplace());
     }
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
 /// Whether the directory of both places has an entry for each, and not one for two spellings of it.
-bool HasEntryForEach(const Place& one, const Place& other)
+bool HaveSeparateEntries(const Place& one, const Place& other)
 {
     const std::string itself = ".";
     std::vector<std::string> names;
@@ -220,21 +220,21 @@ bool HasEntryForEach(const Place& one, const Place& other)
 
 /// Two names of one inode: renaming the one to the other does nothing, so the old name is removed.
 /// A file system that ignores case finds one entry under two names, and that must stay.
-bool LeavesOldName(const Transfer& transfer, const ClearedTarget& cleared, bool in_one_directory)
+bool IsNoOpRename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
-    return cleared.Exists() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
-           (!in_one_directory || HasEntryForEach(transfer.source, transfer.target));
+    return cleared.MustReplace() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
+           (!in_same_directory || HaveSeparateEntries(transfer.source, transfer.target));
 }
 
 /// 0 or an errno.
-int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_one_directory)
+int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
     const Place& source = transfer.source;
     const Place& target = transfer.target;
-    if (!cleared.Exists()) {
+    if (!cleared.MustReplace()) {
         return RenameIfFree(source, target);
     }
-    if (LeavesOldName(transfer, cleared, in_one_directory)) {
+    if (IsNoOpRename(transfer, cleared, in_same_directory)) {
         return unlinkat(source.directory, source.name.c_str(), 0) == 0 ? 0 : errno;
     }
     return renameat(source.directory, source.name.c_str(), target.directory, target.name.c_str()) == 0 ? 0 : errno;
@@ -246,21 +246,21 @@ Result TransferWhole(const Transfer& transfer)
     const OperationKind kind = transfer.command.kind;
     const std::string target_path = WithoutSlash(transfer.target.path);
     int error = 0;
-    const bool in_one_directory = AreInOneDirectory(transfer.source, transfer.target, &error);
+    const bool in_same_directory = AreInSameDirectory(transfer.source, transfer.target, &error);
     if (error != 0) {
         return FileErrorMessage(kind, target_path, error);
     }
-    if (in_one_directory && transfer.source.name == transfer.target.name) {
+    if (in_same_directory && transfer.source.name == transfer.target.name) {
         return ReportStep();
     }
     ClearedTarget cleared(transfer);
-    if (cleared.Refusal() != RESULT_DONE) {
-        return StepAndReturn(cleared.Refusal());
+    if (cleared.RemovalResult() != RESULT_DONE) {
+        return StepAndReturn(cleared.RemovalResult());
     }
     if (kind == OPERATION_COPY) {
         return S_ISLNK(transfer.st.st_mode) ? CopyLink(transfer, cleared) : CopyRegular(transfer, cleared);
     }
-    error = Rename(transfer, cleared, in_one_directory);
+    error = Rename(transfer, cleared, in_same_directory);
     return error == 0 ? Finish(cleared) : FileErrorMessage(kind, target_path, error);
 }
 
@@ -306,7 +306,7 @@ Result TransferContents(const Transfer& transfer, const Descriptor& directory)
 }
 
 /// Whether the source is dealt with by itself, not entry by entry.
-bool GoesWhole(const Transfer& transfer)
+bool IsTransferredWhole(const Transfer& transfer)
 {
     struct stat st = {};
     return !S_ISDIR(transfer.st.st_mode) ||
@@ -314,7 +314,7 @@ bool GoesWhole(const Transfer& transfer)
 }
 
 /// A directory would go into itself, and then on for ever.
-void ReportInside()
+void ReportTargetInsideSource()
 {
     OnEngine.MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
 }
@@ -337,15 +337,15 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
     if (!GetStatus(source, &transfer.st)) {
         return ReportMissing(source.path);
     }
-    if (GoesWhole(transfer)) {
+    if (IsTransferredWhole(transfer)) {
         return TransferWhole(transfer);
     }
     struct stat there = {};
     if (GetStatus(target, &there) && IsSameObject(there, transfer.st)) {
         return ReportStep();  // A mount shows one directory in both places.
     }
-    if (IsSameObject(transfer.st, command.made)) {
-        ReportInside();
+    if (IsSameObject(transfer.st, command.target_root)) {
+        ReportTargetInsideSource();
         return ReportStep();
     }
     const std::string target_name = WithoutSlash(target.path);
@@ -361,10 +361,10 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
 }
 
 enum Overwriting {
-    OVERWRITE_ALLOWED,  ///< By the settings, or by an item before.
-    OVERWRITE_AGREED,   ///< The user was asked.
+    OVERWRITE_ALLOWED,    ///< By the settings, or by an item before.
+    OVERWRITE_CONFIRMED,  ///< The user was asked.
     OVERWRITE_DECLINED,
-    OVERWRITE_NOTHING,  ///< Nothing is there.
+    OVERWRITE_NOT_NEEDED,  ///< Nothing is there.
 };
 
 Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
@@ -374,9 +374,9 @@ Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
     }
     struct stat st = {};
     if (lstat(target.c_str(), &st) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
-        return OVERWRITE_NOTHING;
+        return OVERWRITE_NOT_NEEDED;
     }
-    return AskToOverwrite(target) ? OVERWRITE_AGREED : OVERWRITE_DECLINED;
+    return AskToOverwrite(target) ? OVERWRITE_CONFIRMED : OVERWRITE_DECLINED;
 }
 
 /// A directory that is to be at target, below or at destination.
@@ -388,7 +388,7 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     case RESULT_DONE: {
         Command command{kind, {}};
         const PathPlace target_place(target);
-        return fstat(directory.Get(), &command.made) == 0
+        return fstat(directory.Get(), &command.target_root) == 0
                    ? TransferContents({command, source.Get(), target_place.Get(), st, false}, directory)
                    : FileErrorMessage(kind, target, errno);
     }
@@ -401,7 +401,7 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
 
 /// A link at the end is not followed, but for that of the root: it stands for the directory that
 /// the user sees as the top of everything.
-std::string PlaceOfDestination(const std::string& destination)
+std::string DestinationPath(const std::string& destination)
 {
     return IsRootDirectory(destination) ? pGTable->RootDir : WithoutSlash(destination);
 }
@@ -428,7 +428,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportMissing(source);
     }
     struct stat destination_st = {};
-    const bool exists = lstat(PlaceOfDestination(destination).c_str(), &destination_st) == 0;
+    const bool exists = lstat(DestinationPath(destination).c_str(), &destination_st) == 0;
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
         return FileErrorMessage(kind, destination, errno);  // Better than to take a directory for none.
     }
@@ -449,14 +449,13 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportStep();
     }
     *flag = 1;
-    const PathPlace target_place =
-        is_directory ? PathPlace(target, PlaceOfDestination(destination)) : PathPlace(target);
+    const PathPlace target_place = is_directory ? PathPlace(target, DestinationPath(destination)) : PathPlace(target);
     const Command command{kind, {}};
-    const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOTHING};
-    if (!GoesWhole(transfer)) {
+    const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOT_NEEDED};
+    if (!IsTransferredWhole(transfer)) {
         const std::string& kept = IsRootDirectory(destination) ? target : destination;
         return TransferDirectory(kind, source_place, st, target, kept,
-                                 overwriting == OVERWRITE_AGREED ? LINK_REPLACE : LINK_ASK);
+                                 overwriting == OVERWRITE_CONFIRMED ? LINK_REPLACE : LINK_ASK);
     }
     return target_place ? TransferWhole(transfer) : FileErrorMessage(kind, target, target_place.Error());
 }
@@ -474,9 +473,9 @@ Result CheckSrcSubDirectory(const std::string& target, const std::string& source
         return RESULT_CANCEL;
     }
     bool is_inside = false;
-    *error = is_directory ? LookInside(target, source, &is_inside) : 0;
+    *error = is_directory ? CheckIsInside(target, source, &is_inside) : 0;
     if (is_inside) {
-        ReportInside();
+        ReportTargetInsideSource();
     }
     return is_inside || *error != 0 ? RESULT_CANCEL : RESULT_DONE;
 }

@@ -21,7 +21,7 @@ Descriptor OpenPlace(const Place& place, int flags)
     return Descriptor(openat(place.directory, place.name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC | flags));
 }
 
-Result ReportUnmade(const std::string& path, int error)
+Result ReportMakeFailure(const std::string& path, int error)
 {
     OnEngine.MessageBox(_("Error"), FormatPathMessage(_("Cannot create directory %s\ncause:%s"), path, error),
                         STYLE_ERROR);
@@ -47,12 +47,12 @@ Result MakeDirectoryOfMode(const Place& place, mode_t mode, LinkRule rule, Descr
     }
     if (!S_ISDIR(st.st_mode)) {
         if (mkdirat(place.directory, place.name.c_str(), mode) != 0) {
-            return ReportUnmade(place.path, errno);
+            return ReportMakeFailure(place.path, errno);
         }
         NoteChange();
     }
     *directory = OpenPlace(place, O_NOFOLLOW);
-    return *directory ? RESULT_DONE : ReportUnmade(place.path, errno);
+    return *directory ? RESULT_DONE : ReportMakeFailure(place.path, errno);
 }
 
 }  // namespace
@@ -74,12 +74,12 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
         if (name.empty()) {
             continue;
         }
-        const bool is_above = prefix.size() < WithoutSlash(destination).size();
+        const bool is_above_destination = prefix.size() < WithoutSlash(destination).size();
         const Place place{parent.Get(), name, prefix};
-        Descriptor next = OpenPlace(place, is_above ? 0 : O_NOFOLLOW);
+        Descriptor next = OpenPlace(place, is_above_destination ? 0 : O_NOFOLLOW);
         if (!next && errno != ENOENT && errno != ENOTDIR && errno != ELOOP) {
             // It may be a directory, or a link to one, that must not be given up for a failure.
-            return ReportUnmade(prefix, errno);
+            return ReportMakeFailure(prefix, errno);
         }
         if (!next) {
             const bool is_last = *begin == '\0';

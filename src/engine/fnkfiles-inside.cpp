@@ -18,7 +18,7 @@ namespace {
 constexpr int kPlaceOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 /// Whether an error of opening says that there is no directory to be had under that path.
-bool SaysNoDirectory(int error)
+bool MeansNoDirectory(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
@@ -28,7 +28,7 @@ bool SaysNoDirectory(int error)
 int OpenNearestDirectory(const std::string& target, Descriptor* directory)
 {
     *directory = Descriptor(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
-    for (std::string path = target; !*directory && path != "/" && SaysNoDirectory(errno);) {
+    for (std::string path = target; !*directory && path != "/" && MeansNoDirectory(errno);) {
         path = GetParentDirectory(WithoutSlash(path));
         *directory = Descriptor(open(path.c_str(), kPlaceOnly));
     }
@@ -36,7 +36,7 @@ int OpenNearestDirectory(const std::string& target, Descriptor* directory)
 }
 
 /// Climbs to the root and looks for source on the way. 0 or an errno.
-int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
+int FindAmongAncestors(Descriptor directory, const struct stat& source, bool* is_below)
 {
     struct stat st = {};
     while (fstat(directory.Get(), &st) == 0) {
@@ -58,7 +58,7 @@ int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
 }
 
 /// A field of the mount table, in which blanks and the like are octal numbers.
-std::string Unescape(const std::string& field)
+std::string UnescapeOctal(const std::string& field)
 {
     std::string text;
     for (std::size_t i = 0; i < field.size(); ++i) {
@@ -86,7 +86,7 @@ bool FindMount(std::uint64_t wanted, Mount* mount)
         std::string parent;
         std::string device;
         if (fields >> id >> parent >> device >> mount->root >> mount->point && id == wanted) {
-            *mount = {Unescape(mount->root), Unescape(mount->point)};
+            *mount = {UnescapeOctal(mount->root), UnescapeOctal(mount->point)};
             return true;
         }
     }
@@ -113,7 +113,7 @@ std::string PathInFileSystem(int directory)
 
 }  // namespace
 
-int LookInside(const std::string& target, const std::string& source, bool* is_inside)
+int CheckIsInside(const std::string& target, const std::string& source, bool* is_inside)
 {
     *is_inside = target.starts_with(WithSlash(source));
     if (*is_inside) {
@@ -130,14 +130,14 @@ int LookInside(const std::string& target, const std::string& source, bool* is_in
         fstat(source_directory.Get(), &source_st) != 0) {
         return errno;
     }
-    bool is_told_by_paths = false;
+    bool are_paths_known = false;
     if (target_st.st_dev == source_st.st_dev) {
         const std::string inner_source = PathInFileSystem(source_directory.Get());
         const std::string inner_target = PathInFileSystem(target_directory.Get());
-        is_told_by_paths = !inner_source.empty() && !inner_target.empty();
-        *is_inside = is_told_by_paths && inner_target.starts_with(inner_source);
+        are_paths_known = !inner_source.empty() && !inner_target.empty();
+        *is_inside = are_paths_known && inner_target.starts_with(inner_source);
     }
-    const int error = *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
+    const int error = *is_inside ? 0 : FindAmongAncestors(std::move(target_directory), source_st, is_inside);
     // From a directory that may not be searched there is no climbing.
-    return error == EACCES && is_told_by_paths ? 0 : error;
+    return error == EACCES && are_paths_known ? 0 : error;
 }

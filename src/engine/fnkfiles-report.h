@@ -13,7 +13,7 @@ Result ReportStep();
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error);
 
 /// Reports that path cannot be deleted. RESULT_OK to skip it, or RESULT_CANCEL.
-Result ReportUndeleted(const std::string& path, int error);
+Result ReportDeleteFailure(const std::string& path, int error);
 
 /// Asks whether to overwrite path.
 bool AskToOverwrite(const std::string& path);
