@@ -27,9 +27,9 @@ GdkRGBA Mix(const GdkRGBA& from, const GdkRGBA& to, double share)
     return {between(from.red, to.red), between(from.green, to.green), between(from.blue, to.blue), 1.0};
 }
 
-GdkRGBA ThemeColor(GtkWidget* widget, const char* name, const GdkRGBA& otherwise)
+GdkRGBA ThemeColor(GtkWidget* widget, const char* name, const GdkRGBA& fallback)
 {
-    GdkRGBA color = otherwise;
+    GdkRGBA color = fallback;
     gtk_style_context_lookup_color(gtk_widget_get_style_context(widget), name, &color);
     return color;
 }
@@ -71,6 +71,6 @@ GdkRGBA TextColor(GtkWidget* widget, const Color& color)
 {
     const GdkRGBA ground = ThemeColor(widget, "theme_base_color", kWhite);
     const GdkRGBA shown = ShownColor(color);
-    const bool is_own = gdk_rgba_equal(&shown, &kBlack) && Contrast(shown, ground) < kReadable;
-    return ReadableColor(is_own ? ThemeColor(widget, "theme_text_color", shown) : shown, ground);
+    const bool use_theme_color = gdk_rgba_equal(&shown, &kBlack) && Contrast(shown, ground) < kReadable;
+    return ReadableColor(use_theme_color ? ThemeColor(widget, "theme_text_color", shown) : shown, ground);
 }

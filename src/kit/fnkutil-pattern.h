@@ -17,6 +17,6 @@ struct PatternDlgTexts {
 /// with the combo box as its data; the handler ends the main loop.
 void CreatePatternDlg(const PatternDlgTexts& texts, const std::string& pattern, GCallback ok_handler);
 
-/// Reads the pattern from combo and adds it to FilterHistory. If it is not valid, shows complaint and
+/// Reads the pattern from combo and adds it to FilterHistory. If it is not valid, shows error_message and
 /// returns false.
-bool TakePattern(GtkWidget* combo, const char* complaint, std::string* pattern);
+bool AcceptPattern(GtkWidget* combo, const char* error_message, std::string* pattern);

@@ -114,7 +114,7 @@ void ShowPicture(GtkWidget* image, const Picture& picture)
 namespace {
 
 /// Asked for with every row that is drawn, so the search is done once.
-struct Folder {
+struct CachedPicture {
     Picture picture;
     int scale = 0;
     cairo_surface_t* surface = nullptr;
@@ -128,17 +128,17 @@ struct Folder {
         return surface;
     }
 };
-Folder open_folder = {PICTURE(OpenDir)};
-Folder closed_folder = {PICTURE(CloseDir)};
+CachedPicture open_folder = {PICTURE(OpenDir)};
+CachedPicture closed_folder = {PICTURE(CloseDir)};
 
 }  // namespace
 
-cairo_surface_t* OpenFolder(GtkWidget* widget)
+cairo_surface_t* OpenFolderPicture(GtkWidget* widget)
 {
     return open_folder.At(gtk_widget_get_scale_factor(widget));
 }
 
-cairo_surface_t* ClosedFolder(GtkWidget* widget)
+cairo_surface_t* ClosedFolderPicture(GtkWidget* widget)
 {
     return closed_folder.At(gtk_widget_get_scale_factor(widget));
 }

@@ -29,5 +29,5 @@ cairo_surface_t* PictureSurface(const Picture& picture, int scale);
 void ShowPicture(GtkWidget* image, const Picture& picture);
 
 /// The folder pictures of both panes at the scale factor of widget; not to be freed.
-cairo_surface_t* OpenFolder(GtkWidget* widget);
-cairo_surface_t* ClosedFolder(GtkWidget* widget);
+cairo_surface_t* OpenFolderPicture(GtkWidget* widget);
+cairo_surface_t* ClosedFolderPicture(GtkWidget* widget);

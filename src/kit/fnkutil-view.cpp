@@ -129,7 +129,7 @@ void on_View_style_updated(GtkWidget* view, gpointer cell)
 
 }  // namespace
 
-void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell)
+void FixRowHeight(GtkWidget* view, GtkCellRenderer* cell)
 {
     on_View_style_updated(view, cell);
     g_signal_connect_object(view, "style-updated", G_CALLBACK(on_View_style_updated), cell, GConnectFlags());

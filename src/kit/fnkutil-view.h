@@ -30,4 +30,4 @@ int GetTextWidth(GtkWidget* widget, const char* text);
 
 /// Keeps the cell's height the same in every row, whatever script its text is in. Views in
 /// fixed-height mode rely on it, but still measure each row when it comes into view.
-void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell);
+void FixRowHeight(GtkWidget* view, GtkCellRenderer* cell);

@@ -306,7 +306,7 @@ GtkWidget* InterruptedWindow()
 
 /// Nothing else takes input while the dialog runs, so it must not get lost behind the window that
 /// it interrupts, nor be put away on its own.
-void KeepAbove(GtkWindow* dialog, GtkWidget* parent)
+void SetTransientParent(GtkWindow* dialog, GtkWidget* parent)
 {
     GtkWidget* const below = GTK_IS_WINDOW(parent) ? parent : InterruptedWindow();
     if (below != nullptr && gtk_window_get_transient_for(dialog) == nullptr) {
@@ -322,7 +322,7 @@ void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
         return;
     }
     g_signal_connect(window, "button-press-event", G_CALLBACK(on_Window_button_press_event), nullptr);
-    KeepAbove(GTK_WINDOW(window), parent);
+    SetTransientParent(GTK_WINDOW(window), parent);
     if (parent != nullptr) {
         gtk_widget_set_sensitive(parent, FALSE);
     }
