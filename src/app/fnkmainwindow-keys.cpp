@@ -257,13 +257,13 @@ OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direct
     if (!page || !root || !walk.IsExpanded(*root)) {
         return std::nullopt;
     }
-    const bool up = direction == DIRECTION_UP;
-    GtkTreeIter target = up ? page->top : page->bottom;
+    const bool is_up = direction == DIRECTION_UP;
+    GtkTreeIter target = is_up ? page->top : page->bottom;
     if (current.user_data != target.user_data) {
         return target;
     }
     for (int step = 0; step < page->steps; ++step) {
-        const OptionalNode next = up ? walk.Above(target) : walk.Below(target);
+        const OptionalNode next = is_up ? walk.Above(target) : walk.Below(target);
         if (!next) {
             break;
         }
@@ -308,9 +308,9 @@ void TreeKeyPress(GtkTreeView* tree, guint key)
         CollapseNode(tree, walk, current);
         return;
     }
-    const bool up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
+    const bool is_up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
     if (const OptionalNode target = KeyTarget(walk, current, key)) {
-        SelectNode(tree, walk, *target, up ? DIRECTION_UP : DIRECTION_DOWN);
+        SelectNode(tree, walk, *target, is_up ? DIRECTION_UP : DIRECTION_DOWN);
     }
 }
 

@@ -31,7 +31,7 @@ constexpr int kStatusSpacing = 2;
 constexpr int kFilterStatusWidth = 202;
 /// So much of the window's corner stays on the screen, and so much of the list beside the divider,
 /// whatever the settings file says.
-constexpr int kShownCorner = 64;
+constexpr int kMinVisible = 64;
 /// The panes are not squeezed below this height; scroll bars cannot be drawn in less.
 constexpr int kPaneHeight = 80;
 
@@ -72,7 +72,7 @@ void EnterDirectory(const std::string& path)
     ReleaseEntryFocus(pMainW->MainWindow);
 }
 
-void ShowSelection()
+void UpdateForSelection()
 {
     SensitivePropertyButton();
     DisplayFileStatus();
@@ -112,8 +112,8 @@ void PlaceWindow(GtkWindow* window)
     if (pGTable->WindowWidth >= screen.width && pGTable->WindowHeight >= screen.height) {
         gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     } else {
-        pGTable->WindowX = std::clamp(pGTable->WindowX, 0, std::max(0, screen.width - kShownCorner));
-        pGTable->WindowY = std::clamp(pGTable->WindowY, 0, std::max(0, screen.height - kShownCorner));
+        pGTable->WindowX = std::clamp(pGTable->WindowX, 0, std::max(0, screen.width - kMinVisible));
+        pGTable->WindowY = std::clamp(pGTable->WindowY, 0, std::max(0, screen.height - kMinVisible));
         gtk_window_move(window, pGTable->WindowX, pGTable->WindowY);
     }
     if (pGTable->WindowWidth > 0 && pGTable->WindowHeight > 0) {
@@ -135,7 +135,7 @@ GtkWidget* CreatePaned(GtkWidget* box)
     int divider = pGTable->PandPosition > 0 ? pGTable->PandPosition : kDefaultDivider;
     if (pGTable->WindowWidth > 0) {
         const int width = std::min(pGTable->WindowWidth, ScreenSize().width);
-        divider = std::clamp(divider, 1, std::max(kDefaultDivider, width - kShownCorner));
+        divider = std::clamp(divider, 1, std::max(kDefaultDivider, width - kMinVisible));
     }
     gtk_paned_set_position(GTK_PANED(paned), divider);
     gtk_widget_set_size_request(paned, -1, kPaneHeight);
@@ -185,7 +185,7 @@ GtkWidget* CreateMainWindow()
                 .UpdateProgress = UpdateProgress,
                 .KeepPainting = KeepPainting};
     OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
-    OnFileList = {.SelectionChanged = ShowSelection, .FileActivated = ExecApplication};
+    OnFileList = {.SelectionChanged = UpdateForSelection, .FileActivated = ExecApplication};
     OnFilesDropped = UIFileDragDrop;
     ReadLiveLayout = ReadLayout;
 

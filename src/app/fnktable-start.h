@@ -4,7 +4,7 @@
 #include <string>
 
 struct CommandLine {
-    bool version = false;
+    bool is_version_requested = false;
     std::string root;   ///< Top of the tree, ending in "/"; never empty.
     std::string start;  ///< Directory to open first; not checked, may be empty.
 };
@@ -14,7 +14,7 @@ struct CommandLine {
 CommandLine ParseCommandLine(int argc, char** argv);
 
 /// Sets RootDir, and StartDir if the start is a directory inside RootDir.
-void TakeDirectories(const CommandLine& command_line);
+void SetStartDirectories(const CommandLine& command_line);
 
 /// Adds RootDir to LocationDirHistory and gives each of the other histories an entry if it is empty.
 void SeedHistories();

@@ -174,8 +174,8 @@ void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
 void on_Tool_Home_clicked(GtkWidget*, gpointer)
 {
     const std::string home = GetHomeDirectory();
-    const bool inside = !home.empty() && CheckChildDirectory(home) == 0;
-    OpenChildTree(MainTree(), inside ? home : pGTable->RootDir, EXPAND_LAST_YES);
+    const bool is_inside = !home.empty() && CheckChildDirectory(home) == 0;
+    OpenChildTree(MainTree(), is_inside ? home : pGTable->RootDir, EXPAND_LAST_YES);
 }
 
 void on_Tool_Property_clicked(GtkWidget*, gpointer)

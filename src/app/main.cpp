@@ -84,7 +84,7 @@ void SetWindowIcons()
 
 /// Names are UTF-8 wherever they are shown, so a locale that this machine has not got gives way to
 /// one without a language.
-void StartLocale()
+void InitLocale()
 {
     if (std::setlocale(LC_ALL, "") == nullptr) {
         std::setlocale(LC_ALL, "C.UTF-8");
@@ -96,7 +96,7 @@ void StartLocale()
 }
 
 /// Without a display this says so, and is false.
-bool StartToolkit(int* argc, char*** argv)
+bool InitToolkit(int* argc, char*** argv)
 {
     gdk_set_allowed_backends("x11,*");
     if (gtk_init_check(argc, argv)) {
@@ -119,14 +119,14 @@ int main(int argc, char** argv)
 {
     OpenStandardDescriptors();
     const CommandLine command_line = ParseCommandLine(argc, argv);
-    if (command_line.version) {
+    if (command_line.is_version_requested) {
         g_print("Fennick  Version %s %s\n%s\n", kVersion, kVersionDate, kRights);
         return 0;
     }
     RaiseOpenFileLimit();
     signal(SIGXFSZ, SIG_IGN);  // A file that grows too large is to be reported, not to end the program.
-    StartLocale();
-    if (!StartToolkit(&argc, &argv)) {
+    InitLocale();
+    if (!InitToolkit(&argc, &argv)) {
         return 1;
     }
     if (InitGlobalTable() != 0) {
@@ -134,7 +134,7 @@ int main(int argc, char** argv)
         return 0;
     }
     pGTable->ArgV = argv;
-    TakeDirectories(command_line);
+    SetStartDirectories(command_line);
     SeedHistories();
     InstallSignalHandler();
     if (CreateMainWindow() == nullptr) {
