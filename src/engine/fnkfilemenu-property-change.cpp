@@ -15,8 +15,8 @@ namespace {
 
 constexpr mode_t kPermissionBits = 07777;
 
-/// Holds whatever bears the name now, a link itself, without opening it: pipes do not wait and
-/// devices do not notice.
+/// Opens an object, or the link itself, with O_PATH: this neither blocks on a pipe nor touches a
+/// device.
 Descriptor OpenAsPath(const std::string& path)
 {
     return Descriptor(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
@@ -29,7 +29,8 @@ struct stat GetOpenFileStatus(const Descriptor& file)
     return st;
 }
 
-/// A held file takes no fchmod, but has a name among the process's own.
+/// fchmod refuses an O_PATH descriptor, so this goes through its path under /proc. Fails also if the
+/// system drops some of the bits.
 bool SetPermissionBits(const Descriptor& file, mode_t bits)
 {
     return chmod(DescriptorPath(file.Get()).c_str(), bits) == 0 &&
@@ -113,7 +114,7 @@ bool ChangeOwner(const std::string& path, uid_t owner, gid_t group)
     if (!file || fchownat(file.Get(), "", owner, group, AT_EMPTY_PATH) != 0) {
         return false;
     }
-    // The system takes set-id bits away when an executable changes hands. Whoever changes the
-    // owner here sees them set in the same dialog and means to keep them.
+    // The system clears set-id bits when the owner changes. The dialog shows them as set, so the
+    // user expects to keep them.
     return GetOpenFileStatus(file).st_mode == before || SetPermissionBits(file, before & kPermissionBits);
 }

@@ -14,7 +14,7 @@ void RunInBackground(const std::function<void(const std::atomic<bool>& stop)>& w
     try {
         done = std::async(std::launch::async, [&] { work(stop); });
     } catch (const std::system_error&) {
-        work(stop);  // No thread to be had: better slow than not at all.
+        work(stop);  // No thread available: block the windows rather than fail.
         return;
     }
     while (done.wait_for(kPollInterval) != std::future_status::ready) {

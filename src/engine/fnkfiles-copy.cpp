@@ -22,23 +22,23 @@
 
 namespace {
 
-/// What the objects of an item have in common.
+/// Shared by all objects of an item.
 struct Command {
     OperationKind kind;
-    struct stat target_root;  ///< The directory that stands for the whole item at its target, once it is there.
+    struct stat target_root;  ///< Status of the directory that the item became; zero before it exists.
 };
 
-/// One object on its way.
+/// One object that is copied or moved.
 struct Transfer {
     const Command& command;
     Place source;
     Place target;
-    struct stat st;  ///< Of the source.
-    /// Nobody was asked, because nothing was there: what appears meanwhile is not to be overwritten.
+    struct stat st;  ///< Status of the source.
+    /// The target did not exist, so the user was not asked. Do not overwrite what has appeared since.
     bool must_not_replace = false;
 };
 
-/// Sets error to an errno when that cannot be told.
+/// Sets error to an errno if it cannot tell, else to 0.
 bool AreInSameDirectory(const Place& one, const Place& other, int* error)
 {
     struct stat one_directory = {};
@@ -48,8 +48,8 @@ bool AreInSameDirectory(const Place& one, const Place& other, int* error)
     return known && IsSameObject(one_directory, other_directory);
 }
 
-/// What deleting the object, no directory, would fail with; 0 when it would not. Renaming over it
-/// fails alike, but does not say on whose account.
+/// The errno with which deleting an object other than a directory would fail, else 0. Renaming over
+/// it fails in the same cases, but its errno does not tell which of the two objects is the cause.
 int DeletionError(const Place& place, const struct stat& st)
 {
     if (faccessat(place.directory, ".", W_OK | X_OK, AT_EACCESS) != 0) {
@@ -61,8 +61,8 @@ int DeletionError(const Place& place, const struct stat& st)
     return is_sticky && user != 0 && user != st.st_uid && user != directory.st_uid ? EPERM : 0;
 }
 
-/// Makes way for a file or link at a target. An empty directory that goes for it comes back if
-/// nothing takes its place.
+/// Makes way for an object at its target. Deletes an empty directory there, and creates it again
+/// unless Commit is called.
 class ClearedTarget {
 public:
     explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
@@ -89,11 +89,12 @@ public:
         }
     }
 
-    /// RESULT_DONE, or that the user was told that it cannot be deleted.
+    /// RESULT_DONE, or the user's answer after a reported failure.
     Result RemovalResult() const { return result_; }
-    /// Whether there is something that is to be replaced in one step.
+    /// Whether an object is still there and must be replaced atomically.
     bool MustReplace() const { return must_replace_; }
     const struct stat& Status() const { return st_; }
+    /// The new object is in place.
     void Commit() { must_restore_ = false; }
 
 private:
@@ -104,13 +105,13 @@ private:
     Result result_ = RESULT_DONE;
 };
 
-/// A step that came to that result, unless Cancel was pressed.
+/// Reports a step and returns result, or RESULT_CANCEL if the user pressed Cancel.
 Result StepAndReturn(Result result)
 {
     return ReportStep() == RESULT_CANCEL ? RESULT_CANCEL : result;
 }
 
-/// The new object stands.
+/// Ends the transfer of an object that is now in place.
 Result Finish(ClearedTarget& cleared)
 {
     cleared.Commit();
@@ -118,6 +119,7 @@ Result Finish(ClearedTarget& cleared)
     return ReportStep();
 }
 
+/// 0 or an errno.
 int MakeLink(const Transfer& transfer, bool replace)
 {
     char text[PATH_MAX];
@@ -138,14 +140,14 @@ Result CopyLink(const Transfer& transfer, ClearedTarget& cleared)
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// The source's content, opened, or nothing where there is none to be copied.
+/// An opened regular file; without a file if there is no content to copy.
 struct Source {
     Descriptor file;
     struct stat st;
     int error = 0;
 };
 
-/// Only regular files are opened: a pipe would wait for its other end, a device might act.
+/// Opens only regular files: a pipe would block, and opening a device may have effects.
 Source OpenSource(const Transfer& transfer)
 {
     Source source{{}, transfer.st};
@@ -155,27 +157,27 @@ Source OpenSource(const Transfer& transfer)
     source.file = Descriptor(openat(transfer.source.directory, transfer.source.name.c_str(),
                                     O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!source.file) {
-        // There is nothing in it that would have to be read.
+        // An empty file can be copied without permission to read it.
         source.error = transfer.st.st_size == 0 && errno == EACCES ? 0 : errno;
         return source;
     }
     if (fstat(source.file.Get(), &source.st) != 0) {
         source.error = errno;
     } else if (!S_ISREG(source.st.st_mode)) {
-        source.file = Descriptor();  // It has been exchanged meanwhile.
+        source.file = Descriptor();  // Replaced by something else in the meantime.
     }
     return source;
 }
 
-/// Gives the complete file the source's bits and the target's name. 0 or an errno.
+/// Gives the complete file the source's permission bits and its final name. 0 or an errno.
 int Publish(NewFile& file, const Source& source, const std::string& name, bool replace)
 {
-    // Where the file system keeps no such bits the file has those of all files there.
+    // Some file systems store no permission bits, so ignore failures.
     static_cast<void>(fchmod(file.Get(), source.st.st_mode & 07777));
     if (!replace) {
         return file.TakeName(name);
     }
-    // What is replaced must not be gone before the new one is safe from a failing machine.
+    // The old file must not go before the new one would survive a crash.
     const int error = SyncFileData(file.Get());
     return error != 0 ? error : file.TakeNameOf(name);
 }
@@ -205,7 +207,8 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// Whether the directory of both places has an entry for each, and not one for two spellings of it.
+/// Whether the directory of both places lists both names, rather than one entry that matches both
+/// because case is ignored.
 bool HaveSeparateEntries(const Place& one, const Place& other)
 {
     const std::string itself = ".";
@@ -218,15 +221,16 @@ bool HaveSeparateEntries(const Place& one, const Place& other)
            std::find(names.begin(), names.end(), other.name) != names.end();
 }
 
-/// Two names of one inode: renaming the one to the other does nothing, so the old name is removed.
-/// A file system that ignores case finds one entry under two names, and that must stay.
+/// Whether source and target are hard links to one file. rename() then succeeds without effect, so
+/// the old name has to be removed instead. Not so where the file system ignores case and both names
+/// are one entry: removing it would lose the file.
 bool IsNoOpRename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
     return cleared.MustReplace() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
            (!in_same_directory || HaveSeparateEntries(transfer.source, transfer.target));
 }
 
-/// 0 or an errno.
+/// Moves one object within its file system. 0 or an errno.
 int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
     const Place& source = transfer.source;
@@ -240,7 +244,8 @@ int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_
     return renameat(source.directory, source.name.c_str(), target.directory, target.name.c_str()) == 0 ? 0 : errno;
 }
 
-/// Copies anything but a directory, or renames one object, a directory only to a free name.
+/// Copies an object other than a directory, or renames any object. A directory is renamed only if
+/// its target does not exist.
 Result TransferWhole(const Transfer& transfer)
 {
     const OperationKind kind = transfer.command.kind;
@@ -266,7 +271,7 @@ Result TransferWhole(const Transfer& transfer)
 
 Result TransferEntry(const Command& command, const Place& source, const Place& target);
 
-/// Copies or moves every entry of a directory into the open one that stands for it at the target.
+/// Copies or moves the entries of a directory into the open target directory.
 Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& directory)
 {
     std::vector<std::string> names;
@@ -282,7 +287,7 @@ Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& 
         }
         const Result result =
             TransferEntry(transfer.command, {dirfd(stream), name, source_path}, {directory.Get(), name, target_path});
-        // A move that had to leave something behind leaves the rest of the directory with it.
+        // When a move has to leave an entry behind, the rest of the directory stays with it.
         if (result == RESULT_CANCEL || (transfer.command.kind == OPERATION_MOVE && result != RESULT_DONE)) {
             return result;
         }
@@ -290,7 +295,8 @@ Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& 
     return RESULT_DONE;
 }
 
-/// Copies or moves what is in a directory into the open one, which it makes its like.
+/// Copies or moves permission bits and contents of a directory to the open target directory. After a
+/// complete move it removes the source.
 Result TransferContents(const Transfer& transfer, const Descriptor& directory)
 {
     SetDirectoryMode(directory, transfer.st.st_mode);
@@ -305,7 +311,7 @@ Result TransferContents(const Transfer& transfer, const Descriptor& directory)
     return OnEngine.KeepPainting() ? RESULT_CANCEL : result;
 }
 
-/// Whether the source is dealt with by itself, not entry by entry.
+/// Whether TransferWhole can handle the source; otherwise its entries are transferred one by one.
 bool IsTransferredWhole(const Transfer& transfer)
 {
     struct stat st = {};
@@ -313,7 +319,7 @@ bool IsTransferredWhole(const Transfer& transfer)
            (transfer.command.kind == OPERATION_MOVE && !GetStatus(transfer.target, &st));
 }
 
-/// A directory would go into itself, and then on for ever.
+/// Copying a directory into itself would never end.
 void ReportTargetInsideSource()
 {
     OnEngine.MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
@@ -325,7 +331,7 @@ Result ReportMissing(const std::string& path)
     return ReportStep();
 }
 
-/// An entry of a directory that is being copied or moved.
+/// Copies or moves an entry of a directory, with its contents.
 Result TransferEntry(const Command& command, const Place& source, const Place& target)
 {
     Transfer transfer{command, source, target, {}, false};
@@ -342,7 +348,7 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
     }
     struct stat there = {};
     if (GetStatus(target, &there) && IsSameObject(there, transfer.st)) {
-        return ReportStep();  // A mount shows one directory in both places.
+        return ReportStep();  // A bind mount shows the same directory in both places.
     }
     if (IsSameObject(transfer.st, command.target_root)) {
         ReportTargetInsideSource();
@@ -361,10 +367,10 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
 }
 
 enum Overwriting {
-    OVERWRITE_ALLOWED,    ///< By the settings, or by an item before.
-    OVERWRITE_CONFIRMED,  ///< The user was asked.
+    OVERWRITE_ALLOWED,    ///< By the settings or by an earlier item.
+    OVERWRITE_CONFIRMED,  ///< By the user.
     OVERWRITE_DECLINED,
-    OVERWRITE_NOT_NEEDED,  ///< Nothing is there.
+    OVERWRITE_NOT_NEEDED,  ///< Nothing exists at the target.
 };
 
 Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
@@ -379,7 +385,7 @@ Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
     return AskToOverwrite(target) ? OVERWRITE_CONFIRMED : OVERWRITE_DECLINED;
 }
 
-/// A directory that is to be at target, below or at destination.
+/// Copies or moves a directory to target, which is destination or inside it.
 Result TransferDirectory(OperationKind kind, const PathPlace& source, const struct stat& st, const std::string& target,
                          const std::string& destination, LinkRule rule)
 {
@@ -399,21 +405,21 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     }
 }
 
-/// A link at the end is not followed, but for that of the root: it stands for the directory that
-/// the user sees as the top of everything.
+/// The path under which to look at destination. Without its "/" a link is not followed. RootDir keeps
+/// its "/": even if it is a link, the user sees it as a directory.
 std::string DestinationPath(const std::string& destination)
 {
     return IsRootDirectory(destination) ? pGTable->RootDir : WithoutSlash(destination);
 }
 
-/// Where source goes: into destination when that is a directory, else to that very name. Without a
-/// "/" at the end.
+/// The target path of source: inside destination if into_directory, else destination itself. Without
+/// a "/" at the end.
 std::string ProofDstPath(const std::string& destination, const std::string& source, bool into_directory)
 {
     return WithoutSlash(into_directory ? WithSlash(destination) + GetLastPath(source) : destination);
 }
 
-/// An item of a command.
+/// Copies or moves one item of a command.
 Result TransferItem(OperationKind kind, const std::string& destination, const std::string& source, int* flag)
 {
     if (destination.empty() || source.empty() || flag == nullptr) {
@@ -430,11 +436,11 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     struct stat destination_st = {};
     const bool exists = lstat(DestinationPath(destination).c_str(), &destination_st) == 0;
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
-        return FileErrorMessage(kind, destination, errno);  // Better than to take a directory for none.
+        return FileErrorMessage(kind, destination, errno);  // It may be a directory.
     }
     const bool is_directory = exists && S_ISDIR(destination_st.st_mode);
     if (!is_directory && destination.ends_with('/') && !S_ISDIR(st.st_mode)) {
-        // Of several items, each would replace the one before under the name of what has gone.
+        // The directory may have vanished. Each of several files would then replace the one before.
         return FileErrorMessage(kind, destination, exists ? ENOTDIR : ENOENT);
     }
     const std::string target = ProofDstPath(destination, source, is_directory);

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// An object has gone, or it stays because of the error, which the user is told.
+/// Ends the deletion of an object, and reports error unless it is 0. RESULT_OK if the object stays.
 Result FinishDeletion(const std::string& path, int error, StepCount counted)
 {
     if (error != 0 && ReportDeleteFailure(path, error) == RESULT_CANCEL) {
@@ -23,8 +23,8 @@ Result FinishDeletion(const std::string& path, int error, StepCount counted)
     return progress != RESULT_DONE ? progress : error != 0 ? RESULT_OK : RESULT_DONE;
 }
 
-/// Somebody else may be quicker; what is gone is gone. Anything else that keeps an object from
-/// being seen does not mean that there is none.
+/// The same after a failed look-up. If somebody else has deleted the object, that is success; with
+/// any other error it may still exist.
 Result FinishUnlessGone(const std::string& path, int error, StepCount counted)
 {
     return error == ENOENT || error == ENOTDIR ? RESULT_DONE : FinishDeletion(path, error, counted);
@@ -37,7 +37,7 @@ Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
     return FinishDeletion(place.path, error, is_directory ? STEP_NOT_COUNTED : counted);
 }
 
-/// Asks before the first directory that is not empty. RESULT_DONE: it may be emptied.
+/// Asks whether to delete the contents of path, unless the user has agreed before. RESULT_DONE if so.
 Result AskBeforeEmptying(const std::string& path, Result* answer)
 {
     if (*answer != RESULT_CANCEL) {
@@ -50,7 +50,7 @@ Result AskBeforeEmptying(const std::string& path, Result* answer)
         *answer = given;
         return RESULT_DONE;
     case RESULT_CANCEL:
-        return RESULT_OK;  // This one stays; the next is asked about again.
+        return RESULT_OK;  // Keep this one, and ask again about the next.
     default:
         return RESULT_CANCEL;
     }
@@ -58,7 +58,7 @@ Result AskBeforeEmptying(const std::string& path, Result* answer)
 
 Result RemoveTree(const Place& place, Result* answer);
 
-/// An entry whose path is too long to work with stays, as one that cannot be deleted does.
+/// Deletes an entry of a directory. An entry whose path is too long is reported and stays.
 Result RemoveEntry(const Place& place, Result* answer)
 {
     if (place.path.size() <= kMaxPathBytes) {
@@ -67,7 +67,7 @@ Result RemoveEntry(const Place& place, Result* answer)
     return FinishDeletion(place.path, ENAMETOOLONG, IsDirectory(place) ? STEP_NOT_COUNTED : STEP_COUNTED);
 }
 
-/// Deletes what is in the open directory. RESULT_OK when something of it stays.
+/// Deletes the contents of an open directory. RESULT_OK if something stays.
 Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 {
     std::vector<std::string> names;

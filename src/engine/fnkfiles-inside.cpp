@@ -17,14 +17,13 @@ namespace {
 
 constexpr int kPlaceOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-/// Whether an error of opening says that there is no directory to be had under that path.
+/// Whether an errno of open() proves that the path names no directory.
 bool MeansNoDirectory(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-/// Opens the deepest directory that there is on the way to target, or target itself if it is one.
-/// 0 or an errno.
+/// Opens target if it is a directory, else its nearest existing parent. 0 or an errno.
 int OpenNearestDirectory(const std::string& target, Descriptor* directory)
 {
     *directory = Descriptor(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
@@ -35,7 +34,7 @@ int OpenNearestDirectory(const std::string& target, Descriptor* directory)
     return *directory ? 0 : errno;
 }
 
-/// Climbs to the root and looks for source on the way. 0 or an errno.
+/// Climbs from directory to the root and sets is_below if it meets source. 0 or an errno.
 int FindAmongAncestors(Descriptor directory, const struct stat& source, bool* is_below)
 {
     struct stat st = {};
@@ -57,7 +56,7 @@ int FindAmongAncestors(Descriptor directory, const struct stat& source, bool* is
     return errno;
 }
 
-/// A field of the mount table, in which blanks and the like are octal numbers.
+/// Decodes a field of the mount table, where blanks and the like are octal escapes.
 std::string UnescapeOctal(const std::string& field)
 {
     std::string text;
@@ -73,8 +72,8 @@ std::string UnescapeOctal(const std::string& field)
 }
 
 struct Mount {
-    std::string root;   ///< What of the file system is mounted, as a path in it.
-    std::string point;  ///< Where.
+    std::string root;   ///< The directory of the file system that is mounted.
+    std::string point;  ///< The mount point.
 };
 
 bool FindMount(std::uint64_t wanted, Mount* mount)
@@ -93,9 +92,8 @@ bool FindMount(std::uint64_t wanted, Mount* mount)
     return false;
 }
 
-/// The path of an open directory in its file system, with a "/" at its end; empty if unknown. A
-/// part of a file system that is mounted a second time is below directories there that climbing
-/// from it never meets.
+/// The path of an open directory inside its file system, ending in "/"; empty if unknown. Needed for
+/// bind mounts: climbing from one does not meet its parents in the file system itself.
 std::string PathInFileSystem(int directory)
 {
     struct statx status = {};
@@ -138,6 +136,6 @@ int CheckIsInside(const std::string& target, const std::string& source, bool* is
         *is_inside = are_paths_known && inner_target.starts_with(inner_source);
     }
     const int error = *is_inside ? 0 : FindAmongAncestors(std::move(target_directory), source_st, is_inside);
-    // From a directory that may not be searched there is no climbing.
+    // Climbing needs search permission. Without it, the answer of the paths stands.
     return error == EACCES && are_paths_known ? 0 : error;
 }

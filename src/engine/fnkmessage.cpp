@@ -9,7 +9,7 @@ EngineEvents OnEngine;
 
 std::string FormatPathMessage(const char* format, const std::string& path, int error)
 {
-    // As many characters as a line of a box can take on a small screen, twice over.
+    // About two lines of a message box on a small screen.
     constexpr long kMaxCharacters = 240;
     constexpr long kKeptAtEachEnd = kMaxCharacters / 2 - 2;
     std::string shown = DisplayLine(path);
@@ -19,8 +19,7 @@ std::string FormatPathMessage(const char* format, const std::string& path, int e
         const char* const tail = g_utf8_offset_to_pointer(shown.c_str(), length - kKeptAtEachEnd);
         shown = std::string(shown.c_str(), head_end) + "\u2026" + tail;
     }
-    // The catalogue's formats take the path first, then the reason; one without a second place
-    // leaves it out.
+    // Formats without a second %s ignore the reason.
     const GlibPointer<char> text(g_strdup_printf(format, shown.c_str(), error != 0 ? g_strerror(error) : ""));
     return text.get();
 }
