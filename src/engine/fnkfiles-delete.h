@@ -15,7 +15,7 @@ enum StepCount { STEP_NOT_COUNTED = 0, STEP_COUNTED = 1 };
 Result RemoveFileInternal(const std::string& path, StepCount counted);
 Result RemoveFileInternal(const Place& place, StepCount counted);
 
-/// Deletes path; a directory with its contents. The command owns answer and starts it as
-/// RESULT_CANCEL, which means not asked yet. Once it is RESULT_OK or RESULT_YES_ALL, directories
-/// that are not empty are deleted without a question.
+/// Deletes path; a directory with its contents. answer starts as RESULT_CANCEL, which means that the
+/// user has not agreed yet. Once it is RESULT_OK or RESULT_YES_ALL, directories that are not empty
+/// are deleted without a question. RESULT_OK is for one item: the caller resets it after each.
 Result RemoveFile(const std::string& path, Result* answer);
