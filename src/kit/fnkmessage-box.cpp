@@ -35,7 +35,7 @@ Picture MessageIcon(unsigned style)
     }
 }
 
-/// One button that answers RESULT_OK, or two, of which the second answers RESULT_CANCEL.
+/// The first button answers RESULT_OK; the second, unless null, RESULT_CANCEL.
 using ButtonLabels = std::array<const char*, 2>;
 
 ButtonLabels MessageButtons(unsigned style)
@@ -54,7 +54,7 @@ ButtonLabels MessageButtons(unsigned style)
     }
 }
 
-/// A button of a running box: what it answers, and where the answer goes.
+/// The answer of a button, and where to store it.
 struct Answer {
     Result* result;
     Result value;
@@ -78,7 +78,7 @@ GtkWidget* AddButton(GtkWidget* box, const char* label, Answer* answer)
     return button;
 }
 
-/// Return presses this button, and so does closing the window.
+/// Return presses this button, and so does closing the dialog.
 void MakeDefault(GtkWidget* dialog, GtkWidget* button)
 {
     gtk_widget_grab_focus(button);
@@ -138,7 +138,7 @@ Result DeleteMessageBox(const std::string& name)
     AddButton(buttons, N_("Yes"), &answers[0]);
     AddButton(buttons, N_("No"), &answers[1]);
     MakeDefault(dialog, AddButton(buttons, N_("Cancel"), &answers[2]));
-    // Read while it still exists: the loop's end destroys the box.
+    // Track the box as it changes: it is destroyed before ModalMainLoop returns.
     g_signal_connect(rest, "toggled", G_CALLBACK(+[](GtkToggleButton* button, gpointer yes) {
                          static_cast<Answer*>(yes)->value =
                              gtk_toggle_button_get_active(button) ? RESULT_YES_ALL : RESULT_OK;

@@ -11,7 +11,6 @@ namespace {
 constexpr int kSpacing = 5;
 constexpr int kEntryWidth = 340;
 
-/// The drop-down, its entry ready to be typed over.
 GtkWidget* AddPatternCombo(GtkWidget* box, const char* accessible_name, const std::string& pattern)
 {
     GtkWidget* entry = nullptr;
