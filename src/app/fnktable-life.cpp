@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kStartError = -65533;
 
-/// Whether the record holds what the settings file said: before that it must not be written back.
+/// Whether the settings file has been read. Until then it must not be written.
 bool settings_loaded = false;
 
 GdkPixbuf* LoadPicture(const char* const* xpm)
@@ -30,7 +30,7 @@ bool IsJapaneseLocale()
     return lang != nullptr && std::strncmp(lang, "ja_JP", 5) == 0;
 }
 
-/// A waiting sync() must not leave a dead window on the screen.
+/// Hides the window at once, so that it does not freeze on the screen while sync() blocks.
 void HideMainWindow()
 {
     if (pMainW != nullptr && pMainW->MainWindow != nullptr && gtk_widget_get_visible(pMainW->MainWindow)) {
@@ -67,7 +67,7 @@ void TerminateGlobalTable()
         SetGTable(layout);
     }
     settings_loaded = false;
-    // The pointers first: releasing what the records hold can run callbacks that look at them.
+    // Clear the pointers first: callbacks can run while the contents are released.
     GTable* const table = std::exchange(pGTable, nullptr);
     MainW* const widgets = std::exchange(pMainW, nullptr);
     if (table != nullptr) {

@@ -10,8 +10,8 @@ std::string ArgumentAt(int argc, char** argv, int index)
     return index < argc ? argv[index] : "";
 }
 
-/// What is relative counts from where the program was started, and is told from the top, as all
-/// paths are here. Only a directory is: a link to one is no directory under either kind of path.
+/// Makes a relative path of a directory absolute, from where the program was started. Anything else
+/// stays as typed; that includes a link to a directory, which does not count as one.
 std::string DirectoryArgument(int argc, char** argv, int index)
 {
     const std::string argument = ArgumentAt(argc, argv, index);
