@@ -8,6 +8,7 @@
 #include "core/fnkfiles-settings.h"
 #include "core/fnktable.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-picture.h"
 
 #include "CloseDir.xpm"
 #include "OpenDir.xpm"
@@ -18,11 +19,6 @@ constexpr int kStartError = -65533;
 
 /// Whether the settings file has been read. Until then it must not be written.
 bool settings_loaded = false;
-
-GdkPixbuf* LoadPicture(const char* const* xpm)
-{
-    return gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
-}
 
 bool IsJapaneseLocale()
 {
@@ -47,8 +43,8 @@ int InitGlobalTable()
     pMainW = new MainW;
     pGTable = new GTable;
     pGTable->JapaneseLocale = IsJapaneseLocale() ? 1 : 0;
-    pGTable->OpenDirPixmap = LoadPicture(OpenDir_xpm);
-    pGTable->CloseDirPixmap = LoadPicture(CloseDir_xpm);
+    pGTable->OpenDirPixmap = ReadXpm(OpenDir_xpm);
+    pGTable->CloseDirPixmap = ReadXpm(CloseDir_xpm);
     if (pGTable->OpenDirPixmap == nullptr || pGTable->CloseDirPixmap == nullptr) {
         return kStartError;
     }

@@ -37,17 +37,11 @@ Pixels RenderDrawing(const char* name, int scale)
     return Pixels(ReadResource("/fennick/drawings/" + std::string(name) + ".svg", "svg", scale));
 }
 
-Pixels ReadXpm(const char* const* xpm)
-{
-    // The function does not modify the data; its declaration merely lacks a const.
-    return Pixels(gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm)));
-}
-
 Pixels LoadPixels(const Picture& picture, int scale)
 {
     Pixels pixels = scale > 1 ? RenderDrawing(picture.name, scale) : nullptr;
     if (pixels == nullptr) {
-        const Pixels plain = ReadXpm(picture.xpm);
+        const Pixels plain(ReadXpm(picture.xpm));
         // Repeat each pixel: coarse, but not blurred.
         pixels.reset(gdk_pixbuf_scale_simple(plain.get(), gdk_pixbuf_get_width(plain.get()) * scale,
                                              gdk_pixbuf_get_height(plain.get()) * scale, GDK_INTERP_NEAREST));
@@ -85,6 +79,12 @@ GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale)
     }
     GdkPixbuf* const pixels = gdk_pixbuf_loader_get_pixbuf(loader.get());
     return pixels != nullptr ? GDK_PIXBUF(g_object_ref(pixels)) : nullptr;
+}
+
+GdkPixbuf* ReadXpm(const char* const* xpm)
+{
+    // The function does not modify the data; its declaration merely lacks a const.
+    return gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
 }
 
 cairo_surface_t* PictureSurface(const Picture& picture, int scale)

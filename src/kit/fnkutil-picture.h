@@ -11,6 +11,9 @@
 /// which takes longer than decoding the picture.
 GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale = 1);
 
+/// Decodes XPM data. The caller owns the picture. Null if the data is not valid.
+GdkPixbuf* ReadXpm(const char* const* xpm);
+
 /// A built-in picture. PICTURE(Name) needs Name.xpm to be included.
 struct Picture {
     const char* name = nullptr;

@@ -28,15 +28,6 @@ const T* AttachedData(gpointer object, const char* key)
     return static_cast<const T*>(g_object_get_data(G_OBJECT(object), key));
 }
 
-GtkWidget* AddDialogButton(GtkWidget* box, const char* label)
-{
-    GtkWidget* const button = gtk_button_new_with_label(label);
-    gtk_container_add(GTK_CONTAINER(box), button);
-    gtk_widget_set_can_default(button, TRUE);
-    gtk_widget_show(button);
-    return button;
-}
-
 GtkWidget* DialogActionArea(GtkWidget* dialog)
 {
     G_GNUC_BEGIN_IGNORE_DEPRECATIONS
@@ -134,6 +125,15 @@ GtkWidget* CreateButtonRow(GtkWidget* dialog)
     gtk_box_pack_start(GTK_BOX(area), box, TRUE, TRUE, 0);
     gtk_widget_show(box);
     return box;
+}
+
+GtkWidget* AddDialogButton(GtkWidget* row, const char* label)
+{
+    GtkWidget* const button = gtk_button_new_with_label(label);
+    gtk_container_add(GTK_CONTAINER(row), button);
+    gtk_widget_set_can_default(button, TRUE);
+    gtk_widget_show(button);
+    return button;
 }
 
 int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing)

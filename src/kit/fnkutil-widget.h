@@ -29,6 +29,8 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height);
 
 /// The row for buttons at the bottom of a dialog, aligned to the right.
 GtkWidget* CreateButtonRow(GtkWidget* dialog);
+/// Adds a button, which can be the default, to a button row. label is translated.
+GtkWidget* AddDialogButton(GtkWidget* row, const char* label);
 /// Adds a button row with OK and Cancel, each only if its pointer is not null. The last one is the
 /// default and has the focus. With CLOSING_WIRED, closing the window presses it, and it ends the main
 /// loop. 0 or kWidgetError.
