@@ -10,8 +10,8 @@ std::string ArgumentAt(int argc, char** argv, int index)
     return index < argc ? argv[index] : "";
 }
 
-/// Makes a relative path of a directory absolute, from where the program was started. Anything else
-/// stays as typed; that includes a link to a directory, which does not count as one.
+/// Makes the relative path of a directory absolute. Anything else stays as typed, even a link to a
+/// directory, which does not count as one.
 std::string DirectoryArgument(int argc, char** argv, int index)
 {
     const std::string argument = ArgumentAt(argc, argv, index);

@@ -23,8 +23,8 @@
 
 namespace {
 
-/// The parent process may have closed standard input, output or error. The next file or connection
-/// would get that number, and warnings would be written to it.
+/// Opens standard descriptors that the parent process has closed. Otherwise the next file or
+/// connection would get that number, and warnings would be written to it.
 void OpenStandardDescriptors()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {

@@ -21,8 +21,8 @@ class Copier {
 public:
     Copier(int source, int target, const std::atomic<bool>& stop) : source_(source), target_(target), stop_(stop) {}
 
-    /// Copies st.st_size bytes, so that a file that grows meanwhile comes to an end. A size of 0 means
-    /// to the end of the file. Fewer blocks than the size needs are a sign of holes.
+    /// Copies st.st_size bytes, even if the file grows meanwhile; with size 0, up to the end of the
+    /// file. Fewer blocks than the size needs are a sign of holes.
     ContentResult CopyAll(const struct stat& st)
     {
         constexpr off_t kBlockBytes = 512;

@@ -222,8 +222,8 @@ bool HaveSeparateEntries(const Place& one, const Place& other)
 }
 
 /// Whether source and target are hard links to one file. rename() then succeeds without effect, so
-/// the old name has to be removed instead. Not so where the file system ignores case and both names
-/// are one entry: removing it would lose the file.
+/// the old name has to be removed instead. If both names are one entry, because the file system
+/// ignores case, removing it would lose the file.
 bool IsNoOpRename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
     return cleared.MustReplace() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&

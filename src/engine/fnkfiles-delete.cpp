@@ -23,8 +23,8 @@ Result FinishDeletion(const std::string& path, int error, StepCount counted)
     return progress != RESULT_DONE ? progress : error != 0 ? RESULT_OK : RESULT_DONE;
 }
 
-/// The same after a failed look-up. If somebody else has deleted the object, that is success; with
-/// any other error it may still exist.
+/// Ends the deletion after a failed look-up. Success if the object is already gone; with any other
+/// error it may still exist.
 Result FinishUnlessGone(const std::string& path, int error, StepCount counted)
 {
     return error == ENOENT || error == ENOTDIR ? RESULT_DONE : FinishDeletion(path, error, counted);

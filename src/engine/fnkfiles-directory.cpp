@@ -13,7 +13,7 @@
 namespace {
 
 constexpr mode_t kNewDirectoryMode = 0775;
-/// Until the directory gets its permission bits from its source.
+/// For a directory that gets the permission bits of its source later.
 constexpr mode_t kPrivateMode = 0700;
 
 Descriptor OpenPlace(const Place& place, int flags)
