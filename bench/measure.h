@@ -236,7 +236,7 @@ inline void StartFennick(const std::string& directory)
     char option[] = "--home";
     char* arguments[] = {program, option, root.data(), nullptr};
     InitGlobalTable();
-    TakeDirectories(ParseCommandLine(3, arguments));
+    SetStartDirectories(ParseCommandLine(3, arguments));
     SeedHistories();
     gtk_widget_show(CreateMainWindow());
     while (gtk_events_pending()) {

@@ -17,10 +17,10 @@
 
 namespace {
 
-/// Which way a key moves; it decides where the row comes to stand when the view must scroll.
+/// Which way a key moves. If the view scrolls, the row goes to the top or bottom accordingly.
 enum Direction { DIRECTION_UP, DIRECTION_DOWN };
 
-/// A key of the keypad is the same key as the one beside it.
+/// Maps keys of the numeric keypad, and Shift+Tab, to the plain keys.
 guint PlainKey(guint key)
 {
     switch (key) {
@@ -76,7 +76,7 @@ void ScrollTo(GtkTreeView* view, GtkTreePath* path, Direction direction)
     }
 }
 
-// The list. Rows are ints here because targets are computed past both ends and clamped.
+// The list. Rows are ints because targets are computed past both ends and then clamped.
 
 int ListRowCount()
 {
@@ -89,7 +89,7 @@ RowVisibility ListRowVisibility(int row)
     return GetRowVisibility(MainList(), path.get());
 }
 
-/// Lowest and highest selected row.
+/// First and last selected row, -1 for none, and the number of selected rows.
 struct SelectedRange {
     int first = -1;
     int last = -1;
@@ -107,14 +107,14 @@ SelectedRange GetSelectedRange()
 
 void ListRowVisible(int row, Direction direction)
 {
-    // The ".." row comes into view together with the first entry.
+    // The first entry brings the ".." row into view, too.
     const TreePath path(gtk_tree_path_new_from_indices(row == 1 ? 0 : row, -1));
     ScrollTo(MainList(), path.get(), direction);
 }
 
 struct ListPage {
     int top;     ///< First row that is at least partly visible.
-    int bottom;  ///< First row behind it that is not fully visible, or the last row.
+    int bottom;  ///< First row below top that is not fully visible, or the last row.
     int count;
 };
 
@@ -137,8 +137,8 @@ void SelectOnly(int row)
     SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
 }
 
-/// The keys go to the list from here on, and begin at its top. One that is filled anew is about to
-/// be scrolled to where it was; this takes the place of that.
+/// Selects the first entry, so that keys act on the list. Asks the toolkit to scroll to the top: this
+/// replaces the pending scroll to the old position of a list that has just been filled.
 void SelectFirstEntry()
 {
     SelectListRows(1, 1);
@@ -239,8 +239,8 @@ void SelectNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node
     SetTreeSelectNode(tree, node);
 }
 
-/// Left: an expanded node collapses, any other has its parent collapse. The root stays open while
-/// it is the node itself.
+/// Left collapses an expanded node, else the parent of the node. The root never collapses while it is
+/// the current node.
 void CollapseNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& current)
 {
     const OptionalNode parent = walk.Parent(current);
@@ -249,7 +249,7 @@ void CollapseNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& cu
     }
 }
 
-/// Where Page Up or Page Down leads: the edge of the page, or from there one page further.
+/// The target of Page Up or Page Down: the edge of the page, or one page further if already there.
 OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direction direction)
 {
     const OptionalNode root = walk.Root();
@@ -257,13 +257,13 @@ OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direct
     if (!page || !root || !walk.IsExpanded(*root)) {
         return std::nullopt;
     }
-    const bool up = direction == DIRECTION_UP;
-    GtkTreeIter target = up ? page->top : page->bottom;
+    const bool is_up = direction == DIRECTION_UP;
+    GtkTreeIter target = is_up ? page->top : page->bottom;
     if (current.user_data != target.user_data) {
         return target;
     }
     for (int step = 0; step < page->steps; ++step) {
-        const OptionalNode next = up ? walk.Above(target) : walk.Below(target);
+        const OptionalNode next = is_up ? walk.Above(target) : walk.Below(target);
         if (!next) {
             break;
         }
@@ -272,7 +272,7 @@ OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direct
     return target;
 }
 
-/// The node that the key moves to, if it is one that moves.
+/// The node to which the key moves, if it moves.
 OptionalNode KeyTarget(const TreeWalk& walk, const GtkTreeIter& current, guint key)
 {
     switch (key) {
@@ -308,13 +308,13 @@ void TreeKeyPress(GtkTreeView* tree, guint key)
         CollapseNode(tree, walk, current);
         return;
     }
-    const bool up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
+    const bool is_up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
     if (const OptionalNode target = KeyTarget(walk, current, key)) {
-        SelectNode(tree, walk, *target, up ? DIRECTION_UP : DIRECTION_DOWN);
+        SelectNode(tree, walk, *target, is_up ? DIRECTION_UP : DIRECTION_DOWN);
     }
 }
 
-/// Tab: the keys go to the other pane.
+/// Tab switches the pane on which keys act.
 void SwitchPane()
 {
     if (IsLocationFocused()) {
@@ -327,8 +327,8 @@ void SwitchPane()
     }
 }
 
-/// A drag has pointer and keyboard then. A menu that a key opened would get neither, and the toolkit
-/// be left with a grab on a window that is not there.
+/// A drag then has the pointer and keyboard grabs. A menu opened by a key would get neither, and the
+/// toolkit would keep a grab on a window that no longer exists.
 bool IsButtonHeld(guint state)
 {
     return (state & (GDK_BUTTON1_MASK | GDK_BUTTON2_MASK | GDK_BUTTON3_MASK)) != 0;
@@ -350,7 +350,7 @@ gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gp
         return TRUE;
     }
     if (IsLocationFocused()) {
-        // First the entry, then the accelerators: what edits text must not act on files.
+        // The entry comes before the accelerators: keys that edit text must not act on files.
         return gtk_window_propagate_key_event(GTK_WINDOW(window), event);
     }
     if (!IsNavigationKey(key)) {

@@ -1,6 +1,6 @@
 #pragma once
-// Keyboard navigation of the two panes, neither of which takes the focus: keys act on the list
-// while it has a selection, else on the tree.
+// Keyboard navigation. Neither pane takes the focus: keys act on the list while it has a selection,
+// else on the tree.
 
 #include <gtk/gtk.h>
 

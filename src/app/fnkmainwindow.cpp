@@ -29,10 +29,10 @@ namespace {
 
 constexpr int kStatusSpacing = 2;
 constexpr int kFilterStatusWidth = 202;
-/// So much of the window's corner stays on the screen, and so much of the list beside the divider,
+/// Pixels of the window's corner that stay on the screen, and of the list beside the divider,
 /// whatever the settings file says.
-constexpr int kShownCorner = 64;
-/// The panes are not squeezed below this height; scroll bars cannot be drawn in less.
+constexpr int kMinVisible = 64;
+/// Minimum height of the panes; the toolkit cannot draw scroll bars in less.
 constexpr int kPaneHeight = 80;
 
 constexpr const char* kPanedStyle = "paned > separator { min-width: 10px; }";
@@ -48,7 +48,7 @@ gboolean on_MainWindow_delete_event(GtkWidget*, GdkEvent*, gpointer)
     return FALSE;
 }
 
-/// A directory was chosen in the tree: everything else follows it.
+/// Shows a directory that was selected in the tree: list, location bar, history and buttons.
 void EnterDirectory(const std::string& path)
 {
     pGTable->CurrentDir = path;
@@ -72,7 +72,7 @@ void EnterDirectory(const std::string& path)
     ReleaseEntryFocus(pMainW->MainWindow);
 }
 
-void ShowSelection()
+void UpdateForSelection()
 {
     SensitivePropertyButton();
     DisplayFileStatus();
@@ -112,8 +112,8 @@ void PlaceWindow(GtkWindow* window)
     if (pGTable->WindowWidth >= screen.width && pGTable->WindowHeight >= screen.height) {
         gtk_window_set_position(window, GTK_WIN_POS_CENTER);
     } else {
-        pGTable->WindowX = std::clamp(pGTable->WindowX, 0, std::max(0, screen.width - kShownCorner));
-        pGTable->WindowY = std::clamp(pGTable->WindowY, 0, std::max(0, screen.height - kShownCorner));
+        pGTable->WindowX = std::clamp(pGTable->WindowX, 0, std::max(0, screen.width - kMinVisible));
+        pGTable->WindowY = std::clamp(pGTable->WindowY, 0, std::max(0, screen.height - kMinVisible));
         gtk_window_move(window, pGTable->WindowX, pGTable->WindowY);
     }
     if (pGTable->WindowWidth > 0 && pGTable->WindowHeight > 0) {
@@ -135,7 +135,7 @@ GtkWidget* CreatePaned(GtkWidget* box)
     int divider = pGTable->PandPosition > 0 ? pGTable->PandPosition : kDefaultDivider;
     if (pGTable->WindowWidth > 0) {
         const int width = std::min(pGTable->WindowWidth, ScreenSize().width);
-        divider = std::clamp(divider, 1, std::max(kDefaultDivider, width - kShownCorner));
+        divider = std::clamp(divider, 1, std::max(kDefaultDivider, width - kMinVisible));
     }
     gtk_paned_set_position(GTK_PANED(paned), divider);
     gtk_widget_set_size_request(paned, -1, kPaneHeight);
@@ -143,8 +143,8 @@ GtkWidget* CreatePaned(GtkWidget* box)
     return paned;
 }
 
-/// The end of the text, the size of a file, is to be seen however long the name is. A text fills
-/// its bar and asks for no room of the other one.
+/// Keeps the end of the text, the file size, visible however long the name is. The label fills its
+/// bar and takes no space from the other bar.
 void FitStatusLabel(GtkWidget* bar)
 {
     GtkWidget* const label = StatusBarLabel(bar);
@@ -167,10 +167,10 @@ GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
     return bar;
 }
 
-/// Wide enough for what it says while there is no filter, in whatever font and language.
+/// Makes the bar wide enough for its text without a filter, in any font and language.
 void FitFilterStatus()
 {
-    constexpr int kInsets = 40;  // Of bar, frame and label.
+    constexpr int kInsets = 40;  // Borders of bar, frame and label.
     GtkWidget* const bar = pMainW->FilterStatusBar;
     const int text_width = GetTextWidth(StatusBarLabel(bar), _(" Filter: Show all files"));
     gtk_widget_set_size_request(bar, std::max(kFilterStatusWidth, text_width + kInsets), -1);
@@ -185,7 +185,7 @@ GtkWidget* CreateMainWindow()
                 .UpdateProgress = UpdateProgress,
                 .KeepPainting = KeepPainting};
     OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
-    OnFileList = {.SelectionChanged = ShowSelection, .FileActivated = ExecApplication};
+    OnFileList = {.SelectionChanged = UpdateForSelection, .FileActivated = ExecApplication};
     OnFilesDropped = UIFileDragDrop;
     ReadLiveLayout = ReadLayout;
 
@@ -222,7 +222,7 @@ void ShowMainWindow()
 {
     gtk_widget_show(pMainW->MainWindow);
     ReleaseEntryFocus(pMainW->MainWindow);
-    // Nothing is shown yet, so opening the directory has to enter it.
+    // OpenChildTree must not take the directory for the one already shown.
     const std::string start = std::exchange(pGTable->CurrentDir, {});
     OpenChildTree(MainTree(), start, EXPAND_LAST_NO);
 }

@@ -1,10 +1,10 @@
 #pragma once
-// The main window, and what happens in it when a directory is chosen.
+// The main window.
 
 #include <gtk/gtk.h>
 
-/// Builds the window, not shown, into the MainW record; null when the root cannot be read.
+/// Creates the window and fills pMainW; does not show it. Null if RootDir cannot be read.
 GtkWidget* CreateMainWindow();
 
-/// Shows the window and opens the directory to start with.
+/// Shows the window and opens CurrentDir.
 void ShowMainWindow();

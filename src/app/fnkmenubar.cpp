@@ -28,8 +28,7 @@ using MenuHandler = void (*)(GtkWidget*, gpointer);
 
 enum MenuKind { MENU_ITEM, MENU_SEPARATOR, MENU_WITH_SUBMENU };
 
-/// Labels carry their mnemonic in brackets, so that it survives a translation into a script that
-/// has no such letter.
+/// The mnemonic of a label is in brackets, so that it also works in scripts without that letter.
 struct MenuTableEntry {
     MenuKind kind;
     const char* label = "";
@@ -77,7 +76,7 @@ constexpr std::size_t kSubmenuBegin = MENU_STORED_COUNT;
 
 struct MenuTitle {
     const char* label;
-    std::size_t entries;  ///< The next so many of the table are in this menu.
+    std::size_t entries;  ///< Number of entries, which follow each other in the table.
     MenuHandler handler;
 };
 
@@ -89,7 +88,7 @@ constexpr std::array<MenuTitle, 5> kTitles = {{
     {N_("Help(_H)"), 3, nullptr},
 }};
 
-/// All commands come through here: one that comes after the end finds no records to work on.
+/// Calls the command, unless the records are already gone.
 void on_Menu_activate(GtkWidget* item, gpointer index)
 {
     if (pGTable != nullptr) {
@@ -116,14 +115,14 @@ void on_Menu_deselect(GtkWidget*, gpointer)
     RestoreStatusText();
 }
 
-/// A key does what its entry would do if the menu were opened now: the entry is asked before that,
-/// and would answer with what was selected when the menu was last opened.
+/// Updates the menu before its accelerator is tried. Otherwise the sensitivity of the entry would
+/// still depend on what was selected when the menu was last opened.
 gboolean on_Menu_can_activate_accel(GtkWidget* item, guint, gpointer title)
 {
     if (pGTable != nullptr) {
         kTitles[GPOINTER_TO_SIZE(title)].handler(item, nullptr);
     }
-    return FALSE;  // The toolkit's own answer, which comes last, counts.
+    return FALSE;  // The toolkit's default handler, which runs last, decides.
 }
 
 GtkWidget* CreateSubMenu(GtkWidget* item, GtkAccelGroup* accelerators)

@@ -1,7 +1,7 @@
 #pragma once
-// The menu bar: five menus from one table of entries.
+// The menu bar.
 
 #include <gtk/gtk.h>
 
-/// Builds the bar into box and stores its items in MainW::MenuItem; its handle box, or null.
+/// Creates the bar in box and stores its items in MainW::MenuItem. Returns its handle box, or null.
 GtkWidget* CreateMenuBar(GtkWidget* box);

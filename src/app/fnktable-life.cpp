@@ -8,6 +8,7 @@
 #include "core/fnkfiles-settings.h"
 #include "core/fnktable.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-picture.h"
 
 #include "CloseDir.xpm"
 #include "OpenDir.xpm"
@@ -16,13 +17,8 @@ namespace {
 
 constexpr int kStartError = -65533;
 
-/// Whether the record holds what the settings file said: before that it must not be written back.
+/// Whether the settings file has been read. Until then it must not be written.
 bool settings_loaded = false;
-
-GdkPixbuf* LoadPicture(const char* const* xpm)
-{
-    return gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
-}
 
 bool IsJapaneseLocale()
 {
@@ -30,7 +26,7 @@ bool IsJapaneseLocale()
     return lang != nullptr && std::strncmp(lang, "ja_JP", 5) == 0;
 }
 
-/// A waiting sync() must not leave a dead window on the screen.
+/// Hides the window at once, so that it does not freeze on the screen while sync() blocks.
 void HideMainWindow()
 {
     if (pMainW != nullptr && pMainW->MainWindow != nullptr && gtk_widget_get_visible(pMainW->MainWindow)) {
@@ -47,8 +43,8 @@ int InitGlobalTable()
     pMainW = new MainW;
     pGTable = new GTable;
     pGTable->JapaneseLocale = IsJapaneseLocale() ? 1 : 0;
-    pGTable->OpenDirPixmap = LoadPicture(OpenDir_xpm);
-    pGTable->CloseDirPixmap = LoadPicture(CloseDir_xpm);
+    pGTable->OpenDirPixmap = ReadXpm(OpenDir_xpm);
+    pGTable->CloseDirPixmap = ReadXpm(CloseDir_xpm);
     if (pGTable->OpenDirPixmap == nullptr || pGTable->CloseDirPixmap == nullptr) {
         return kStartError;
     }
@@ -67,7 +63,7 @@ void TerminateGlobalTable()
         SetGTable(layout);
     }
     settings_loaded = false;
-    // The pointers first: releasing what the records hold can run callbacks that look at them.
+    // Clear the pointers first: callbacks can run while the contents are released.
     GTable* const table = std::exchange(pGTable, nullptr);
     MainW* const widgets = std::exchange(pMainW, nullptr);
     if (table != nullptr) {

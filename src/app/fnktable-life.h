@@ -1,10 +1,10 @@
 #pragma once
-// Birth and death of the two global records.
+// Creates and destroys the global records pGTable and pMainW.
 
-/// Allocates both records and loads the settings and associations. 0, or -65533 when the folder pictures cannot be
-/// made; nothing is written then.
+/// Creates both records and loads the settings and associations. 0, or -65533 if the folder pictures
+/// cannot be created; TerminateGlobalTable then writes no settings.
 int InitGlobalTable();
 
-/// Writes the settings file, with the geometry of the live window, and frees both records. May be
-/// called again; callbacks that come after it find null pointers.
+/// Writes the settings file, including the window's geometry, and frees both records. Harmless when
+/// called again. Later callbacks find null pointers.
 void TerminateGlobalTable();

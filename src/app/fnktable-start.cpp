@@ -10,9 +10,9 @@ std::string ArgumentAt(int argc, char** argv, int index)
     return index < argc ? argv[index] : "";
 }
 
-/// What is relative counts from where the program was started, and is told from the top, as all
-/// paths are here. Only a directory is: a link to one is no directory under either kind of path.
-std::string DirectoryAt(int argc, char** argv, int index)
+/// Makes the relative path of a directory absolute. Anything else stays as typed, even a link to a
+/// directory, which does not count as one.
+std::string DirectoryArgument(int argc, char** argv, int index)
 {
     const std::string argument = ArgumentAt(argc, argv, index);
     if (argument.empty() || argument.front() == '/' || !IsDirectory(argument)) {
@@ -29,16 +29,16 @@ CommandLine ParseCommandLine(int argc, char** argv)
     CommandLine result;
     const std::string option = ArgumentAt(argc, argv, 1);
     if (option == "--version") {
-        result.version = true;
+        result.is_version_requested = true;
     } else if (option == "--root") {
         result.root = "/";
-        result.start = DirectoryAt(argc, argv, 2);
+        result.start = DirectoryArgument(argc, argv, 2);
     } else if (option == "--home") {
-        const std::string root = DirectoryAt(argc, argv, 2);
+        const std::string root = DirectoryArgument(argc, argv, 2);
         if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
             result.root = root;
         }
-        result.start = DirectoryAt(argc, argv, 3);
+        result.start = DirectoryArgument(argc, argv, 3);
     }
     if (result.root.empty()) {
         result.root = GetHomeDirectory();
@@ -47,7 +47,7 @@ CommandLine ParseCommandLine(int argc, char** argv)
     return result;
 }
 
-void TakeDirectories(const CommandLine& command_line)
+void SetStartDirectories(const CommandLine& command_line)
 {
     pGTable->RootDir = command_line.root;
     const std::string& start = command_line.start;

@@ -1,20 +1,20 @@
 #pragma once
-// From the command line to a record that knows where to start.
+// The command line, and the initial state that it sets.
 
 #include <string>
 
 struct CommandLine {
-    bool version = false;
-    std::string root;   ///< Where the tree is rooted, ending in "/"; never empty.
-    std::string start;  ///< Where it is to be opened, as it was typed; may be empty.
+    bool is_version_requested = false;
+    std::string root;   ///< Top of the tree, ending in "/"; never empty.
+    std::string start;  ///< Directory to open first; not checked, may be empty.
 };
 
-/// Only the first argument can be an option, and only as a whole. A path that leaves no room for
-/// the "/" at its end counts as none.
+/// Only the first argument can be an option, and abbreviations do not count. A root that is too long
+/// to take a "/" is ignored.
 CommandLine ParseCommandLine(int argc, char** argv);
 
-/// Sets RootDir, and StartDir where the start is a directory inside it.
-void TakeDirectories(const CommandLine& command_line);
+/// Sets RootDir, and StartDir if the start is a directory inside RootDir.
+void SetStartDirectories(const CommandLine& command_line);
 
-/// The root becomes the newest place visited; histories that offer nothing get their first entry.
+/// Adds RootDir to LocationDirHistory and gives each of the other histories an entry if it is empty.
 void SeedHistories();

@@ -41,7 +41,7 @@ constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
     {N_("Property"), PICTURE(Property), on_Tool_Property_clicked},
 }};
 
-/// All clicks come through here: one that comes after the end finds no records to work on.
+/// Calls the handler, unless the records are already gone.
 void on_Tool_clicked(GtkWidget* item, gpointer slot)
 {
     if (pGTable != nullptr) {
@@ -76,7 +76,7 @@ GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
     gtk_widget_show(image);
     GtkToolItem* const item = gtk_tool_button_new(image, gettext(tool.label));
     gtk_tool_item_set_tooltip_text(item, GetToolTipsString(slot).c_str());
-    // Each as wide as its own label, so that all of them fit into a window of the default width.
+    // Buttons of equal width would not fit into a window of the default width.
     gtk_tool_item_set_homogeneous(item, FALSE);
     gtk_toolbar_insert(GTK_TOOLBAR(toolbar), item, -1);
     gtk_widget_show(GTK_WIDGET(item));
@@ -95,7 +95,7 @@ void SetToolSensitive(ToolSlot slot, bool sensitive)
     gtk_widget_set_sensitive(pMainW->ToolButton[slot], sensitive);
 }
 
-/// Opens the history entry at HistoryIndex; false when there is none.
+/// Opens the history entry at HistoryIndex; false if there is none.
 bool OpenHistoryEntry()
 {
     const History& history = pGTable->LocationDirHistory;
@@ -162,7 +162,7 @@ void on_Tool_Up_clicked(GtkWidget*, gpointer)
 
 void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
 {
-    // What vanished meanwhile leaves the tree only with a look at the directory above it.
+    // A directory that has vanished leaves the tree only when its parent is scanned.
     std::string directory = pGTable->CurrentDir;
     while (directory.size() > pGTable->RootDir.size() && !IsDirectory(directory)) {
         directory = GetParentDirectory(directory);
@@ -174,8 +174,8 @@ void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
 void on_Tool_Home_clicked(GtkWidget*, gpointer)
 {
     const std::string home = GetHomeDirectory();
-    const bool inside = !home.empty() && CheckChildDirectory(home) == 0;
-    OpenChildTree(MainTree(), inside ? home : pGTable->RootDir, EXPAND_LAST_YES);
+    const bool is_inside = !home.empty() && CheckChildDirectory(home) == 0;
+    OpenChildTree(MainTree(), is_inside ? home : pGTable->RootDir, EXPAND_LAST_YES);
 }
 
 void on_Tool_Property_clicked(GtkWidget*, gpointer)

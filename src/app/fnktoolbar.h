@@ -1,10 +1,10 @@
 #pragma once
-// The toolbar, and with it Back and Forward: they walk LocationDirHistory, of which HistoryIndex
-// is the entry shown.
+// The toolbar. Back and Forward walk through LocationDirHistory; HistoryIndex is the current entry.
 
 #include <gtk/gtk.h>
 
-/// Builds the bar into box; its handle box, or null.
+/// Creates the bar in box and stores its buttons in MainW::ToolButton. Returns its handle box, or
+/// null.
 GtkWidget* CreateToolBar(GtkWidget* box);
 
 void on_Tool_Back_clicked(GtkWidget* button, gpointer data);

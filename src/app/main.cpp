@@ -23,20 +23,20 @@
 
 namespace {
 
-/// Whoever started this may have closed them. The next file or connection that is opened would be
-/// taken for one of them, and be sent warnings.
+/// Opens standard descriptors that the parent process has closed. Otherwise the next file or
+/// connection would get that number, and warnings would be written to it.
 void OpenStandardDescriptors()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(descriptor, F_GETFD) < 0) {
-            open("/dev/null", O_RDWR);  // Gets the lowest number that is free: this one.
+            open("/dev/null", O_RDWR);  // Gets the lowest free number: this one.
         }
     }
 }
 
 int signal_pipe[2] = {-1, -1};
 
-/// Only notes the signal; the main loop does the rest.
+/// Only wakes the main loop, which does the rest.
 void SignalHandler(int)
 {
     const int saved = errno;
@@ -45,8 +45,8 @@ void SignalHandler(int)
     errno = saved;
 }
 
-/// Runs in whatever main loop is innermost. That loop's dialog must not go on with records that
-/// are gone, so the process ends here.
+/// Runs in the innermost main loop. Exits at once: the dialog of that loop must not go on without the
+/// records.
 gboolean on_Signal(int, GIOCondition, gpointer)
 {
     TerminateGlobalTable();
@@ -67,8 +67,8 @@ void InstallSignalHandler()
     }
 }
 
-/// One picture in the sizes of title bars, window lists and panels, for every window. They are in
-/// the program, so that they are there before it is installed, too.
+/// Sets the icon of all windows, in the sizes of title bars, window lists and panels. The icons are
+/// resources, so that they also work before the program is installed.
 void SetWindowIcons()
 {
     GList* icons = nullptr;
@@ -82,9 +82,8 @@ void SetWindowIcons()
     g_list_free_full(icons, g_object_unref);
 }
 
-/// Names are UTF-8 wherever they are shown, so a locale that this machine has not got gives way to
-/// one without a language.
-void StartLocale()
+/// Falls back to C.UTF-8 if the locale is not installed, since names are shown as UTF-8.
+void InitLocale()
 {
     if (std::setlocale(LC_ALL, "") == nullptr) {
         std::setlocale(LC_ALL, "C.UTF-8");
@@ -95,8 +94,8 @@ void StartLocale()
     textdomain("fennick");
 }
 
-/// Without a display this says so, and is false.
-bool StartToolkit(int* argc, char*** argv)
+/// Opens the display; if there is none, prints an error and returns false.
+bool InitToolkit(int* argc, char*** argv)
 {
     gdk_set_allowed_backends("x11,*");
     if (gtk_init_check(argc, argv)) {
@@ -119,14 +118,14 @@ int main(int argc, char** argv)
 {
     OpenStandardDescriptors();
     const CommandLine command_line = ParseCommandLine(argc, argv);
-    if (command_line.version) {
+    if (command_line.is_version_requested) {
         g_print("Fennick  Version %s %s\n%s\n", kVersion, kVersionDate, kRights);
         return 0;
     }
     RaiseOpenFileLimit();
-    signal(SIGXFSZ, SIG_IGN);  // A file that grows too large is to be reported, not to end the program.
-    StartLocale();
-    if (!StartToolkit(&argc, &argv)) {
+    signal(SIGXFSZ, SIG_IGN);  // Report a file that grows too large instead of exiting.
+    InitLocale();
+    if (!InitToolkit(&argc, &argv)) {
         return 1;
     }
     if (InitGlobalTable() != 0) {
@@ -134,7 +133,7 @@ int main(int argc, char** argv)
         return 0;
     }
     pGTable->ArgV = argv;
-    TakeDirectories(command_line);
+    SetStartDirectories(command_line);
     SeedHistories();
     InstallSignalHandler();
     if (CreateMainWindow() == nullptr) {

@@ -38,7 +38,7 @@ void CreateSelectFilesDlg()
 void on_Select_OKButton_clicked(GtkWidget*, gpointer combo)
 {
     std::string pattern;
-    if (TakePattern(GTK_WIDGET(combo), _("Invalid select string."), &pattern)) {
+    if (AcceptPattern(GTK_WIDGET(combo), _("Invalid select string."), &pattern)) {
         SelectMatchingRows(pattern);
         gtk_main_quit();
     }

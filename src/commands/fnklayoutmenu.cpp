@@ -110,7 +110,7 @@ void CreateFilterDlg()
 void on_Filter_OKButton_clicked(GtkWidget*, gpointer combo)
 {
     std::string pattern;
-    if (!TakePattern(GTK_WIDGET(combo), _("Invalid filter string."), &pattern)) {
+    if (!AcceptPattern(GTK_WIDGET(combo), _("Invalid filter string."), &pattern)) {
         return;
     }
     pGTable->Filter = pattern != kShowAll ? 1 : 0;

@@ -15,24 +15,26 @@ namespace {
 
 constexpr mode_t kPermissionBits = 07777;
 
-/// Holds whatever bears the name now, a link itself, without opening it: pipes do not wait and
-/// devices do not notice.
-Descriptor HoldFile(const std::string& path)
+/// Opens an object, or the link itself, with O_PATH: this neither blocks on a pipe nor touches a
+/// device.
+Descriptor OpenAsPath(const std::string& path)
 {
     return Descriptor(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
 }
 
-struct stat StatusOf(const Descriptor& file)
+struct stat GetOpenFileStatus(const Descriptor& file)
 {
     struct stat st = {};
     fstat(file.Get(), &st);
     return st;
 }
 
-/// A held file takes no fchmod, but has a name among the process's own.
+/// fchmod refuses an O_PATH descriptor, so this goes through its path under /proc. Fails also if the
+/// system drops some of the bits.
 bool SetPermissionBits(const Descriptor& file, mode_t bits)
 {
-    return chmod(DescriptorPath(file.Get()).c_str(), bits) == 0 && (StatusOf(file).st_mode & kPermissionBits) == bits;
+    return chmod(DescriptorPath(file.Get()).c_str(), bits) == 0 &&
+           (GetOpenFileStatus(file).st_mode & kPermissionBits) == bits;
 }
 
 History AllGroups()
@@ -100,19 +102,19 @@ History ListOfferedGroups(gid_t file_group)
 
 bool ChangeMode(const std::string& path, mode_t mode)
 {
-    const Descriptor file = HoldFile(path);
-    const bool is_same_type = file && (StatusOf(file).st_mode & S_IFMT) == (mode & S_IFMT);
+    const Descriptor file = OpenAsPath(path);
+    const bool is_same_type = file && (GetOpenFileStatus(file).st_mode & S_IFMT) == (mode & S_IFMT);
     return is_same_type && !S_ISLNK(mode) && SetPermissionBits(file, mode & kPermissionBits);
 }
 
 bool ChangeOwner(const std::string& path, uid_t owner, gid_t group)
 {
-    const Descriptor file = HoldFile(path);
-    const mode_t before = StatusOf(file).st_mode;
+    const Descriptor file = OpenAsPath(path);
+    const mode_t before = GetOpenFileStatus(file).st_mode;
     if (!file || fchownat(file.Get(), "", owner, group, AT_EMPTY_PATH) != 0) {
         return false;
     }
-    // The system takes set-id bits away when an executable changes hands. Whoever changes the
-    // owner here sees them set in the same dialog and means to keep them.
-    return StatusOf(file).st_mode == before || SetPermissionBits(file, before & kPermissionBits);
+    // The system clears set-id bits when the owner changes. The dialog shows them as set, so the
+    // user expects to keep them.
+    return GetOpenFileStatus(file).st_mode == before || SetPermissionBits(file, before & kPermissionBits);
 }

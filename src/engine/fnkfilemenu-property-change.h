@@ -1,7 +1,6 @@
 #pragma once
-// Modes, owners and groups for the property dialog: their names, and changing them on the disk.
-// A change reaches the very object that was looked at, never what a link leads to or what took
-// its name in between.
+// User and group names, and changes of mode and owner, for the property dialog.
+// Changes never follow a symbolic link.
 
 #include <sys/types.h>
 
@@ -16,14 +15,13 @@ std::string FindGroupName(gid_t group);
 std::optional<uid_t> FindUserId(const std::string& name);
 std::optional<gid_t> FindGroupId(const std::string& name);
 
-/// The names of the groups to choose from for a file of that group: all for the super-user; for
-/// others that one, then those that they are in.
+/// The groups to offer for a file of group file_group: every group for root; for anyone else
+/// file_group first, then their own groups. Groups without a name are left out.
 History ListOfferedGroups(gid_t file_group);
 
-/// Gives a file of the type that mode says the permission bits of mode. False, with nothing
-/// changed, for a file of another type or a link, which has no bits of its own; false as well when
-/// the system drops some of them.
+/// Sets the permission bits of path to those of mode. Fails without a change if path is a symbolic
+/// link or not of the file type in mode. Also fails if the system drops some of the bits.
 bool ChangeMode(const std::string& path, mode_t mode);
 
-/// Gives a file, or a link itself, to owner and group; the permission bits stay.
+/// Changes the owner and group of path, or of the link itself. The permission bits stay.
 bool ChangeOwner(const std::string& path, uid_t owner, gid_t group);

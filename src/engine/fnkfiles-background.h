@@ -1,10 +1,9 @@
 #pragma once
-// Work that may take long, in a thread of its own, so that no window waits for a disk.
+// Slow work runs in a thread of its own, so that the windows stay responsive.
 
 #include <atomic>
 #include <functional>
 
-/// Runs work, which must not touch the record or any window, and calls KeepPainting until it is
-/// done. Once that is true, stop is set and work should end early; whether it did is its own
-/// affair.
+/// Runs work in a thread and calls KeepPainting until it returns. work must not touch the global
+/// records or any widget. Once the user cancels, stop becomes true and work should return early.
 void RunInBackground(const std::function<void(const std::atomic<bool>& stop)>& work);

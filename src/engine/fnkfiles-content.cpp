@@ -12,16 +12,17 @@
 
 namespace {
 
-/// Up to here a copy is quicker than a change of threads.
+/// Copying up to this size is quicker than switching threads. Also the size of the buffer.
 constexpr off_t kInlineBytes = 64 << 10;
-/// How much the system copies in one call: often enough back to look whether to stop.
+/// Limit of one copy_file_range call, so that stop is checked often enough.
 constexpr std::size_t kChunkBytes = 4 << 20;
 
 class Copier {
 public:
     Copier(int source, int target, const std::atomic<bool>& stop) : source_(source), target_(target), stop_(stop) {}
 
-    /// Everything, or with a size that is not 0 up to there, what a file has that grows meanwhile.
+    /// Copies st.st_size bytes, even if the file grows meanwhile; with size 0, up to the end of the
+    /// file. Fewer blocks than the size needs are a sign of holes.
     ContentResult CopyAll(const struct stat& st)
     {
         constexpr off_t kBlockBytes = 512;
@@ -39,26 +40,27 @@ private:
         return result;
     }
 
-    /// What is between the holes.
+    /// Copies the data between the holes and extends the target to size.
     ContentResult CopyData(off_t size)
     {
         for (off_t position = 0; position < size;) {
             const off_t data = lseek(source_, position, SEEK_DATA);
             if (data < 0 && errno == ENXIO) {
-                break;  // A hole up to the end.
+                break;  // The rest is a hole.
             }
             const off_t hole = data < 0 ? -1 : lseek(source_, data, SEEK_HOLE);
-            const bool tells_holes = hole > data && data >= position;
-            const off_t end = tells_holes ? std::min(hole, size) : size;
-            if (const ContentResult result = CopyRange(tells_holes ? data : position, end); result != CONTENT_COPIED) {
+            const bool has_data_range = hole > data && data >= position;
+            const off_t end = has_data_range ? std::min(hole, size) : size;
+            if (const ContentResult result = CopyRange(has_data_range ? data : position, end);
+                result != CONTENT_COPIED) {
                 return result;
             }
             position = end;
         }
-        return ftruncate(target_, size) == 0 ? CONTENT_COPIED : Fail(CONTENT_NOT_WRITTEN);
+        return ftruncate(target_, size) == 0 ? CONTENT_COPIED : Fail(CONTENT_WRITE_FAILED);
     }
 
-    /// From position to end, or to the end of the file if that comes first or end is 0.
+    /// Copies from position to end, or to the end of the file if that comes first or end is 0.
     ContentResult CopyRange(off_t position, off_t end)
     {
         bool system_copies = end > kInlineBytes;
@@ -70,7 +72,7 @@ private:
             if (system_copies) {
                 count = CopyChunk(position, end);
                 if (count < 0) {
-                    return Fail(CONTENT_NOT_WRITTEN);
+                    return Fail(CONTENT_WRITE_FAILED);
                 }
                 system_copies = count > 0;
             }
@@ -87,14 +89,15 @@ private:
         return CONTENT_COPIED;
     }
 
-    /// 0 where the system cannot, or is at the end; negative when the disk is full.
+    /// The number of bytes copied; 0 at the end of the file or if copy_file_range fails for another
+    /// reason than lack of space; negative if there is no space.
     ssize_t CopyChunk(off_t position, off_t end)
     {
         off_t from = position;
         off_t to = position;
         const std::size_t wanted = std::min(kChunkBytes, static_cast<std::size_t>(end - position));
         const ssize_t count = copy_file_range(source_, &from, target_, &to, wanted, 0);
-        // Whose fault another failure is, reading and writing tells.
+        // Read and write then find out which of the two files is at fault.
         return count >= 0 || errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? count : 0;
     }
 
@@ -108,13 +111,13 @@ private:
             *count = pread(source_, buffer_.get(), static_cast<std::size_t>(wanted), position);
         } while (*count < 0 && errno == EINTR);
         if (*count < 0) {
-            return Fail(CONTENT_NOT_READ);
+            return Fail(CONTENT_READ_FAILED);
         }
         for (ssize_t written = 0; written < *count;) {
             const ssize_t more = pwrite(target_, buffer_.get() + written, static_cast<std::size_t>(*count - written),
                                         position + written);
             if (more < 0 && errno != EINTR) {
-                return Fail(CONTENT_NOT_WRITTEN);
+                return Fail(CONTENT_WRITE_FAILED);
             }
             written += std::max<ssize_t>(more, 0);
         }
@@ -128,8 +131,8 @@ private:
     int error_ = 0;
 };
 
-/// What the kernel makes up as it is read, as under /proc, says 0 and is read to its end.
-bool IsQuick(const struct stat& st)
+/// Files under /proc and the like have size 0 whatever they contain, and may be slow to read.
+bool IsSmall(const struct stat& st)
 {
     return st.st_size > 0 && st.st_size <= kInlineBytes;
 }
@@ -148,7 +151,7 @@ ContentResult CopyContent(int source, const struct stat& st, int target, int* er
     if (st.st_size == 0 && pread(source, &first, 1, 0) == 0) {
         return CONTENT_COPIED;
     }
-    if (IsQuick(st)) {
+    if (IsSmall(st)) {
         copy(false);
     } else {
         RunInBackground(copy);
@@ -156,7 +159,7 @@ ContentResult CopyContent(int source, const struct stat& st, int target, int* er
     return result;
 }
 
-int WriteOut(int file)
+int SyncFileData(int file)
 {
     int error = 0;
     RunInBackground([&](const std::atomic<bool>&) { error = fdatasync(file) == 0 ? 0 : errno; });

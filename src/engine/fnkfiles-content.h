@@ -1,13 +1,13 @@
 #pragma once
-// What is copied from one file into another.
+// Copying the content of files.
 
 #include <sys/stat.h>
 
-enum ContentResult { CONTENT_COPIED, CONTENT_CANCELLED, CONTENT_NOT_READ, CONTENT_NOT_WRITTEN };
+enum ContentResult { CONTENT_COPIED, CONTENT_CANCELLED, CONTENT_READ_FAILED, CONTENT_WRITE_FAILED };
 
-/// Copies what the regular file source, of status st, holds into the empty file target; holes stay
-/// holes. Whatever takes long happens in the background. Sets error to an errno when it fails.
+/// Copies the regular file source, whose status is st, into the empty file target. Holes stay holes.
+/// Large files are copied in the background. On failure error is set to an errno.
 ContentResult CopyContent(int source, const struct stat& st, int target, int* error);
 
-/// Puts a file on the disk, in the background. 0 or an errno.
-int WriteOut(int file);
+/// Calls fdatasync in the background. 0 or an errno.
+int SyncFileData(int file);

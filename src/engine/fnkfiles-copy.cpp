@@ -22,24 +22,24 @@
 
 namespace {
 
-/// What the objects of an item have in common.
+/// Shared by all objects of an item.
 struct Command {
     OperationKind kind;
-    struct stat made;  ///< The directory that stands for the whole item at its target, once it is there.
+    struct stat target_root;  ///< Status of the directory that the item became; zero before it exists.
 };
 
-/// One object on its way.
+/// One object that is copied or moved.
 struct Transfer {
     const Command& command;
     Place source;
     Place target;
-    struct stat st;  ///< Of the source.
-    /// Nobody was asked, because nothing was there: what appears meanwhile is not to be overwritten.
-    bool to_free_name = false;
+    struct stat st;  ///< Status of the source.
+    /// The target did not exist, so the user was not asked. Do not overwrite what has appeared since.
+    bool must_not_replace = false;
 };
 
-/// Sets error to an errno when that cannot be told.
-bool AreInOneDirectory(const Place& one, const Place& other, int* error)
+/// Sets error to an errno if it cannot tell, else to 0.
+bool AreInSameDirectory(const Place& one, const Place& other, int* error)
 {
     struct stat one_directory = {};
     struct stat other_directory = {};
@@ -48,8 +48,8 @@ bool AreInOneDirectory(const Place& one, const Place& other, int* error)
     return known && IsSameObject(one_directory, other_directory);
 }
 
-/// What deleting the object, no directory, would fail with; 0 when it would not. Renaming over it
-/// fails alike, but does not say on whose account.
+/// The errno with which deleting an object other than a directory would fail, else 0. Renaming over
+/// it fails in the same cases, but its errno does not tell which of the two objects is the cause.
 int DeletionError(const Place& place, const struct stat& st)
 {
     if (faccessat(place.directory, ".", W_OK | X_OK, AT_EACCESS) != 0) {
@@ -61,63 +61,65 @@ int DeletionError(const Place& place, const struct stat& st)
     return is_sticky && user != 0 && user != st.st_uid && user != directory.st_uid ? EPERM : 0;
 }
 
-/// Makes way for a file or link at a target. An empty directory that goes for it comes back if
-/// nothing takes its place.
+/// Makes way for an object at its target. Deletes an empty directory there, and creates it again
+/// unless Commit is called.
 class ClearedTarget {
 public:
     explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
     {
         const Place& target = transfer.target;
-        exists_ = !transfer.to_free_name && GetStatus(target, &st_);
-        if (!exists_) {
+        must_replace_ = !transfer.must_not_replace && GetStatus(target, &st_);
+        if (!must_replace_) {
             return;
         }
         if (S_ISDIR(st_.st_mode)) {
             result_ = RemoveFileInternal(target, STEP_NOT_COUNTED);
-            exists_ = false;
-            removed_ = result_ == RESULT_DONE;
+            must_replace_ = false;
+            must_restore_ = result_ == RESULT_DONE;
         } else if (const int error = DeletionError(target, st_); error != 0) {
-            result_ = ReportUndeleted(target.path, error);
+            result_ = ReportDeleteFailure(target.path, error);
         }
     }
     ClearedTarget(const ClearedTarget&) = delete;
     ClearedTarget& operator=(const ClearedTarget&) = delete;
     ~ClearedTarget()
     {
-        if (removed_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & 07777) == 0) {
+        if (must_restore_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & 07777) == 0) {
             fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & 07777, AT_SYMLINK_NOFOLLOW);
         }
     }
 
-    /// RESULT_DONE, or that the user was told that it cannot be deleted.
-    Result Refusal() const { return result_; }
-    /// Whether there is something that is to be replaced in one step.
-    bool Exists() const { return exists_; }
+    /// RESULT_DONE, or the user's answer after a reported failure.
+    Result RemovalResult() const { return result_; }
+    /// Whether an object is still there and must be replaced atomically.
+    bool MustReplace() const { return must_replace_; }
     const struct stat& Status() const { return st_; }
-    void Taken() { removed_ = false; }
+    /// The new object is in place.
+    void Commit() { must_restore_ = false; }
 
 private:
     const Place& target_;
     struct stat st_ = {};
-    bool exists_ = false;
-    bool removed_ = false;
+    bool must_replace_ = false;
+    bool must_restore_ = false;
     Result result_ = RESULT_DONE;
 };
 
-/// A step that came to that result, unless Cancel was pressed.
+/// Reports a step and returns result, or RESULT_CANCEL if the user pressed Cancel.
 Result StepAndReturn(Result result)
 {
     return ReportStep() == RESULT_CANCEL ? RESULT_CANCEL : result;
 }
 
-/// The new object stands.
+/// Ends the transfer of an object that is now in place.
 Result Finish(ClearedTarget& cleared)
 {
-    cleared.Taken();
+    cleared.Commit();
     NoteChange();
     return ReportStep();
 }
 
+/// 0 or an errno.
 int MakeLink(const Transfer& transfer, bool replace)
 {
     char text[PATH_MAX];
@@ -134,18 +136,18 @@ int MakeLink(const Transfer& transfer, bool replace)
 
 Result CopyLink(const Transfer& transfer, ClearedTarget& cleared)
 {
-    const int error = MakeLink(transfer, cleared.Exists());
+    const int error = MakeLink(transfer, cleared.MustReplace());
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// The source's content, opened, or nothing where there is none to be copied.
+/// An opened regular file; without a file if there is no content to copy.
 struct Source {
     Descriptor file;
     struct stat st;
     int error = 0;
 };
 
-/// Only regular files are opened: a pipe would wait for its other end, a device might act.
+/// Opens only regular files: a pipe would block, and opening a device may have effects.
 Source OpenSource(const Transfer& transfer)
 {
     Source source{{}, transfer.st};
@@ -155,28 +157,28 @@ Source OpenSource(const Transfer& transfer)
     source.file = Descriptor(openat(transfer.source.directory, transfer.source.name.c_str(),
                                     O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!source.file) {
-        // There is nothing in it that would have to be read.
+        // An empty file can be copied without permission to read it.
         source.error = transfer.st.st_size == 0 && errno == EACCES ? 0 : errno;
         return source;
     }
     if (fstat(source.file.Get(), &source.st) != 0) {
         source.error = errno;
     } else if (!S_ISREG(source.st.st_mode)) {
-        source.file = Descriptor();  // It has been exchanged meanwhile.
+        source.file = Descriptor();  // Replaced by something else in the meantime.
     }
     return source;
 }
 
-/// Gives the complete file the source's bits and the target's name. 0 or an errno.
+/// Gives the complete file the source's permission bits and its final name. 0 or an errno.
 int Publish(NewFile& file, const Source& source, const std::string& name, bool replace)
 {
-    // Where the file system keeps no such bits the file has those of all files there.
+    // Some file systems store no permission bits, so ignore failures.
     static_cast<void>(fchmod(file.Get(), source.st.st_mode & 07777));
     if (!replace) {
         return file.TakeName(name);
     }
-    // What is replaced must not be gone before the new one is safe from a failing machine.
-    const int error = WriteOut(file.Get());
+    // The old file must not go before the new one would survive a crash.
+    const int error = SyncFileData(file.Get());
     return error != 0 ? error : file.TakeNameOf(name);
 }
 
@@ -192,21 +194,22 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
         switch (CopyContent(source.file.Get(), source.st, file.Get(), &error)) {
         case CONTENT_CANCELLED:
             return RESULT_CANCEL;
-        case CONTENT_NOT_READ:
+        case CONTENT_READ_FAILED:
             return FileErrorMessage(OPERATION_COPY, transfer.source.path, error);
-        case CONTENT_NOT_WRITTEN:
+        case CONTENT_WRITE_FAILED:
         case CONTENT_COPIED:
             break;
         }
     }
     if (error == 0) {
-        error = Publish(file, source, transfer.target.name, cleared.Exists());
+        error = Publish(file, source, transfer.target.name, cleared.MustReplace());
     }
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// Whether the directory of both places has an entry for each, and not one for two spellings of it.
-bool HasEntryForEach(const Place& one, const Place& other)
+/// Whether the directory of both places lists both names, rather than one entry that matches both
+/// because case is ignored.
+bool HaveSeparateEntries(const Place& one, const Place& other)
 {
     const std::string itself = ".";
     std::vector<std::string> names;
@@ -218,55 +221,57 @@ bool HasEntryForEach(const Place& one, const Place& other)
            std::find(names.begin(), names.end(), other.name) != names.end();
 }
 
-/// Two names of one inode: renaming the one to the other does nothing, so the old name is removed.
-/// A file system that ignores case finds one entry under two names, and that must stay.
-bool LeavesOldName(const Transfer& transfer, const ClearedTarget& cleared, bool in_one_directory)
+/// Whether source and target are hard links to one file. rename() then succeeds without effect, so
+/// the old name has to be removed instead. If both names are one entry, because the file system
+/// ignores case, removing it would lose the file.
+bool IsNoOpRename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
-    return cleared.Exists() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
-           (!in_one_directory || HasEntryForEach(transfer.source, transfer.target));
+    return cleared.MustReplace() && IsSameObject(transfer.st, cleared.Status()) && transfer.st.st_nlink > 1 &&
+           (!in_same_directory || HaveSeparateEntries(transfer.source, transfer.target));
 }
 
-/// 0 or an errno.
-int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_one_directory)
+/// Moves one object within its file system. 0 or an errno.
+int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_directory)
 {
     const Place& source = transfer.source;
     const Place& target = transfer.target;
-    if (!cleared.Exists()) {
+    if (!cleared.MustReplace()) {
         return RenameIfFree(source, target);
     }
-    if (LeavesOldName(transfer, cleared, in_one_directory)) {
+    if (IsNoOpRename(transfer, cleared, in_same_directory)) {
         return unlinkat(source.directory, source.name.c_str(), 0) == 0 ? 0 : errno;
     }
     return renameat(source.directory, source.name.c_str(), target.directory, target.name.c_str()) == 0 ? 0 : errno;
 }
 
-/// Copies anything but a directory, or renames one object, a directory only to a free name.
+/// Copies an object other than a directory, or renames any object. A directory is renamed only if
+/// its target does not exist.
 Result TransferWhole(const Transfer& transfer)
 {
     const OperationKind kind = transfer.command.kind;
     const std::string target_path = WithoutSlash(transfer.target.path);
     int error = 0;
-    const bool in_one_directory = AreInOneDirectory(transfer.source, transfer.target, &error);
+    const bool in_same_directory = AreInSameDirectory(transfer.source, transfer.target, &error);
     if (error != 0) {
         return FileErrorMessage(kind, target_path, error);
     }
-    if (in_one_directory && transfer.source.name == transfer.target.name) {
+    if (in_same_directory && transfer.source.name == transfer.target.name) {
         return ReportStep();
     }
     ClearedTarget cleared(transfer);
-    if (cleared.Refusal() != RESULT_DONE) {
-        return StepAndReturn(cleared.Refusal());
+    if (cleared.RemovalResult() != RESULT_DONE) {
+        return StepAndReturn(cleared.RemovalResult());
     }
     if (kind == OPERATION_COPY) {
         return S_ISLNK(transfer.st.st_mode) ? CopyLink(transfer, cleared) : CopyRegular(transfer, cleared);
     }
-    error = Rename(transfer, cleared, in_one_directory);
+    error = Rename(transfer, cleared, in_same_directory);
     return error == 0 ? Finish(cleared) : FileErrorMessage(kind, target_path, error);
 }
 
 Result TransferEntry(const Command& command, const Place& source, const Place& target);
 
-/// Copies or moves every entry of a directory into the open one that stands for it at the target.
+/// Copies or moves the entries of a directory into the open target directory.
 Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& directory)
 {
     std::vector<std::string> names;
@@ -282,7 +287,7 @@ Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& 
         }
         const Result result =
             TransferEntry(transfer.command, {dirfd(stream), name, source_path}, {directory.Get(), name, target_path});
-        // A move that had to leave something behind leaves the rest of the directory with it.
+        // When a move has to leave an entry behind, the rest of the directory stays with it.
         if (result == RESULT_CANCEL || (transfer.command.kind == OPERATION_MOVE && result != RESULT_DONE)) {
             return result;
         }
@@ -290,7 +295,8 @@ Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& 
     return RESULT_DONE;
 }
 
-/// Copies or moves what is in a directory into the open one, which it makes its like.
+/// Copies or moves permission bits and contents of a directory to the open target directory. After a
+/// complete move it removes the source.
 Result TransferContents(const Transfer& transfer, const Descriptor& directory)
 {
     SetDirectoryMode(directory, transfer.st.st_mode);
@@ -305,16 +311,16 @@ Result TransferContents(const Transfer& transfer, const Descriptor& directory)
     return OnEngine.KeepPainting() ? RESULT_CANCEL : result;
 }
 
-/// Whether the source is dealt with by itself, not entry by entry.
-bool GoesWhole(const Transfer& transfer)
+/// Whether TransferWhole can handle the source; otherwise its entries are transferred one by one.
+bool IsTransferredWhole(const Transfer& transfer)
 {
     struct stat st = {};
     return !S_ISDIR(transfer.st.st_mode) ||
            (transfer.command.kind == OPERATION_MOVE && !GetStatus(transfer.target, &st));
 }
 
-/// A directory would go into itself, and then on for ever.
-void ReportInside()
+/// Copying a directory into itself would never end.
+void ReportTargetInsideSource()
 {
     OnEngine.MessageBox(_("Error"), _("Cannot move to a sub directory."), STYLE_ERROR);
 }
@@ -325,7 +331,7 @@ Result ReportMissing(const std::string& path)
     return ReportStep();
 }
 
-/// An entry of a directory that is being copied or moved.
+/// Copies or moves an entry of a directory, with its contents.
 Result TransferEntry(const Command& command, const Place& source, const Place& target)
 {
     Transfer transfer{command, source, target, {}, false};
@@ -337,15 +343,15 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
     if (!GetStatus(source, &transfer.st)) {
         return ReportMissing(source.path);
     }
-    if (GoesWhole(transfer)) {
+    if (IsTransferredWhole(transfer)) {
         return TransferWhole(transfer);
     }
     struct stat there = {};
     if (GetStatus(target, &there) && IsSameObject(there, transfer.st)) {
-        return ReportStep();  // A mount shows one directory in both places.
+        return ReportStep();  // A bind mount shows the same directory in both places.
     }
-    if (IsSameObject(transfer.st, command.made)) {
-        ReportInside();
+    if (IsSameObject(transfer.st, command.target_root)) {
+        ReportTargetInsideSource();
         return ReportStep();
     }
     const std::string target_name = WithoutSlash(target.path);
@@ -361,10 +367,10 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
 }
 
 enum Overwriting {
-    OVERWRITE_ALLOWED,  ///< By the settings, or by an item before.
-    OVERWRITE_AGREED,   ///< The user was asked.
+    OVERWRITE_ALLOWED,    ///< By the settings or by an earlier item.
+    OVERWRITE_CONFIRMED,  ///< By the user.
     OVERWRITE_DECLINED,
-    OVERWRITE_NOTHING,  ///< Nothing is there.
+    OVERWRITE_NOT_NEEDED,  ///< Nothing exists at the target.
 };
 
 Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
@@ -374,12 +380,12 @@ Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
     }
     struct stat st = {};
     if (lstat(target.c_str(), &st) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
-        return OVERWRITE_NOTHING;
+        return OVERWRITE_NOT_NEEDED;
     }
-    return AskToOverwrite(target) ? OVERWRITE_AGREED : OVERWRITE_DECLINED;
+    return AskToOverwrite(target) ? OVERWRITE_CONFIRMED : OVERWRITE_DECLINED;
 }
 
-/// A directory that is to be at target, below or at destination.
+/// Copies or moves a directory to target, which is destination or inside it.
 Result TransferDirectory(OperationKind kind, const PathPlace& source, const struct stat& st, const std::string& target,
                          const std::string& destination, LinkRule rule)
 {
@@ -388,7 +394,7 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     case RESULT_DONE: {
         Command command{kind, {}};
         const PathPlace target_place(target);
-        return fstat(directory.Get(), &command.made) == 0
+        return fstat(directory.Get(), &command.target_root) == 0
                    ? TransferContents({command, source.Get(), target_place.Get(), st, false}, directory)
                    : FileErrorMessage(kind, target, errno);
     }
@@ -399,21 +405,21 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     }
 }
 
-/// A link at the end is not followed, but for that of the root: it stands for the directory that
-/// the user sees as the top of everything.
-std::string PlaceOfDestination(const std::string& destination)
+/// The path under which to look at destination. Without its "/" a link is not followed. RootDir keeps
+/// its "/": even if it is a link, the user sees it as a directory.
+std::string DestinationPath(const std::string& destination)
 {
     return IsRootDirectory(destination) ? pGTable->RootDir : WithoutSlash(destination);
 }
 
-/// Where source goes: into destination when that is a directory, else to that very name. Without a
-/// "/" at the end.
+/// The target path of source: inside destination if into_directory, else destination itself. Without
+/// a "/" at the end.
 std::string ProofDstPath(const std::string& destination, const std::string& source, bool into_directory)
 {
     return WithoutSlash(into_directory ? WithSlash(destination) + GetLastPath(source) : destination);
 }
 
-/// An item of a command.
+/// Copies or moves one item of a command.
 Result TransferItem(OperationKind kind, const std::string& destination, const std::string& source, int* flag)
 {
     if (destination.empty() || source.empty() || flag == nullptr) {
@@ -428,13 +434,13 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportMissing(source);
     }
     struct stat destination_st = {};
-    const bool exists = lstat(PlaceOfDestination(destination).c_str(), &destination_st) == 0;
+    const bool exists = lstat(DestinationPath(destination).c_str(), &destination_st) == 0;
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
-        return FileErrorMessage(kind, destination, errno);  // Better than to take a directory for none.
+        return FileErrorMessage(kind, destination, errno);  // It may be a directory.
     }
     const bool is_directory = exists && S_ISDIR(destination_st.st_mode);
     if (!is_directory && destination.ends_with('/') && !S_ISDIR(st.st_mode)) {
-        // Of several items, each would replace the one before under the name of what has gone.
+        // The directory may have vanished. Each of several files would then replace the one before.
         return FileErrorMessage(kind, destination, exists ? ENOTDIR : ENOENT);
     }
     const std::string target = ProofDstPath(destination, source, is_directory);
@@ -449,14 +455,13 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportStep();
     }
     *flag = 1;
-    const PathPlace target_place =
-        is_directory ? PathPlace(target, PlaceOfDestination(destination)) : PathPlace(target);
+    const PathPlace target_place = is_directory ? PathPlace(target, DestinationPath(destination)) : PathPlace(target);
     const Command command{kind, {}};
-    const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOTHING};
-    if (!GoesWhole(transfer)) {
+    const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOT_NEEDED};
+    if (!IsTransferredWhole(transfer)) {
         const std::string& kept = IsRootDirectory(destination) ? target : destination;
         return TransferDirectory(kind, source_place, st, target, kept,
-                                 overwriting == OVERWRITE_AGREED ? LINK_REPLACE : LINK_ASK);
+                                 overwriting == OVERWRITE_CONFIRMED ? LINK_REPLACE : LINK_ASK);
     }
     return target_place ? TransferWhole(transfer) : FileErrorMessage(kind, target, target_place.Error());
 }
@@ -474,9 +479,9 @@ Result CheckSrcSubDirectory(const std::string& target, const std::string& source
         return RESULT_CANCEL;
     }
     bool is_inside = false;
-    *error = is_directory ? LookInside(target, source, &is_inside) : 0;
+    *error = is_directory ? CheckIsInside(target, source, &is_inside) : 0;
     if (is_inside) {
-        ReportInside();
+        ReportTargetInsideSource();
     }
     return is_inside || *error != 0 ? RESULT_CANCEL : RESULT_DONE;
 }

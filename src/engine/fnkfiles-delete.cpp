@@ -12,10 +12,10 @@
 
 namespace {
 
-/// An object has gone, or it stays because of the error, which the user is told.
-Result Conclude(const std::string& path, int error, StepCount counted)
+/// Ends the deletion of an object, and reports error unless it is 0. RESULT_OK if the object stays.
+Result FinishDeletion(const std::string& path, int error, StepCount counted)
 {
-    if (error != 0 && ReportUndeleted(path, error) == RESULT_CANCEL) {
+    if (error != 0 && ReportDeleteFailure(path, error) == RESULT_CANCEL) {
         return RESULT_CANCEL;
     }
     NoteChange();
@@ -23,22 +23,22 @@ Result Conclude(const std::string& path, int error, StepCount counted)
     return progress != RESULT_DONE ? progress : error != 0 ? RESULT_OK : RESULT_DONE;
 }
 
-/// Somebody else may be quicker; what is gone is gone. Anything else that keeps an object from
-/// being seen does not mean that there is none.
-Result ConcludeUnlessGone(const std::string& path, int error, StepCount counted)
+/// Ends the deletion after a failed look-up. Success if the object is already gone; with any other
+/// error it may still exist.
+Result FinishUnlessGone(const std::string& path, int error, StepCount counted)
 {
-    return error == ENOENT || error == ENOTDIR ? RESULT_DONE : Conclude(path, error, counted);
+    return error == ENOENT || error == ENOTDIR ? RESULT_DONE : FinishDeletion(path, error, counted);
 }
 
 Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
 {
     const int flags = is_directory ? AT_REMOVEDIR : 0;
     const int error = unlinkat(place.directory, place.name.c_str(), flags) == 0 || errno == ENOENT ? 0 : errno;
-    return Conclude(place.path, error, is_directory ? STEP_NOT_COUNTED : counted);
+    return FinishDeletion(place.path, error, is_directory ? STEP_NOT_COUNTED : counted);
 }
 
-/// Asks before the first directory that is not empty. RESULT_DONE: it may be emptied.
-Result AskOnce(const std::string& path, Result* answer)
+/// Asks whether to delete the contents of path, unless the user has agreed before. RESULT_DONE if so.
+Result AskBeforeEmptying(const std::string& path, Result* answer)
 {
     if (*answer != RESULT_CANCEL) {
         return RESULT_DONE;
@@ -50,7 +50,7 @@ Result AskOnce(const std::string& path, Result* answer)
         *answer = given;
         return RESULT_DONE;
     case RESULT_CANCEL:
-        return RESULT_OK;  // This one stays; the next is asked about again.
+        return RESULT_OK;  // Keep this one, and ask again about the next.
     default:
         return RESULT_CANCEL;
     }
@@ -58,16 +58,16 @@ Result AskOnce(const std::string& path, Result* answer)
 
 Result RemoveTree(const Place& place, Result* answer);
 
-/// An entry whose path is too long to work with stays, as one that cannot be deleted does.
+/// Deletes an entry of a directory. An entry whose path is too long is reported and stays.
 Result RemoveEntry(const Place& place, Result* answer)
 {
     if (place.path.size() <= kMaxPathBytes) {
         return RemoveTree(place, answer);
     }
-    return Conclude(place.path, ENAMETOOLONG, IsDirectory(place) ? STEP_NOT_COUNTED : STEP_COUNTED);
+    return FinishDeletion(place.path, ENAMETOOLONG, IsDirectory(place) ? STEP_NOT_COUNTED : STEP_COUNTED);
 }
 
-/// Deletes what is in the open directory. RESULT_OK when something of it stays.
+/// Deletes the contents of an open directory. RESULT_OK if something stays.
 Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 {
     std::vector<std::string> names;
@@ -76,7 +76,7 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
     }
     bool something_stays = false;
     for (const std::string& name : names) {
-        if (const Result asked = AskOnce(path, answer); asked != RESULT_DONE) {
+        if (const Result asked = AskBeforeEmptying(path, answer); asked != RESULT_DONE) {
             return asked;
         }
         const std::string entry_path = WithSlash(path) + name;
@@ -93,7 +93,7 @@ Result RemoveTree(const Place& place, Result* answer)
 {
     struct stat st = {};
     if (!GetStatus(place, &st)) {
-        return ConcludeUnlessGone(place.path, errno, STEP_COUNTED);
+        return FinishUnlessGone(place.path, errno, STEP_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
         return RemoveObject(place, false, STEP_COUNTED);
@@ -112,17 +112,17 @@ Result RemoveFileInternal(const Place& place, StepCount counted)
 {
     struct stat st = {};
     return GetStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
-                                 : ConcludeUnlessGone(place.path, errno, counted);
+                                 : FinishUnlessGone(place.path, errno, counted);
 }
 
 Result RemoveFileInternal(const std::string& path, StepCount counted)
 {
     const PathPlace place(path);
-    return place ? RemoveFileInternal(place.Get(), counted) : ConcludeUnlessGone(path, place.Error(), counted);
+    return place ? RemoveFileInternal(place.Get(), counted) : FinishUnlessGone(path, place.Error(), counted);
 }
 
 Result RemoveFile(const std::string& path, Result* answer)
 {
     const PathPlace place(path);
-    return place ? RemoveTree(place.Get(), answer) : ConcludeUnlessGone(path, place.Error(), STEP_COUNTED);
+    return place ? RemoveTree(place.Get(), answer) : FinishUnlessGone(path, place.Error(), STEP_COUNTED);
 }

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr mode_t kNewDirectoryMode = 0775;
-/// Of a directory that is to get the bits of another.
+/// For a directory that gets the permission bits of its source later.
 constexpr mode_t kPrivateMode = 0700;
 
 Descriptor OpenPlace(const Place& place, int flags)
@@ -21,15 +21,15 @@ Descriptor OpenPlace(const Place& place, int flags)
     return Descriptor(openat(place.directory, place.name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC | flags));
 }
 
-Result ReportUnmade(const std::string& path, int error)
+Result ReportMakeFailure(const std::string& path, int error)
 {
     OnEngine.MessageBox(_("Error"), FormatPathMessage(_("Cannot create directory %s\ncause:%s"), path, error),
                         STYLE_ERROR);
     return RESULT_CANCEL;
 }
 
-/// Whether what is in the way may go. A link is not given up unnoticed: who named it may have
-/// meant what it leads to.
+/// Whether the object in the way may be deleted. Ask about a link: the user may have meant the
+/// directory to which it points.
 bool MayReplace(const Place& place, const struct stat& st, LinkRule rule)
 {
     return !S_ISLNK(st.st_mode) || rule == LINK_REPLACE || AskToOverwrite(place.path);
@@ -42,17 +42,17 @@ Result MakeDirectoryOfMode(const Place& place, mode_t mode, LinkRule rule, Descr
         if (!MayReplace(place, st, rule)) {
             return RESULT_OK;
         }
-        // When that fails, so does what follows, and says so.
+        // If this fails, so does mkdirat, which is reported.
         RemoveFileInternal(place, STEP_NOT_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
         if (mkdirat(place.directory, place.name.c_str(), mode) != 0) {
-            return ReportUnmade(place.path, errno);
+            return ReportMakeFailure(place.path, errno);
         }
         NoteChange();
     }
     *directory = OpenPlace(place, O_NOFOLLOW);
-    return *directory ? RESULT_DONE : ReportUnmade(place.path, errno);
+    return *directory ? RESULT_DONE : ReportMakeFailure(place.path, errno);
 }
 
 }  // namespace
@@ -74,12 +74,12 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
         if (name.empty()) {
             continue;
         }
-        const bool is_above = prefix.size() < WithoutSlash(destination).size();
+        const bool is_above_destination = prefix.size() < WithoutSlash(destination).size();
         const Place place{parent.Get(), name, prefix};
-        Descriptor next = OpenPlace(place, is_above ? 0 : O_NOFOLLOW);
+        Descriptor next = OpenPlace(place, is_above_destination ? 0 : O_NOFOLLOW);
         if (!next && errno != ENOENT && errno != ENOTDIR && errno != ELOOP) {
-            // It may be a directory, or a link to one, that must not be given up for a failure.
-            return ReportUnmade(prefix, errno);
+            // It may still be a directory, or a link to one; do not replace it.
+            return ReportMakeFailure(prefix, errno);
         }
         if (!next) {
             const bool is_last = *begin == '\0';
@@ -98,7 +98,7 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
 void SetDirectoryMode(const Descriptor& directory, mode_t mode)
 {
     const mode_t bits = mode & 07777;
-    // The first way needs /proc, the second the right to search the directory.
+    // fchmod refuses an O_PATH descriptor. The first way needs /proc, the second search permission.
     if (chmod(DescriptorPath(directory.Get()).c_str(), bits) == 0 || fchmodat(directory.Get(), ".", bits, 0) == 0) {
         NoteChange();
     }

@@ -1,5 +1,5 @@
 #pragma once
-// Making directories for the file engine.
+// Creating directories.
 
 #include <sys/stat.h>
 
@@ -8,22 +8,21 @@
 #include "core/fnkfiles-place.h"
 #include "engine/fnkmessage.h"
 
-/// What becomes of a symbolic link where a directory is to be made.
+/// What to do with a symbolic link where a directory has to be created.
 enum LinkRule {
-    LINK_ASK,      ///< Replaced, if the user agrees.
-    LINK_REPLACE,  ///< Replaced: the user has agreed.
+    LINK_ASK,      ///< Ask whether to replace it.
+    LINK_REPLACE,  ///< Replace it; the user has already agreed.
 };
 
-/// Makes sure that there is a directory at place and opens it, for use as a place only, into
-/// directory. Anything else that is there is deleted first. A new one is for its owner alone until
-/// it gets its bits. RESULT_DONE; RESULT_OK when the user keeps a link that is in the way; RESULT_CANCEL
-/// after a failure, which has been reported.
+/// Creates a directory at place unless there is one, and opens it with O_PATH into directory.
+/// Any other object there is deleted first. A new directory has mode 0700 until SetDirectoryMode.
+/// RESULT_DONE; RESULT_OK when the user keeps a link; RESULT_CANCEL after a reported failure.
 Result MakeDirectory(const Place& place, LinkRule rule, Descriptor* directory);
 
-/// The same for an absolute path, with all the directories on the way to its last "/"; of these
-/// the missing ones are made for everybody, as far as the umask lets them. Links to directories
-/// above destination, which path begins with, are kept and followed.
+/// The same for an absolute path that ends in "/". Missing parents are created with mode 0775 less
+/// the umask. path begins with destination; links to directories above destination are followed.
 Result CreateDirectoryEx(const std::string& path, const std::string& destination, LinkRule rule, Descriptor* directory);
 
-/// Gives an open directory the permission bits; where the file system knows none, nothing happens.
+/// Sets the permission bits of an open directory; ignores failures, since some file systems have
+/// none.
 void SetDirectoryMode(const Descriptor& directory, mode_t mode);

@@ -17,26 +17,25 @@ namespace {
 
 constexpr int kPlaceOnly = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-/// Whether an error of opening says that there is no directory to be had under that path.
-bool SaysNoDirectory(int error)
+/// Whether an errno of open() proves that the path names no directory.
+bool MeansNoDirectory(int error)
 {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-/// Opens the deepest directory that there is on the way to target, or target itself if it is one.
-/// 0 or an errno.
+/// Opens target if it is a directory, else its nearest existing parent. 0 or an errno.
 int OpenNearestDirectory(const std::string& target, Descriptor* directory)
 {
     *directory = Descriptor(open(target.c_str(), kPlaceOnly | O_NOFOLLOW));
-    for (std::string path = target; !*directory && path != "/" && SaysNoDirectory(errno);) {
+    for (std::string path = target; !*directory && path != "/" && MeansNoDirectory(errno);) {
         path = GetParentDirectory(WithoutSlash(path));
         *directory = Descriptor(open(path.c_str(), kPlaceOnly));
     }
     return *directory ? 0 : errno;
 }
 
-/// Climbs to the root and looks for source on the way. 0 or an errno.
-int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
+/// Climbs from directory to the root and sets is_below if it meets source. 0 or an errno.
+int FindAmongAncestors(Descriptor directory, const struct stat& source, bool* is_below)
 {
     struct stat st = {};
     while (fstat(directory.Get(), &st) == 0) {
@@ -57,8 +56,8 @@ int LookAbove(Descriptor directory, const struct stat& source, bool* is_below)
     return errno;
 }
 
-/// A field of the mount table, in which blanks and the like are octal numbers.
-std::string Unescape(const std::string& field)
+/// Decodes a field of the mount table, where blanks and the like are octal escapes.
+std::string UnescapeOctal(const std::string& field)
 {
     std::string text;
     for (std::size_t i = 0; i < field.size(); ++i) {
@@ -73,8 +72,8 @@ std::string Unescape(const std::string& field)
 }
 
 struct Mount {
-    std::string root;   ///< What of the file system is mounted, as a path in it.
-    std::string point;  ///< Where.
+    std::string root;   ///< The directory of the file system that is mounted.
+    std::string point;  ///< The mount point.
 };
 
 bool FindMount(std::uint64_t wanted, Mount* mount)
@@ -86,7 +85,7 @@ bool FindMount(std::uint64_t wanted, Mount* mount)
         std::string parent;
         std::string device;
         if (fields >> id >> parent >> device >> mount->root >> mount->point && id == wanted) {
-            *mount = {Unescape(mount->root), Unescape(mount->point)};
+            *mount = {UnescapeOctal(mount->root), UnescapeOctal(mount->point)};
             return true;
         }
     }
@@ -96,12 +95,12 @@ bool FindMount(std::uint64_t wanted, Mount* mount)
 /// Where an open directory is in its file system.
 struct InnerPlace {
     std::string path;                  ///< Ends in "/"; empty if unknown.
-    std::uint64_t unlisted_mount = 0;  ///< 0 where the path starts at the root of the file system.
+    std::uint64_t unlisted_mount = 0;  ///< 0 if the path starts at the root of the file system.
 };
 
-/// A part of a file system that is mounted a second time is below directories there that climbing
-/// from it never meets. The mount table does not list the mount of a root directory that is no
-/// mount point, as after chroot: only paths on that same mount compare with each other.
+/// Needed for bind mounts: climbing from one does not meet its parents in the file system itself.
+/// The mount table does not list the mount of a root directory that is not a mount point, as after
+/// chroot: only paths on that same mount can be compared.
 InnerPlace FindInnerPlace(int directory)
 {
     struct statx status = {};
@@ -121,7 +120,7 @@ InnerPlace FindInnerPlace(int directory)
 
 }  // namespace
 
-int LookInside(const std::string& target, const std::string& source, bool* is_inside)
+int CheckIsInside(const std::string& target, const std::string& source, bool* is_inside)
 {
     *is_inside = target.starts_with(WithSlash(source));
     if (*is_inside) {
@@ -138,15 +137,15 @@ int LookInside(const std::string& target, const std::string& source, bool* is_in
         fstat(source_directory.Get(), &source_st) != 0) {
         return errno;
     }
-    bool is_told_by_paths = false;
+    bool are_paths_known = false;
     if (target_st.st_dev == source_st.st_dev) {
         const InnerPlace inner_source = FindInnerPlace(source_directory.Get());
         const InnerPlace inner_target = FindInnerPlace(target_directory.Get());
-        is_told_by_paths = !inner_source.path.empty() && !inner_target.path.empty() &&
-                           inner_source.unlisted_mount == inner_target.unlisted_mount;
-        *is_inside = is_told_by_paths && inner_target.path.starts_with(inner_source.path);
+        are_paths_known = !inner_source.path.empty() && !inner_target.path.empty() &&
+                          inner_source.unlisted_mount == inner_target.unlisted_mount;
+        *is_inside = are_paths_known && inner_target.path.starts_with(inner_source.path);
     }
-    const int error = *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
-    // From a directory that may not be searched there is no climbing.
-    return error == EACCES && is_told_by_paths ? 0 : error;
+    const int error = *is_inside ? 0 : FindAmongAncestors(std::move(target_directory), source_st, is_inside);
+    // Climbing needs search permission. Without it, the answer of the paths stands.
+    return error == EACCES && are_paths_known ? 0 : error;
 }

@@ -1,9 +1,9 @@
 #pragma once
-// Whether a place is inside a directory, whatever it is called there.
+// Whether one path lies inside another.
 
 #include <string>
 
-/// Finds out whether target, which need not exist yet, is or would be inside the directory source.
-/// Links and mounts on the way to either may make their paths look unrelated. 0, or an errno when
-/// that cannot be told.
-int LookInside(const std::string& target, const std::string& source, bool* is_inside);
+/// Sets is_inside to whether target, which need not exist, is or would be inside the directory
+/// source. Sees through links and mounts that make the paths look unrelated. 0, or an errno if it
+/// cannot tell.
+int CheckIsInside(const std::string& target, const std::string& source, bool* is_inside);

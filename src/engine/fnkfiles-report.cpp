@@ -17,7 +17,7 @@ Result FileErrorMessage(OperationKind kind, const std::string& path, int error)
     return ReportStep();
 }
 
-Result ReportUndeleted(const std::string& path, int error)
+Result ReportDeleteFailure(const std::string& path, int error)
 {
     const std::string message = FormatPathMessage(_("Cannot delete file %s\ncause:%s"), path, error);
     return OnEngine.MessageBox(_("Error"), message, STYLE_SKIP);

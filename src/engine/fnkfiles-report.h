@@ -1,19 +1,19 @@
 #pragma once
-// What copying, moving and deleting tell and ask the user.
+// Messages and questions that copying, moving and deleting share.
 
 #include <string>
 
 #include "engine/fnkmessage.h"
 
-/// Reports one step done. RESULT_CANCEL when the user pressed Cancel.
+/// Reports one step done. RESULT_CANCEL if the user pressed Cancel, else RESULT_DONE.
 Result ReportStep();
 
-/// Reports a failed copy or move of path with the reason, an errno. RESULT_CANCEL, or when the user
-/// skips it what ReportStep says.
+/// Reports that path cannot be copied or moved; error is an errno. Returns RESULT_CANCEL, or the
+/// result of ReportStep if the user skips the item.
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error);
 
-/// Reports that path cannot be deleted: RESULT_OK to skip it, or RESULT_CANCEL.
-Result ReportUndeleted(const std::string& path, int error);
+/// Reports that path cannot be deleted. RESULT_OK to skip it, or RESULT_CANCEL.
+Result ReportDeleteFailure(const std::string& path, int error);
 
-/// Asks whether what is at path may be overwritten.
+/// Asks whether to overwrite path.
 bool AskToOverwrite(const std::string& path);

@@ -12,8 +12,7 @@
 
 namespace {
 
-/// Changes of so long a time share one sync(); with the time that it takes to wake up, they are
-/// under way within 250 ms.
+/// Changes within this time share a sync(). With the delay of waking up, it starts within 250 ms.
 constexpr std::chrono::milliseconds kGather{200};
 constexpr std::chrono::milliseconds kLookEvery{5};
 
@@ -65,14 +64,14 @@ private:
     std::mutex mutex_;
     std::condition_variable wake_;
     std::condition_variable done_;
-    unsigned long noted_ = 0;    ///< Changes so far.
-    unsigned long written_ = 0;  ///< How many of them are on the disk.
-    bool hurry_ = false;         ///< Somebody waits: do not gather.
+    unsigned long noted_ = 0;    ///< Number of changes so far.
+    unsigned long written_ = 0;  ///< How many of these are on the disk.
+    bool hurry_ = false;         ///< Somebody waits; do not gather.
 };
 
 Syncer& TheSyncer()
 {
-    // Never deleted: its thread runs until the process ends.
+    // Never deleted; its thread runs until the process ends.
     static Syncer* const syncer = new Syncer;
     return *syncer;
 }

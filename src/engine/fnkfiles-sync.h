@@ -1,10 +1,10 @@
 #pragma once
-// Putting changes on the disk: every one is followed by sync(), which the changes of a command
-// share. It runs in a thread of its own, so that waiting for a slow disk freezes no window.
+// Flushing changes to the disk. A thread calls sync(); changes shortly after each other share a
+// call.
 
-/// Something changed on the disk; it is there for good at most 250 ms and one sync() later.
+/// Notes a change. sync() starts at most 250 ms later, or when one that is running returns.
 void NoteChange();
 
-/// Returns when all that was noted is on the disk; calls KeepPainting while it waits. The last
-/// thing a command does.
+/// Waits until all noted changes are on the disk, and calls KeepPainting meanwhile. Every command
+/// ends with it.
 void FlushChanges();

@@ -9,18 +9,17 @@ EngineEvents OnEngine;
 
 std::string FormatPathMessage(const char* format, const std::string& path, int error)
 {
-    // As many characters as a line of a box can take on a small screen, twice over.
-    constexpr long kMostCharacters = 240;
-    constexpr long kKeptAtAnEnd = kMostCharacters / 2 - 2;
+    // About two lines of a message box on a small screen.
+    constexpr long kMaxCharacters = 240;
+    constexpr long kKeptAtEachEnd = kMaxCharacters / 2 - 2;
     std::string shown = DisplayLine(path);
     const long length = g_utf8_strlen(shown.c_str(), -1);
-    if (length > kMostCharacters) {
-        const char* const head_end = g_utf8_offset_to_pointer(shown.c_str(), kKeptAtAnEnd);
-        const char* const tail = g_utf8_offset_to_pointer(shown.c_str(), length - kKeptAtAnEnd);
+    if (length > kMaxCharacters) {
+        const char* const head_end = g_utf8_offset_to_pointer(shown.c_str(), kKeptAtEachEnd);
+        const char* const tail = g_utf8_offset_to_pointer(shown.c_str(), length - kKeptAtEachEnd);
         shown = std::string(shown.c_str(), head_end) + "\u2026" + tail;
     }
-    // The catalogue's formats take the path first, then the reason; one without a second place
-    // leaves it out.
+    // Formats without a second %s ignore the reason.
     const GlibPointer<char> text(g_strdup_printf(format, shown.c_str(), error != 0 ? g_strerror(error) : ""));
     return text.get();
 }

@@ -1,19 +1,19 @@
 #pragma once
-// What the file engine asks and reports. It knows no window: whoever runs it sets OnEngine.
+// Messages and questions of the file engine. The engine has no windows; its user sets OnEngine.
 
 #include <string>
 
-/// Answers to questions, and results of the engine.
+/// Answers to questions, and results of engine calls.
 enum Result : unsigned {
-    RESULT_DONE = 0,              ///< From the engine.
-    RESULT_CANCEL = 0xF0000000,   ///< "No" or "Cancel"; from the engine: the whole command stops.
-    RESULT_OK = 0xF0000001,       ///< "Yes", "OK" or "Skip"; from the engine: the item was skipped.
-    RESULT_YES_ALL = 0xF0000002,  ///< "Yes" to this question and those that follow.
-    RESULT_ABORT = 0xF0000003,    ///< "Cancel" where "No" is another answer.
-    RESULT_NO_ARGUMENT = 0xFFFFFFFF,
+    RESULT_DONE = 0,                  ///< From the engine: success.
+    RESULT_CANCEL = 0xF0000000,       ///< "No" or "Cancel". From the engine: stop the command.
+    RESULT_OK = 0xF0000001,           ///< "Yes", "OK" or "Skip". From the engine: the item was skipped.
+    RESULT_YES_ALL = 0xF0000002,      ///< "Yes" to this question and all later ones.
+    RESULT_ABORT = 0xF0000003,        ///< "Cancel" in a box that also has "No".
+    RESULT_NO_ARGUMENT = 0xFFFFFFFF,  ///< An argument is empty or null.
 };
 
-/// Icon in the low half, buttons in the high half; the last button is the default.
+/// Low 16 bits: the icon; high 16 bits: the buttons. The last button is the default.
 enum MessageStyle : unsigned {
     STYLE_ERROR = 0x20004,           ///< Stop icon, "OK".
     STYLE_SKIP = 0x50004,            ///< Stop icon, "Skip" and "Cancel".
@@ -23,22 +23,22 @@ enum MessageStyle : unsigned {
 
 enum OperationKind { OPERATION_COPY = 2, OPERATION_MOVE = 3, OPERATION_DELETE = 4 };
 
-/// Set once at start. Until then nobody is there to ask: every question is answered with "Cancel".
+/// Callbacks of the engine, set once at start. By default every question is answered "Cancel".
 struct EngineEvents {
-    /// Shows a message, UTF-8 and translated, and waits for the answer.
+    /// Shows a translated UTF-8 message and waits for the answer. style is a MessageStyle.
     Result (*MessageBox)(const char* title, const std::string& message,
                          unsigned style) = [](const char*, const std::string&, unsigned) { return RESULT_CANCEL; };
-    /// Asks whether a directory that is not empty may be deleted: RESULT_OK, RESULT_YES_ALL,
-    /// RESULT_CANCEL for "No" or RESULT_ABORT.
+    /// Asks whether to delete a directory that is not empty: RESULT_OK, RESULT_YES_ALL,
+    /// RESULT_CANCEL ("No") or RESULT_ABORT.
     Result (*DeleteMessageBox)(const std::string& name) = [](const std::string&) { return RESULT_ABORT; };
-    /// Reports one step done. RESULT_CANCEL, once, when the user pressed Cancel, else 0.
+    /// Reports one step done. RESULT_CANCEL once after the user pressed Cancel, else 0.
     int (*UpdateProgress)() = [] { return 0; };
-    /// Lets the windows paint; the engine calls it at least every 50 ms, so it has to be cheap. True
-    /// when the user pressed Cancel.
+    /// Lets the windows repaint. Called at least every 50 ms, so it must be cheap. True if the user
+    /// pressed Cancel.
     bool (*KeepPainting)() = [] { return false; };
 };
 extern EngineEvents OnEngine;
 
-/// Inserts a path (%s) into a message and, unless error is 0, the reason of a failure (an errno). A
-/// path too long for the screen loses its middle; the reason is always whole.
+/// Formats a message with a path (the first %s) and the text of error, an errno (the second %s; empty
+/// for 0). The middle of a long path is replaced by an ellipsis; the reason is never cut.
 std::string FormatPathMessage(const char* format, const std::string& path, int error = 0);

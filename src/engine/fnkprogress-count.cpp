@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Walks by descriptor, so that a directory exchanged for a link under way leads nowhere else.
+/// Walks by descriptor, so that a directory replaced by a link meanwhile does not lead elsewhere.
 int CountBelow(int parent, const std::string& name)
 {
     const DirectoryStream stream = OpenDirectory({parent, name, name});
@@ -36,6 +36,6 @@ int CountOperationFile(const std::string& path)
     if (!IsDirectory(path)) {
         return 1;
     }
-    // Its "/" at the end would have a link followed that took the directory's place.
+    // With a "/" at the end, a link that has replaced the directory would be followed.
     return CountBelow(AT_FDCWD, WithoutSlash(path));
 }

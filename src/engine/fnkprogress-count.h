@@ -1,8 +1,8 @@
 #pragma once
-// Counting the steps of a command beforehand.
+// Counts the steps of a command before it runs.
 
 #include <string>
 
-/// How many steps an item takes: the files at or below path. Links are not followed, and a
-/// directory that cannot be read has none. Stops early when the user presses Cancel.
+/// The number of steps of an item: objects at or below path that are not directories. Links are not
+/// followed; a directory that cannot be read counts 0. Stops early when the user presses Cancel.
 int CountOperationFile(const std::string& path);

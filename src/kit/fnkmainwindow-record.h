@@ -1,11 +1,11 @@
 #pragma once
-// The widgets of the main window that other modules need. The window owns them all.
+// The widgets and shared state of the main window. The window owns the widgets.
 
 #include <gtk/gtk.h>
 
 #include <array>
 
-/// Places of MainW::MenuItem: the entries of the five menus in order, separators included.
+/// Indices of MainW::MenuItem: the entries of the five menus in order, with their separators.
 enum MenuEntry {
     MENU_NEW_WINDOW = 0,
     MENU_NEW = 1,
@@ -29,7 +29,7 @@ enum MenuEntry {
     MENU_STORED_COUNT = 25,
 };
 
-/// Places of MainW::ToolButton; the spaces between the groups count.
+/// Indices of MainW::ToolButton, with the spaces between the groups.
 enum ToolSlot {
     TOOL_BACK = 0,
     TOOL_UP = 1,
@@ -43,7 +43,7 @@ enum ToolSlot {
 struct MainW {
     GtkWidget* MainWindow = nullptr;
     std::array<GtkWidget*, MENU_STORED_COUNT> MenuItem = {};
-    std::array<GtkWidget*, TOOL_SLOT_COUNT> ToolButton = {};  ///< A space holds the toolbar itself.
+    std::array<GtkWidget*, TOOL_SLOT_COUNT> ToolButton = {};  ///< At a space: the toolbar.
     GtkWidget* LocationCombo = nullptr;
     GtkWidget* Paned = nullptr;
     GtkWidget* TreeScroll = nullptr;
@@ -53,12 +53,12 @@ struct MainW {
     GtkWidget* StatusBar = nullptr;
     GtkWidget* FilterStatusBar = nullptr;
 
-    int ListAnchor = -1;         ///< Row where a range starts that a click with Shift ends; -1 for none.
-    int ListBatches = 0;         ///< Living objects of ListSelectionBatch.
-    bool IsListChanged = false;  ///< The selection changed since it was last reported.
-    int HeldRow = -1;            ///< Row of a press that may yet start a drag of the selection; -1 for none.
-    std::array<int, 2> HeldRows = {-1, -1};  ///< Of the last two presses, -1 for one that was not held.
+    int ListAnchor = -1;         ///< Row from which Shift+click extends the selection; -1: none.
+    int ListBatches = 0;         ///< Number of live ListSelectionBatch objects.
+    bool IsListChanged = false;  ///< The selection has changed since the last report.
+    int HeldRow = -1;            ///< Row of a button press that may start a drag of the selection; -1: none.
+    std::array<int, 2> HeldRows = {-1, -1};  ///< HeldRow after each of the last two presses.
 };
 
-/// Null before InitGlobalTable and after TerminateGlobalTable, like pGTable.
+/// Like pGTable, null before InitGlobalTable and after TerminateGlobalTable.
 inline MainW* pMainW = nullptr;

@@ -35,7 +35,7 @@ Picture MessageIcon(unsigned style)
     }
 }
 
-/// One button that answers RESULT_OK, or two, of which the second answers RESULT_CANCEL.
+/// The first button answers RESULT_OK; the second, unless null, RESULT_CANCEL.
 using ButtonLabels = std::array<const char*, 2>;
 
 ButtonLabels MessageButtons(unsigned style)
@@ -54,7 +54,7 @@ ButtonLabels MessageButtons(unsigned style)
     }
 }
 
-/// A button of a running box: what it answers, and where the answer goes.
+/// The answer of a button, and where to store it.
 struct Answer {
     Result* result;
     Result value;
@@ -67,18 +67,15 @@ void on_Answer_clicked(GtkWidget*, gpointer answer)
     gtk_main_quit();
 }
 
-GtkWidget* AddButton(GtkWidget* box, const char* label, Answer* answer)
+GtkWidget* AddAnswerButton(GtkWidget* row, const char* label, Answer* answer)
 {
-    GtkWidget* const button = gtk_button_new_with_label(gettext(label));
+    GtkWidget* const button = AddDialogButton(row, gettext(label));
     gtk_widget_set_size_request(button, kButtonWidth, kButtonHeight);
-    gtk_container_add(GTK_CONTAINER(box), button);
-    gtk_widget_set_can_default(button, TRUE);
     g_signal_connect(button, "clicked", G_CALLBACK(on_Answer_clicked), answer);
-    gtk_widget_show(button);
     return button;
 }
 
-/// Return presses this button, and so does closing the window.
+/// Return presses this button, and so does closing the dialog.
 void MakeDefault(GtkWidget* dialog, GtkWidget* button)
 {
     gtk_widget_grab_focus(button);
@@ -114,7 +111,7 @@ Result MessageBox(const char* title, const std::string& message, unsigned style)
     const ButtonLabels labels = MessageButtons(style);
     GtkWidget* last = nullptr;
     for (std::size_t i = 0; i < labels.size() && labels[i] != nullptr; ++i) {
-        last = AddButton(buttons, labels[i], &answers[i]);
+        last = AddAnswerButton(buttons, labels[i], &answers[i]);
     }
     MakeDefault(dialog, last);
     ModalMainLoop(dialog, nullptr);
@@ -135,10 +132,10 @@ Result DeleteMessageBox(const std::string& name)
     Result result = RESULT_ABORT;
     Answer answers[] = {{&result, RESULT_OK}, {&result, RESULT_CANCEL}, {&result, RESULT_ABORT}};
     GtkWidget* const buttons = CreateButtonRow(dialog);
-    AddButton(buttons, N_("Yes"), &answers[0]);
-    AddButton(buttons, N_("No"), &answers[1]);
-    MakeDefault(dialog, AddButton(buttons, N_("Cancel"), &answers[2]));
-    // Read while it still exists: the loop's end destroys the box.
+    AddAnswerButton(buttons, N_("Yes"), &answers[0]);
+    AddAnswerButton(buttons, N_("No"), &answers[1]);
+    MakeDefault(dialog, AddAnswerButton(buttons, N_("Cancel"), &answers[2]));
+    // Track the box as it changes: it is destroyed before ModalMainLoop returns.
     g_signal_connect(rest, "toggled", G_CALLBACK(+[](GtkToggleButton* button, gpointer yes) {
                          static_cast<Answer*>(yes)->value =
                              gtk_toggle_button_get_active(button) ? RESULT_YES_ALL : RESULT_OK;

@@ -1,5 +1,5 @@
 #pragma once
-// Message boxes: modal, over whatever window they interrupt.
+// Modal message boxes, kept above the window that they interrupt.
 
 #include <gtk/gtk.h>
 
@@ -8,16 +8,17 @@
 #include "core/fnkutil.h"
 #include "engine/fnkmessage.h"
 
-/// Shows the message, UTF-8 and translated, and waits for an answer; closing the box presses its
-/// last button. style is one of MessageStyle.
+/// Shows a translated UTF-8 message and waits for the answer. Closing the box presses its last
+/// button. style is a MessageStyle.
 Result MessageBox(const char* title, const std::string& message, unsigned style);
 
-/// Asks whether the directory called name, not empty, may be deleted with all that is in it:
-/// RESULT_OK, RESULT_YES_ALL, RESULT_CANCEL for "No" or RESULT_ABORT.
+/// Asks whether to delete the directory name, which is not empty, with its contents: RESULT_OK,
+/// RESULT_YES_ALL, RESULT_CANCEL ("No") or RESULT_ABORT.
 Result DeleteMessageBox(const std::string& name);
 
-/// Says what is wrong with the text of an entry, which gets the focus with its text selected.
+/// Reports an error in the text of entry, which gets the focus with its text selected. entry may be
+/// null.
 void EntryMessageBox(const char* message, GtkWidget* entry);
 
-/// Says what is wrong with a typed path. The entry, if one is given, is treated as above.
+/// The same for a typed path; status says what is wrong with it.
 void FileExistMessageBox(PathStatus status, GtkWidget* entry);

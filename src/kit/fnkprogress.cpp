@@ -17,10 +17,10 @@ namespace {
 constexpr int kDialogWidth = 350;
 constexpr int kDialogHeight = 110;
 constexpr int kSpacing = 5;
-/// About 30 pictures a second; painting more often would only slow the work down.
+/// Microseconds. About 30 frames a second; painting more often would slow the work down.
 constexpr gint64 kPaintEvery = 33'000;
 
-/// Holds all input while a command runs without a dialog; null while none does.
+/// Grabs all input while a command runs, in case there is no dialog. Null when no command runs.
 GtkWidget* input_guard = nullptr;
 gint64 last_painted = 0;
 
@@ -52,7 +52,7 @@ void ReleaseInput()
     }
 }
 
-/// Nothing is done as long as the steps are still being counted.
+/// Shows 0 while the steps are still being counted.
 void ShowFraction()
 {
     const double done = pGTable->ProgressDone;
@@ -60,7 +60,7 @@ void ShowFraction()
     gtk_progress_bar_set_fraction(GTK_PROGRESS_BAR(pGTable->ProgressBar), fraction);
 }
 
-/// Everything that waits, and never more: a blocking turn could wait for ever.
+/// Handles pending events only; waiting for an event could block for ever.
 void ProcessPending()
 {
     while (gtk_events_pending()) {
@@ -150,7 +150,7 @@ int UpdateProgress()
     ShowFraction();
     ProcessPending();
     DestroyProgressDlg();
-    // Cancel may have been pressed just now.
+    // Cancel may have been pressed while events were processed.
     return pGTable->ProgressCancel != 0 ? static_cast<int>(RESULT_CANCEL) : 0;
 }
 

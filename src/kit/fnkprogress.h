@@ -1,26 +1,26 @@
 #pragma once
 // The progress dialog of a command.
 //
-// A command calls SetupProgress or SetupQuietRun first, DestroyProgressDlg when an item returned
-// RESULT_CANCEL, and EndProgress in every case. In between nothing but the dialog and boxes over it
-// takes input, whether the settings show a dialog or not.
+// A command calls SetupProgress or SetupQuietRun first, DestroyProgressDlg when an item returns
+// RESULT_CANCEL, and always EndProgress. In between, only the dialog and the message boxes above it
+// take input, even when the settings hide the dialog.
 
 #include <string>
 #include <vector>
 
 #include "engine/fnkmessage.h"
 
-/// Starts a run over the items, paths of which directories end in "/", and counts their steps.
+/// Starts a run over the paths in items and counts its steps. Paths of directories end in "/".
 void SetupProgress(const std::vector<std::string>& items, OperationKind kind);
 
-/// Starts a run without a dialog and without steps, for a change that is done in a moment.
+/// Starts a run without a dialog or steps, for a quick change.
 void SetupQuietRun();
 
-/// What OnEngine says of them.
+/// Callbacks for EngineEvents.
 int UpdateProgress();
 bool KeepPainting();
 
-/// Ends the run: the bar fills, the dialog closes, and the changes go to the disk.
+/// Ends the run: fills the bar, closes the dialog and flushes the changes to the disk.
 void EndProgress();
 void DestroyProgressDlg();
 void RaiseProgressDlg();

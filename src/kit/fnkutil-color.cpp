@@ -5,17 +5,18 @@
 
 namespace {
 
-/// What guidelines for readable text ask for at least.
+/// The minimum contrast ratio that accessibility guidelines require for text.
 constexpr double kReadable = 4.5;
 constexpr GdkRGBA kBlack = {0, 0, 0, 1};
 constexpr GdkRGBA kWhite = {1, 1, 1, 1};
 
+/// Removes the gamma of an sRGB component.
 double Linear(double part)
 {
     return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
 }
 
-/// How bright the eye finds the colour, from 0 to 1.
+/// Relative luminance, 0 to 1.
 double Luminance(const GdkRGBA& color)
 {
     return 0.2126 * Linear(color.red) + 0.7152 * Linear(color.green) + 0.0722 * Linear(color.blue);
@@ -27,9 +28,9 @@ GdkRGBA Mix(const GdkRGBA& from, const GdkRGBA& to, double share)
     return {between(from.red, to.red), between(from.green, to.green), between(from.blue, to.blue), 1.0};
 }
 
-GdkRGBA ThemeColor(GtkWidget* widget, const char* name, const GdkRGBA& otherwise)
+GdkRGBA ThemeColor(GtkWidget* widget, const char* name, const GdkRGBA& fallback)
 {
-    GdkRGBA color = otherwise;
+    GdkRGBA color = fallback;
     gtk_style_context_lookup_color(gtk_widget_get_style_context(widget), name, &color);
     return color;
 }
@@ -38,7 +39,7 @@ GdkRGBA ThemeColor(GtkWidget* widget, const char* name, const GdkRGBA& otherwise
 
 GdkRGBA ShownColor(const Color& color)
 {
-    constexpr double kFull = 0xff00;  // What the settings file can say at most.
+    constexpr double kFull = 0xff00;  // The maximum in the settings file, which stores high bytes only.
     const auto part = [](std::uint16_t component) { return std::min(component / kFull, 1.0); };
     return {part(color.red), part(color.green), part(color.blue), 1.0};
 }
@@ -57,9 +58,10 @@ GdkRGBA ReadableColor(const GdkRGBA& color, const GdkRGBA& ground)
         return color;
     }
     const GdkRGBA& end = Contrast(kBlack, ground) > Contrast(kWhite, ground) ? kBlack : kWhite;
+    // Bisect the mixing ratio: black or white, whichever contrasts more, is always readable.
     double too_little = 0.0;
     double enough = 1.0;
-    constexpr int kSteps = 8;  // To a 256th, finer than which no screen shows.
+    constexpr int kSteps = 8;  // Precise to 1/256, the step of a usual screen.
     for (int step = 0; step < kSteps; ++step) {
         const double middle = (too_little + enough) / 2;
         (Contrast(Mix(color, end, middle), ground) >= kReadable ? enough : too_little) = middle;
@@ -71,6 +73,6 @@ GdkRGBA TextColor(GtkWidget* widget, const Color& color)
 {
     const GdkRGBA ground = ThemeColor(widget, "theme_base_color", kWhite);
     const GdkRGBA shown = ShownColor(color);
-    const bool is_own = gdk_rgba_equal(&shown, &kBlack) && Contrast(shown, ground) < kReadable;
-    return ReadableColor(is_own ? ThemeColor(widget, "theme_text_color", shown) : shown, ground);
+    const bool use_theme_color = gdk_rgba_equal(&shown, &kBlack) && Contrast(shown, ground) < kReadable;
+    return ReadableColor(use_theme_color ? ThemeColor(widget, "theme_text_color", shown) : shown, ground);
 }

@@ -1,20 +1,19 @@
 #pragma once
-// Colours: those of the settings, and what they take to be read in.
+// The colours of the settings, adjusted so that text in them stays readable.
 
 #include <gtk/gtk.h>
 
 #include "core/fnktable.h"
 
-/// A colour of the settings as the screen shows it.
+/// Converts a colour of the settings.
 GdkRGBA ShownColor(const Color& color);
 
-/// How well a text of one colour stands out from a ground of the other, from 1 to 21.
+/// The contrast ratio of two colours, 1 to 21.
 double Contrast(const GdkRGBA& text, const GdkRGBA& ground);
 
-/// The colour itself, where a text can be read in it on that ground; otherwise the nearest one
-/// that is lighter or darker.
+/// color if text in it is readable on ground, else the nearest lighter or darker colour that is.
 GdkRGBA ReadableColor(const GdkRGBA& color, const GdkRGBA& ground);
 
-/// A colour of the settings for a text in the widget, as the theme allows it. Black, which is what
-/// texts are written in unless something else is wanted, gives way to the theme's own.
+/// The colour in which widget shows text, readable on the theme's background. Black is the default
+/// of the settings; where it would be unreadable, the theme's text colour takes its place.
 GdkRGBA TextColor(GtkWidget* widget, const Color& color);

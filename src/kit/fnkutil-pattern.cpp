@@ -11,7 +11,6 @@ namespace {
 constexpr int kSpacing = 5;
 constexpr int kEntryWidth = 340;
 
-/// The drop-down, its entry ready to be typed over.
 GtkWidget* AddPatternCombo(GtkWidget* box, const char* accessible_name, const std::string& pattern)
 {
     GtkWidget* entry = nullptr;
@@ -42,11 +41,11 @@ void CreatePatternDlg(const PatternDlgTexts& texts, const std::string& pattern, 
     ModalMainLoop(dialog, pMainW->MainWindow);
 }
 
-bool TakePattern(GtkWidget* combo, const char* complaint, std::string* pattern)
+bool AcceptPattern(GtkWidget* combo, const char* error_message, std::string* pattern)
 {
     *pattern = GetEntryBytes(ComboEntry(combo));
     if (!IsPattern(*pattern)) {
-        EntryMessageBox(complaint, ComboEntry(combo));
+        EntryMessageBox(error_message, ComboEntry(combo));
         return false;
     }
     AddHistoryListC(combo, pGTable->FilterHistory);

@@ -1,5 +1,5 @@
 #pragma once
-// The dialogs that ask for a wildcard pattern.
+// Dialogs that ask for a wildcard pattern.
 
 #include <gtk/gtk.h>
 
@@ -9,13 +9,14 @@
 
 struct PatternDlgTexts {
     const char* title;
-    const char* prompt;  ///< Stands above the entry, and is its name for screen readers.
+    const char* prompt;  ///< Shown above the entry; also its accessible name.
     Picture icon;
 };
 
-/// Runs a dialog over the main window. Its entry, with FilterHistory to choose from, says the
-/// pattern at first; ok_handler is called with the drop-down when OK is pressed, and ends the loop.
+/// Runs a modal dialog whose entry starts with pattern and offers FilterHistory. OK calls ok_handler
+/// with the combo box as its data; the handler ends the main loop.
 void CreatePatternDlg(const PatternDlgTexts& texts, const std::string& pattern, GCallback ok_handler);
 
-/// Takes the pattern out of the drop-down and records it. What cannot be one is complained of.
-bool TakePattern(GtkWidget* combo, const char* complaint, std::string* pattern);
+/// Reads the pattern from combo and adds it to FilterHistory. If it is not valid, shows error_message and
+/// returns false.
+bool AcceptPattern(GtkWidget* combo, const char* error_message, std::string* pattern);

@@ -31,24 +31,18 @@ void on_Loader_size_prepared(GdkPixbufLoader* loader, int width, int height, gpo
     gdk_pixbuf_loader_set_size(loader, width * GPOINTER_TO_INT(scale), height * GPOINTER_TO_INT(scale));
 }
 
-/// Null where the toolkit cannot read drawings: what reads them is a package of its own.
+/// Null if the SVG loader, a separate package, is not installed.
 Pixels RenderDrawing(const char* name, int scale)
 {
     return Pixels(ReadResource("/fennick/drawings/" + std::string(name) + ".svg", "svg", scale));
-}
-
-Pixels ReadXpm(const char* const* xpm)
-{
-    // The toolkit never writes to the data; its declaration is older than const there.
-    return Pixels(gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm)));
 }
 
 Pixels LoadPixels(const Picture& picture, int scale)
 {
     Pixels pixels = scale > 1 ? RenderDrawing(picture.name, scale) : nullptr;
     if (pixels == nullptr) {
-        const Pixels plain = ReadXpm(picture.xpm);
-        // Each pixel as several: coarse, but as clear as it is at its own size.
+        const Pixels plain(ReadXpm(picture.xpm));
+        // Repeat each pixel: coarse, but not blurred.
         pixels.reset(gdk_pixbuf_scale_simple(plain.get(), gdk_pixbuf_get_width(plain.get()) * scale,
                                              gdk_pixbuf_get_height(plain.get()) * scale, GDK_INTERP_NEAREST));
     }
@@ -61,7 +55,7 @@ void on_Image_scale_factor(GtkWidget* image, GParamSpec*, gpointer)
     gtk_image_set_from_surface(GTK_IMAGE(image), PictureSurface(*picture, gtk_widget_get_scale_factor(image)));
 }
 
-/// The toolkit fades pictures of buttons that do nothing only if they are of another kind.
+/// The toolkit does not fade images made from surfaces when their button is insensitive.
 void on_Image_state_flags_changed(GtkWidget* image, GtkStateFlags, gpointer)
 {
     gtk_widget_set_opacity(image, gtk_widget_is_sensitive(image) ? 1.0 : kFaded);
@@ -80,12 +74,18 @@ GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale)
     }
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(on_Loader_size_prepared), GINT_TO_POINTER(scale));
     const gboolean is_read = gdk_pixbuf_loader_write_bytes(loader.get(), bytes.get(), nullptr);
-    // To be closed in any case.
+    // Close the loader even after an error.
     if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !is_read) {
         return nullptr;
     }
     GdkPixbuf* const pixels = gdk_pixbuf_loader_get_pixbuf(loader.get());
     return pixels != nullptr ? GDK_PIXBUF(g_object_ref(pixels)) : nullptr;
+}
+
+GdkPixbuf* ReadXpm(const char* const* xpm)
+{
+    // The function does not modify the data; its declaration merely lacks a const.
+    return gdk_pixbuf_new_from_xpm_data(const_cast<const char**>(xpm));
 }
 
 cairo_surface_t* PictureSurface(const Picture& picture, int scale)
@@ -114,8 +114,8 @@ void ShowPicture(GtkWidget* image, const Picture& picture)
 
 namespace {
 
-/// Asked for with every row that is drawn, so the search is done once.
-struct Folder {
+/// Keeps the last surface: drawing each row asks for it, and the look-up in the map takes longer.
+struct CachedPicture {
     Picture picture;
     int scale = 0;
     cairo_surface_t* surface = nullptr;
@@ -129,17 +129,17 @@ struct Folder {
         return surface;
     }
 };
-Folder open_folder = {PICTURE(OpenDir)};
-Folder closed_folder = {PICTURE(CloseDir)};
+CachedPicture open_folder = {PICTURE(OpenDir)};
+CachedPicture closed_folder = {PICTURE(CloseDir)};
 
 }  // namespace
 
-cairo_surface_t* OpenFolder(GtkWidget* widget)
+cairo_surface_t* OpenFolderPicture(GtkWidget* widget)
 {
     return open_folder.At(gtk_widget_get_scale_factor(widget));
 }
 
-cairo_surface_t* ClosedFolder(GtkWidget* widget)
+cairo_surface_t* ClosedFolderPicture(GtkWidget* widget)
 {
     return closed_folder.At(gtk_widget_get_scale_factor(widget));
 }

@@ -1,17 +1,20 @@
 #pragma once
-// The built-in pictures. On an ordinary screen they are the XPM images, pixel by pixel; where a
-// screen has more pixels to the same size, the drawings that those were made of, in all its pixels.
+// The built-in pictures. At scale factor 1 they are the XPM images; at higher scale factors, the SVG
+// drawings from which those were made.
 
 #include <gtk/gtk.h>
 
 #include <string>
 
-/// A picture from the program's resources, enlarged scale times; the caller owns it. Null when there
-/// is none or the toolkit cannot read it. The type, such as "png", spares the toolkit a look at the
-/// data base of file types, which takes longer than reading the picture.
+/// Loads a picture from the program's resources, enlarged scale times. The caller owns it. Null if it
+/// does not exist or cannot be decoded. type, such as "png", saves a look-up in the MIME database,
+/// which takes longer than decoding the picture.
 GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale = 1);
 
-/// A built-in picture by its name, for which Name.xpm has been included.
+/// Decodes XPM data. The caller owns the picture. Null if the data is not valid.
+GdkPixbuf* ReadXpm(const char* const* xpm);
+
+/// A built-in picture. PICTURE(Name) needs Name.xpm to be included.
 struct Picture {
     const char* name = nullptr;
     const char* const* xpm = nullptr;
@@ -22,13 +25,12 @@ struct Picture {
 #name, name##_xpm \
     }
 
-/// The picture for a screen of that scale factor; kept, and shared by all who show it. Null only
-/// for a picture that is none.
+/// The picture at a scale factor, cached and shared; not to be freed. Null if picture is empty.
 cairo_surface_t* PictureSurface(const Picture& picture, int scale);
 
-/// An image that shows the picture at the scale of the screen that it is on.
+/// Makes image show picture, at the scale factor of whatever screen it is on.
 void ShowPicture(GtkWidget* image, const Picture& picture);
 
-/// The folders of both panes, as the widget's screen wants them.
-cairo_surface_t* OpenFolder(GtkWidget* widget);
-cairo_surface_t* ClosedFolder(GtkWidget* widget);
+/// The folder pictures of both panes at the scale factor of widget; not to be freed.
+cairo_surface_t* OpenFolderPicture(GtkWidget* widget);
+cairo_surface_t* ClosedFolderPicture(GtkWidget* widget);

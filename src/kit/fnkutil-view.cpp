@@ -8,7 +8,7 @@ constexpr const char* kNameKey = "fennick-name";
 
 }  // namespace
 
-// A tree view whose only difference is that it names its accessible.
+// A tree view that names its accessible when that is first asked for.
 struct FnkTreeView {
     GtkTreeView parent_instance;
 };
@@ -36,7 +36,7 @@ static void fnk_tree_view_init(FnkTreeView*) {}
 static gboolean on_TreeView_button_press(GtkWidget* view, GdkEvent*, gpointer)
 {
     GtkWidget* const window = gtk_widget_get_toplevel(view);
-    // A view that has been allowed the focus takes it by itself, and needs it for this very click.
+    // A view that can take the focus does so itself on this click.
     if (GTK_IS_WINDOW(window) && !gtk_widget_get_can_focus(view)) {
         ReleaseEntryFocus(window);
     }
@@ -55,7 +55,7 @@ GtkWidget* CreateTreeView(const char* accessible_name)
 
 namespace {
 
-/// Where the row is, in coordinates of the whole tree.
+/// The row's area; y is in tree coordinates.
 GdkRectangle GetRowArea(GtkTreeView* view, GtkTreePath* path)
 {
     GdkRectangle row;
@@ -95,7 +95,7 @@ TreePath GetFirstVisiblePath(GtkTreeView* view)
         return nullptr;
     }
     TreePath first(start);
-    // Scrolled to the very edge of a row, the toolkit names the one above, which is out of view.
+    // When a row starts exactly at the top, the toolkit returns the row above, which is hidden.
     GtkTreePath* below = nullptr;
     if (GetRowVisibility(view, start) == ROW_HIDDEN &&
         gtk_tree_view_get_path_at_pos(view, 1, 1, &below, nullptr, nullptr, nullptr)) {
@@ -117,7 +117,7 @@ namespace {
 
 void on_View_style_updated(GtkWidget* view, gpointer cell)
 {
-    // Fonts that stand in for missing letters are often taller than the one that is asked for.
+    // Includes characters that are often drawn in a fallback font, which may be taller.
     PangoLayout* const layout = gtk_widget_create_pango_layout(view, "\u00c1g\u65e5\u21b5\ufffd");
     int text_height = 0;
     int padding = 0;
@@ -129,7 +129,7 @@ void on_View_style_updated(GtkWidget* view, gpointer cell)
 
 }  // namespace
 
-void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell)
+void FixRowHeight(GtkWidget* view, GtkCellRenderer* cell)
 {
     on_View_style_updated(view, cell);
     g_signal_connect_object(view, "style-updated", G_CALLBACK(on_View_style_updated), cell, GConnectFlags());

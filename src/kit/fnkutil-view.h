@@ -1,15 +1,14 @@
 #pragma once
-// What the lists and trees have in common: how they are made, and where their rows are.
+// Creating tree views and finding their rows, for lists and trees alike.
 
 #include <gtk/gtk.h>
 
 #include <memory>
 
-/// A tree view of that name for screen readers. Unless whoever makes it allows it the focus it never
-/// has that, but a click on it takes the focus out of an entry: whoever clicks a row wants the keys
-/// to act there. The name is given only when one asks for it: as soon as its accessible exists, the
-/// toolkit tells it of every row that comes, goes or is selected, which doubles the time a large
-/// directory takes.
+/// Creates a tree view with an accessible name. It does not take the focus unless the caller allows
+/// it, but a click takes the focus out of an entry, so that the keys act on the rows. The accessible
+/// is not created before somebody asks for it: once it exists, the toolkit tells it of every change
+/// to a row, which doubles the time to show a large directory.
 GtkWidget* CreateTreeView(const char* accessible_name);
 
 struct FreeTreePath {
@@ -18,17 +17,17 @@ struct FreeTreePath {
 using TreePath = std::unique_ptr<GtkTreePath, FreeTreePath>;
 
 enum RowVisibility { ROW_HIDDEN, ROW_PARTLY_VISIBLE, ROW_VISIBLE };
-/// How much of the row's height the scrolled view shows.
+/// How much of a row's height is visible.
 RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 
-/// Scrolls at once, so that the row sits at the top (0.0) or the bottom (1.0) of the view. The
-/// toolkit's own way waits for its next turn; keys that come faster would still see the old page.
+/// Scrolls so that the row is at the top (alignment 0.0) or bottom (1.0). Unlike the toolkit's own
+/// function it does not wait for the main loop, so that fast key presses see the new position.
 void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment);
-/// The first row that is at least partly visible; null when there is none.
+/// The first row that is at least partly visible, or null.
 TreePath GetFirstVisiblePath(GtkTreeView* view);
-/// Width of the text as the widget would draw it; pixels.
+/// Width in pixels of text in the widget's font.
 int GetTextWidth(GtkWidget* widget, const char* text);
 
-/// Gives the cell the same height in every row, whatever script its text is in: views with rows
-/// of one height count on it, but measure rows singly as they come into view.
-void KeepRowHeight(GtkWidget* view, GtkCellRenderer* cell);
+/// Keeps the cell's height the same in every row, whatever script its text is in. Views in
+/// fixed-height mode rely on it, but still measure each row when it comes into view.
+void FixRowHeight(GtkWidget* view, GtkCellRenderer* cell);

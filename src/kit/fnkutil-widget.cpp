@@ -14,7 +14,7 @@ constexpr int kIconSpacing = 10;
 constexpr const char* kItemsKey = "fennick-items";
 constexpr const char* kBytesKey = "fennick-bytes";
 
-/// Attaches a value to an object, which owns it from then on.
+/// Attaches a value to an object, which then owns it.
 template <typename T>
 void AttachData(gpointer object, const char* key, T value)
 {
@@ -26,15 +26,6 @@ template <typename T>
 const T* AttachedData(gpointer object, const char* key)
 {
     return static_cast<const T*>(g_object_get_data(G_OBJECT(object), key));
-}
-
-GtkWidget* AddDialogButton(GtkWidget* box, const char* label)
-{
-    GtkWidget* const button = gtk_button_new_with_label(label);
-    gtk_container_add(GTK_CONTAINER(box), button);
-    gtk_widget_set_can_default(button, TRUE);
-    gtk_widget_show(button);
-    return button;
 }
 
 GtkWidget* DialogActionArea(GtkWidget* dialog)
@@ -52,7 +43,7 @@ void on_Combo_changed(GtkWidget* combo, gpointer)
         return;
     }
     GtkWidget* const entry = ComboEntry(combo);
-    // What was picked is there to be used: the next key is for it, Return above all.
+    // The next key, Return above all, is meant for the chosen text.
     if (gtk_widget_get_mapped(entry) && gtk_editable_get_editable(GTK_EDITABLE(entry))) {
         gtk_entry_grab_focus_without_selecting(GTK_ENTRY(entry));
     }
@@ -134,6 +125,15 @@ GtkWidget* CreateButtonRow(GtkWidget* dialog)
     gtk_box_pack_start(GTK_BOX(area), box, TRUE, TRUE, 0);
     gtk_widget_show(box);
     return box;
+}
+
+GtkWidget* AddDialogButton(GtkWidget* row, const char* label)
+{
+    GtkWidget* const button = gtk_button_new_with_label(label);
+    gtk_container_add(GTK_CONTAINER(row), button);
+    gtk_widget_set_can_default(button, TRUE);
+    gtk_widget_show(button);
+    return button;
 }
 
 int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing)
@@ -220,8 +220,8 @@ GtkWidget* CreateScroll()
 {
     GtkWidget* const scroll = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_AUTOMATIC, GTK_POLICY_AUTOMATIC);
-    // Bars that stay say where in a long list one is. Those that fade in and out are animated for two
-    // seconds each time, also when the window comes up, and lie over the last row.
+    // Permanent scroll bars show the position in a long list. Overlay scroll bars cover the last row
+    // and are animated for two seconds each time they appear, also when the window opens.
     gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scroll), FALSE);
     gtk_widget_show(scroll);
     return scroll;
@@ -292,8 +292,7 @@ GtkWidget* CreateSeparator(GtkWidget* box)
 
 namespace {
 
-/// The window that a dialog interrupts: a dialog or the progress of a command, or else the main
-/// window.
+/// The window that a new dialog interrupts: the dialog with the grab, else the main window.
 GtkWidget* InterruptedWindow()
 {
     GtkWidget* const holder = gtk_grab_get_current();
@@ -304,9 +303,9 @@ GtkWidget* InterruptedWindow()
     return pMainW != nullptr ? pMainW->MainWindow : nullptr;
 }
 
-/// Nothing else takes input while the dialog runs, so it must not get lost behind the window that
-/// it interrupts, nor be put away on its own.
-void KeepAbove(GtkWindow* dialog, GtkWidget* parent)
+/// Keeps a dialog above the window that it interrupts, and minimised only with it: nothing else takes
+/// input while the dialog runs, so the user must be able to find it.
+void SetTransientParent(GtkWindow* dialog, GtkWidget* parent)
 {
     GtkWidget* const below = GTK_IS_WINDOW(parent) ? parent : InterruptedWindow();
     if (below != nullptr && gtk_window_get_transient_for(dialog) == nullptr) {
@@ -322,7 +321,7 @@ void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
         return;
     }
     g_signal_connect(window, "button-press-event", G_CALLBACK(on_Window_button_press_event), nullptr);
-    KeepAbove(GTK_WINDOW(window), parent);
+    SetTransientParent(GTK_WINDOW(window), parent);
     if (parent != nullptr) {
         gtk_widget_set_sensitive(parent, FALSE);
     }
@@ -334,7 +333,7 @@ void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
     gtk_widget_destroy(window);
     if (parent != nullptr) {
         gtk_widget_set_sensitive(parent, TRUE);
-        // The toolkit took its grab away when it became insensitive.
+        // The parent lost its grab when it became insensitive.
         if (GTK_IS_WINDOW(parent) && gtk_window_get_modal(GTK_WINDOW(parent))) {
             gtk_grab_add(parent);
         }
@@ -376,7 +375,7 @@ GtkWidget* ComboEntry(GtkWidget* combo)
 
 void SetComboStrings(GtkWidget* combo, const History& list)
 {
-    // Before the items change, so that their "changed" does not write into the entry.
+    // Without items, on_Combo_changed does not overwrite the entry.
     AttachData(combo, kItemsKey, History());
     gtk_combo_box_text_remove_all(GTK_COMBO_BOX_TEXT(combo));
     for (const std::string& item : list) {
@@ -430,9 +429,9 @@ void WrapLabel(GtkWidget* label)
 {
     constexpr int kLineCharacters = 70;
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);  // Names need have no blanks.
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);  // Names may have no blanks.
     gtk_label_set_max_width_chars(GTK_LABEL(label), kLineCharacters);
-    // A hyphen at the break would pass for one of the name's.
+    // A hyphen at the break would look like part of the name.
     PangoAttrList* const attributes = pango_attr_list_new();
     pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
     gtk_label_set_attributes(GTK_LABEL(label), attributes);
@@ -476,7 +475,7 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
 {
     const std::string shown = DisplayText(text);
     gtk_label_set_text(GTK_LABEL(StatusBarLabel(status_bar)), shown.c_str());
-    // The bar's name says which bar it is, and hides the label from screen readers.
+    // Screen readers skip the label because the bar itself has a name.
     atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
 }
 

@@ -1,7 +1,7 @@
 #pragma once
-// The widget kit: every window and dialog is put together from these builders, so that all look
-// and behave alike. A builder shows what it makes and packs it where it says so; it returns null
-// when an argument it needs is missing. Containers own the widgets, as everywhere in the toolkit.
+// Builders for all windows and dialogs, so that they look and behave alike. Unless noted, a builder
+// shows its widget and packs it into its first argument. It returns null if a required argument is
+// missing. As usual in the toolkit, containers own their widgets.
 
 #include <gtk/gtk.h>
 
@@ -10,49 +10,50 @@
 #include "core/fnktable.h"
 #include "kit/fnkutil-picture.h"
 
-/// Result of a dialog builder that could not make a widget, or lacked an argument or its data.
+/// Errors of dialog builders: a widget could not be created; an argument or its data is missing.
 constexpr int kWidgetError = -65535;
 constexpr int kArgumentError = -65534;
 
-/// Closes the window as a press of the button would.
+/// Whether CreateDlgButtonBox connects the handlers that close the dialog.
 enum DialogClosing { CLOSING_UNWIRED = 0, CLOSING_WIRED = 1 };
 
-/// A centred modal dialog of fixed size; 0 for a size leaves it to the content. The dialog is
-/// shown by ModalMainLoop.
+/// A centred modal dialog that cannot be resized. Sizes are in pixels; 0 fits the content.
+/// ModalMainLoop shows the dialog.
 GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height);
-/// The same with a vertical box in it.
+/// The same with a vertical box.
 GtkWidget* CreateNormalDialogBox(GtkWidget** vbox, int width, int height, int spacing);
-/// The same with a picture beside the vertical box.
+/// The same with a picture beside a vertical box.
 GtkWidget* CreateIconDialogBox(GtkWidget** vbox, const Picture& picture, int width, int height, int spacing);
-/// The same with a notebook in it.
+/// The same with a notebook.
 GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height);
 
-/// The row at the bottom of a dialog, for buttons from the right.
+/// The row for buttons at the bottom of a dialog, aligned to the right.
 GtkWidget* CreateButtonRow(GtkWidget* dialog);
-/// Adds the button row: OK and Cancel where a place for them is given. The last of them has the
-/// focus and is the default; wired, the window manager's close presses it and it ends the loop.
-/// 0 or kWidgetError.
+/// Adds a button, which can be the default, to a button row. label is translated.
+GtkWidget* AddDialogButton(GtkWidget* row, const char* label);
+/// Adds a button row with OK and Cancel, each only if its pointer is not null. The last one is the
+/// default and has the focus. With CLOSING_WIRED, closing the window presses it, and it ends the main
+/// loop. 0 or kWidgetError.
 int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing);
 
-/// The bin around a bar. It does not tear off: the toolkit's handle boxes are past repair, they
-/// draw nothing of their content and shrink to a sliver once detached.
+/// A container for a bar. It cannot be detached: the toolkit's own handle box does not draw its
+/// content and shrinks to a sliver once detached.
 GtkWidget* CreateHandleBox(GtkWidget* box);
 GtkWidget* CreateVBox(GtkWidget* container, int spacing, int border);
 GtkWidget* CreateHBox(GtkWidget* container, bool homogeneous, int spacing, int border);
-/// A grid; unlike the others it and the next three are not packed.
+/// A grid. It and the next three are not packed.
 GtkWidget* CreateTable(int row_spacing, int column_spacing, int border);
 GtkWidget* CreateScroll();
-/// A drop-down with an entry. max_length counts characters, 0 is no limit; entry may be null.
+/// A combo box with an entry. max_length is in characters, 0 for no limit. entry may be null.
 GtkWidget* CreateComboBox(GtkWidget** entry, bool editable, int max_length);
-/// Not shown either.
+/// Also not shown.
 GtkWidget* CreatePixmap(const Picture& picture);
 GtkWidget* CreateLabel(GtkWidget* box, const char* text);
 GtkWidget* CreateTabLabel(GtkWidget* notebook, int page, const char* text);
 GtkWidget* CreateSeparator(GtkWidget* box);
 
-/// Runs a dialog until a handler of its own calls gtk_main_quit, then destroys it. parent, a window
-/// or a dialog that is running, is insensitive meanwhile; null for a dialog that leaves the one
-/// below it as it looks.
+/// Runs a dialog until one of its handlers calls gtk_main_quit, then destroys it. Meanwhile parent,
+/// the main window or another running dialog, is insensitive; with null, nothing changes its look.
 void ModalMainLoop(GtkWidget* window, GtkWidget* parent);
 
 gboolean on_delete_event(GtkWidget* widget, GdkEvent* event, gpointer button);
@@ -61,34 +62,34 @@ gboolean on_Window_button_press_event(GtkWidget* widget, GdkEvent* event, gpoint
 gboolean on_Window_visibility_notify(GtkWidget* widget, GdkEvent* event, gpointer data);
 void on_ComboEntry_activate(GtkWidget* entry, gpointer button);
 
-/// The entry of a drop-down made by CreateComboBox.
+/// The entry of a combo box from CreateComboBox.
 GtkWidget* ComboEntry(GtkWidget* combo);
-/// Replaces the items; what the entry says stays.
+/// Replaces the items; the entry keeps its text.
 void SetComboStrings(GtkWidget* combo, const History& list);
-/// Whether the entry says exactly one of the items.
+/// Whether the entry's text equals one of the items.
 bool IsComboString(GtkWidget* combo);
 
-/// Entries hold UTF-8, paths are bytes. The bytes are kept beside the text that stands for them
-/// and are what GetEntryBytes returns until the text is edited.
+/// Entries hold UTF-8, but paths are bytes. The entry shows the bytes as valid UTF-8 and keeps them;
+/// GetEntryBytes returns them until the text is edited.
 void SetEntryBytes(GtkWidget* entry, const std::string& bytes);
 std::string GetEntryBytes(GtkWidget* entry);
 
-/// Records what the entry says, unless it is empty.
+/// Adds the entry's text to list, unless it is empty.
 void AddHistoryListC(GtkWidget* combo, History& list);
 
-/// Takes the focus out of every entry of the window, so that the panes get the keys.
+/// Takes the focus out of the window's entries, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
-/// Breaks a label's lines where they get longer, at blanks or anywhere in a path, and adds nothing.
+/// Wraps a label's long lines at blanks, or anywhere in a long word, without hyphens.
 void WrapLabel(GtkWidget* label);
 
-/// Keeps a label to one line. In want of room, or of more characters than it may ask room for, it
-/// loses its middle and shows the whole text as a tip.
+/// Keeps a label on one line and at most max_characters wide. An ellipsis replaces the middle of a
+/// text that does not fit; the tooltip shows the whole text.
 void ShortenLabel(GtkWidget* label, int max_characters);
 
 /// The label of a status bar.
 GtkWidget* StatusBarLabel(GtkWidget* status_bar);
-/// The label of a status bar, set without its stack of messages; its description says the same.
+/// Sets the label of a status bar, bypassing its message stack, and its accessible description.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
-/// What screen readers call the widget.
+/// Sets the name that screen readers use.
 void SetAccessibleName(GtkWidget* widget, const char* name);

@@ -87,7 +87,7 @@ void DrawFolder(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel*,
     GtkWidget* const tree = gtk_tree_view_column_get_tree_view(column);
     gboolean is_expanded = FALSE;
     g_object_get(cell, "is-expanded", &is_expanded, nullptr);
-    g_object_set(cell, "surface", is_expanded ? OpenFolder(tree) : ClosedFolder(tree), nullptr);
+    g_object_set(cell, "surface", is_expanded ? OpenFolderPicture(tree) : ClosedFolderPicture(tree), nullptr);
 }
 
 void AddTreeColumn(GtkTreeView* tree)
@@ -101,7 +101,7 @@ void AddTreeColumn(GtkTreeView* tree)
     }
     GtkCellRenderer* const text = gtk_cell_renderer_text_new();
     g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
-    KeepRowHeight(GTK_WIDGET(tree), text);
+    FixRowHeight(GTK_WIDGET(tree), text);
     gtk_tree_view_column_pack_start(column, text, TRUE);
     gtk_tree_view_column_set_cell_data_func(column, text, DrawName, nullptr, nullptr);
     gtk_tree_view_column_set_spacing(column, kIconSpacing);

@@ -77,7 +77,7 @@ bool BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
         gtk_drag_begin_with_coordinates(widget, targets, kActions, static_cast<int>(start.button), event, x, y);
     gtk_target_list_unref(targets);
     if (context != nullptr) {
-        gtk_drag_set_icon_surface(context, ClosedFolder(widget));
+        gtk_drag_set_icon_surface(context, ClosedFolderPicture(widget));
     }
     return context != nullptr;
 }

@@ -46,7 +46,7 @@ void DrawIcon(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* mo
     }
     const FileRow& row = ModelRows(FNK_LIST_MODEL(model)).Row(ModelRowIndex(iter));
     GtkWidget* const list = gtk_tree_view_column_get_tree_view(column);
-    g_object_set(cell, "surface", row.is_directory ? ClosedFolder(list) : nullptr, nullptr);
+    g_object_set(cell, "surface", row.is_directory ? ClosedFolderPicture(list) : nullptr, nullptr);
 }
 
 GdkRGBA RowColor(GtkWidget* list, const FileRow& row)
@@ -165,7 +165,7 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position, ColumnClickHand
     GtkCellRenderer* const cell = gtk_cell_renderer_text_new();
     g_object_set(cell, "xalign", kColumns[static_cast<std::size_t>(id)].align_right ? 1.0F : 0.0F,
                  "single-paragraph-mode", TRUE, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
-    KeepRowHeight(GTK_WIDGET(list), cell);
+    FixRowHeight(GTK_WIDGET(list), cell);
     GtkTreeViewColumn* const column = AppendColumn(list, cell, DrawText, id);
     gtk_tree_view_column_set_title(column, GetListColumnString(id).c_str());
     gtk_tree_view_column_set_alignment(column, 0.0F);

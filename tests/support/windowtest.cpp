@@ -162,7 +162,7 @@ void WindowTest::Start(const std::string& root, const std::string& start)
     // So that what an event leads to is done when it has been handled.
     g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     ASSERT_EQ(InitGlobalTable(), 0);
-    TakeDirectories({.version = false, .root = WithSlash(root), .start = start});
+    SetStartDirectories({.is_version_requested = false, .root = WithSlash(root), .start = start});
     SeedHistories();
     window_ = CreateMainWindow();
     ASSERT_NE(window_, nullptr);

@@ -36,10 +36,10 @@ TEST_F(Start, OnlyTheFirstArgumentIsAnOption)
         const CommandLine parsed = Parse(arguments);
         EXPECT_EQ(parsed.root, root) << testing::PrintToString(arguments);
         EXPECT_EQ(parsed.start, start) << testing::PrintToString(arguments);
-        EXPECT_FALSE(parsed.version);
+        EXPECT_FALSE(parsed.is_version_requested);
     }
-    EXPECT_TRUE(Parse({"--version"}).version);
-    EXPECT_FALSE(Parse({dir, "--version"}).version);
+    EXPECT_TRUE(Parse({"--version"}).is_version_requested);
+    EXPECT_FALSE(Parse({dir, "--version"}).is_version_requested);
     home_variable.Set(nullptr);
     EXPECT_EQ(Parse({}).root, "/");
 }
@@ -70,7 +70,7 @@ TEST_F(Start, StartsInsideTheRootOrAtIt)
           Case(files.File("root/file"), ""), Case(files.At("root/link"), ""), Case(files.Path(), ""),
           Case(dir + std::string(kMaxPathBytes, '/'), "")}) {
         table.StartDir.clear();
-        TakeDirectories({false, files.At("root/"), start});
+        SetStartDirectories({false, files.At("root/"), start});
         EXPECT_EQ(table.StartDir, expected) << start.substr(0, 100);
         EXPECT_EQ(table.RootDir, files.At("root/"));
     }
