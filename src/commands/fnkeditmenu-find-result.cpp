@@ -20,7 +20,7 @@ constexpr int kSpacing = 5;
 constexpr int kButtonSpacing = 10;
 constexpr int kLabelCharacters = 40;
 /// Milliseconds from one look at the search to the next.
-constexpr guint kLookEvery = 33;
+constexpr guint kPollInterval = 33;
 
 /// Lives as long as the dialog.
 struct FindResultInfo {
@@ -170,7 +170,7 @@ FindResult CreateFindResultDlg(GtkWidget* parent, const FindRequest& request)
     g_signal_connect(info.OKButton, "clicked", G_CALLBACK(on_FindResult_OKButton_clicked), &info);
 
     info.Search.emplace(request);
-    info.Timer = g_timeout_add(kLookEvery, on_Search_timeout, &info);
+    info.Timer = g_timeout_add(kPollInterval, on_Search_timeout, &info);
     ModalMainLoop(dialog, parent);
     if (info.Timer != 0) {
         g_source_remove(info.Timer);

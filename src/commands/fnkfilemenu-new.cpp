@@ -32,7 +32,7 @@ bool ReportCreation(bool created, const char* failure, const std::string& path)
     return created;
 }
 
-void PutOnDisk()
+void SyncQuietly()
 {
     SetupQuietRun();
     EndProgress();
@@ -69,7 +69,7 @@ bool CreateNewFile(const std::string& path)
 
 void ShowNewFile(const std::string& path)
 {
-    PutOnDisk();
+    SyncQuietly();
     const std::string parent = GetParentDirectory(path);
     OpenChildTree(MainTree(), parent, EXPAND_LAST_NO);
     if (pGTable->CurrentDir == parent) {
@@ -83,7 +83,7 @@ void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
     if (!AskForNewPath(MODE_NEW_DIRECTORY, &path) || !CreateNewDirectory(WithSlash(path))) {
         return;
     }
-    PutOnDisk();
+    SyncQuietly();
     RescanTree(MainTree(), GetParentDirectory(path));
     OpenChildTree(MainTree(), WithSlash(path), EXPAND_LAST_NO);
 }

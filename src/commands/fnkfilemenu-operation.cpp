@@ -35,7 +35,7 @@ namespace {
 
 /// Several sources need a directory to go into: given one by one to a name that is still free,
 /// each would replace the one before. That directory is made, anything else in its place refused.
-bool HasRoomFor(const std::vector<std::string>& sources, const std::string& destination, bool* made)
+bool PrepareDestination(const std::vector<std::string>& sources, const std::string& destination, bool* made)
 {
     struct stat st = {};
     if (sources.size() == 1) {
@@ -62,7 +62,7 @@ void FileOperation(OperationKind kind)
     const auto mode = static_cast<OperationMode>(kind);
     if (GetFileOperationString(sources, &description) == SELECTION_NONE || !CheckFileOperationPaths(sources) ||
         CreateFileOperationDlg(mode, description, &destination) != RESULT_OK ||
-        !HasRoomFor(sources, destination, &made)) {
+        !PrepareDestination(sources, destination, &made)) {
         return;
     }
     const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;

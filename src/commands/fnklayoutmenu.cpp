@@ -39,7 +39,7 @@ std::vector<std::string> ColumnTitles()
 
 /// Where the title of the sorted column stands among them. The icon column has none, but its order
 /// is that of the names.
-int SortedColumnPlace()
+int SortedTitleIndex()
 {
     const int column = EffectiveSortColumn();
     return (column > 0 ? column : pGTable->NameColumn) - 1;
@@ -55,7 +55,7 @@ GtkWidget* AddColumnCombo(GtkWidget* vbox)
     SetAccessibleName(entry, _("Sort column"));
     SetComboStrings(combo, ColumnTitles());
     gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    gtk_combo_box_set_active(GTK_COMBO_BOX(combo), SortedColumnPlace());
+    gtk_combo_box_set_active(GTK_COMBO_BOX(combo), SortedTitleIndex());
     return combo;
 }
 

@@ -106,7 +106,7 @@ void on_ColorSelection_response(GtkWidget* dialog, int response, gpointer color)
 }
 
 /// One of the toolkit's own buttons, labelled as in all dialogs.
-GtkWidget* NameButton(GtkWidget* dialog, int response, const char* label)
+GtkWidget* RelabelButton(GtkWidget* dialog, int response, const char* label)
 {
     GtkWidget* const button = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), response);
     gtk_button_set_label(GTK_BUTTON(button), label);
@@ -127,9 +127,9 @@ void ColorSelection(GtkWidget* parent, Color* color)
     const GdkRGBA shown = ShownColor(*color);
     gtk_color_chooser_set_use_alpha(GTK_COLOR_CHOOSER(dialog), FALSE);
     gtk_color_chooser_set_rgba(GTK_COLOR_CHOOSER(dialog), &shown);
-    GtkWidget* const ok = NameButton(dialog, GTK_RESPONSE_OK, _("OK"));
+    GtkWidget* const ok = RelabelButton(dialog, GTK_RESPONSE_OK, _("OK"));
     gtk_box_reorder_child(GTK_BOX(gtk_widget_get_parent(ok)), ok, 0);
-    GtkWidget* const cancel = NameButton(dialog, GTK_RESPONSE_CANCEL, _("Cancel"));
+    GtkWidget* const cancel = RelabelButton(dialog, GTK_RESPONSE_CANCEL, _("Cancel"));
     gtk_widget_grab_focus(cancel);
     gtk_widget_grab_default(cancel);
     g_signal_connect(dialog, "delete-event", G_CALLBACK(on_delete_event), cancel);

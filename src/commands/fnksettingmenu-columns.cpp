@@ -30,7 +30,7 @@ GtkTreeSelection* SelectionOf(GtkWidget* list)
     return gtk_tree_view_get_selection(GTK_TREE_VIEW(list));
 }
 
-int ColumnOf(GtkTreeModel* model, GtkTreeIter* row)
+int ColumnIdOf(GtkTreeModel* model, GtkTreeIter* row)
 {
     int id = 0;
     gtk_tree_model_get(model, row, FIELD_ID, &id, -1);
@@ -52,7 +52,7 @@ void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
     for (const GList* link = selected; link != nullptr; link = link->next) {
         GtkTreeIter row;
         gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
-        AppendColumn(target, ColumnOf(model, &row));
+        AppendColumn(target, ColumnIdOf(model, &row));
     }
     // From the bottom, so that the paths above stay right.
     for (const GList* link = g_list_last(selected); link != nullptr; link = link->prev) {
@@ -81,13 +81,13 @@ void GetListSensitive(GtkWidget* list, GtkWidget* button)
     gtk_tree_selection_selected_foreach(
         SelectionOf(list),
         [](GtkTreeModel* model, GtkTreePath*, GtkTreeIter* row, gpointer flag) {
-            *static_cast<bool*>(flag) &= ColumnOf(model, row) != COLUMN_NAME;
+            *static_cast<bool*>(flag) &= ColumnIdOf(model, row) != COLUMN_NAME;
         },
         &can_remove);
     gtk_widget_set_sensitive(button, can_remove);
 }
 
-void on_DetailedList_selection_changed(GtkTreeSelection* selection, gpointer data)
+void on_ColumnList_selection_changed(GtkTreeSelection* selection, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
     GtkWidget* const list = GTK_WIDGET(gtk_tree_selection_get_tree_view(selection));
@@ -99,7 +99,7 @@ void on_DetailedList_selection_changed(GtkTreeSelection* selection, gpointer dat
 }
 
 /// A double click moves the row, as its button would.
-void on_DetailedList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeViewColumn*, gpointer data)
+void on_ColumnList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeViewColumn*, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
     gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(list));
@@ -158,8 +158,8 @@ GtkWidget* CreateSingleList(GtkWidget* box, const char* title, OptionDlgInfo* in
     gtk_tree_view_set_enable_search(GTK_TREE_VIEW(list), FALSE);
     AddTitleColumn(GTK_TREE_VIEW(list), title);
     gtk_tree_selection_set_mode(SelectionOf(list), GTK_SELECTION_MULTIPLE);
-    g_signal_connect(SelectionOf(list), "changed", G_CALLBACK(on_DetailedList_selection_changed), info);
-    g_signal_connect(list, "row-activated", G_CALLBACK(on_DetailedList_row_activated), info);
+    g_signal_connect(SelectionOf(list), "changed", G_CALLBACK(on_ColumnList_selection_changed), info);
+    g_signal_connect(list, "row-activated", G_CALLBACK(on_ColumnList_row_activated), info);
     gtk_container_add(GTK_CONTAINER(scroll), list);
     return list;
 }
@@ -182,7 +182,7 @@ void KeepSorted(GtkWidget* list)
     gtk_tree_sortable_set_sort_column_id(store, FIELD_TITLE, GTK_SORT_ASCENDING);
 }
 
-GtkWidget* AddDetaildButton(GtkWidget* box, const char* label, OptionDlgInfo* info)
+GtkWidget* AddMoveButton(GtkWidget* box, const char* label, OptionDlgInfo* info)
 {
     GtkWidget* const button = gtk_button_new_with_label(label);
     gtk_widget_set_size_request(button, kButtonWidth, kButtonHeight);
@@ -193,13 +193,13 @@ GtkWidget* AddDetaildButton(GtkWidget* box, const char* label, OptionDlgInfo* in
     return button;
 }
 
-void AddDetaildButtons(GtkWidget* page, OptionDlgInfo* info)
+void AddMoveButtons(GtkWidget* page, OptionDlgInfo* info)
 {
     GtkWidget* const box = gtk_button_box_new(GTK_ORIENTATION_VERTICAL);
     gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_SPREAD);
     gtk_box_pack_start(GTK_BOX(page), box, FALSE, FALSE, 0);
-    info->AddButton = AddDetaildButton(box, _("Add"), info);
-    info->RemoveButton = AddDetaildButton(box, _("Remove"), info);
+    info->AddButton = AddMoveButton(box, _("Add"), info);
+    info->RemoveButton = AddMoveButton(box, _("Remove"), info);
     gtk_widget_show(box);
 }
 
@@ -210,7 +210,7 @@ void CreateColumnsPage(GtkWidget* notebook, OptionDlgInfo* info)
     GtkWidget* const page = CreateHBox(notebook, false, kSpacing, kSpacing);
     info->PossibleList = CreateSingleList(page, _("Possible columns"), info);
     KeepSorted(info->PossibleList);
-    AddDetaildButtons(page, info);
+    AddMoveButtons(page, info);
     info->DisplayedList = CreateSingleList(page, _("Displayed columns"), info);
     gtk_tree_view_set_reorderable(GTK_TREE_VIEW(info->DisplayedList), TRUE);
     gtk_widget_set_tooltip_text(info->DisplayedList, _("Drag a column to where it is to stand, or press Alt+Up or "
@@ -242,7 +242,7 @@ std::vector<int> GetDisplayedColumns(const OptionDlgInfo* info)
     GtkTreeIter row;
     for (gboolean more = gtk_tree_model_get_iter_first(model, &row); more;
          more = gtk_tree_model_iter_next(model, &row)) {
-        ids.push_back(ColumnOf(model, &row));
+        ids.push_back(ColumnIdOf(model, &row));
     }
     return ids;
 }

@@ -137,13 +137,13 @@ void RebuildList()
 void on_Option_OKButton_clicked(GtkWidget*, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
-    const bool shows_others = StoreChecks(info);
+    const bool shows_other_entries = StoreChecks(info);
     pGTable->Colors = info->Colors;
     const bool has_other_columns = StoreColumns(GetDisplayedColumns(info));
     if (has_other_columns) {
         RebuildList();
     }
-    if (shows_others) {
+    if (shows_other_entries) {
         RebuildTree();
     } else if (!has_other_columns) {
         DisplayFileList(pGTable->CurrentDir);

@@ -45,7 +45,7 @@ void on_PickerTree_select_row(GtkTreeSelection* selection, gpointer combo)
     }
 }
 
-void SetTreeCursor(GtkTreeView* tree, const char* name)
+void SetMousePointer(GtkTreeView* tree, const char* name)
 {
     GdkWindow* const window = gtk_widget_get_window(GTK_WIDGET(tree));
     if (window == nullptr) {
@@ -64,9 +64,9 @@ gboolean on_DirTree_expand(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, g
     if (pGTable == nullptr) {
         return TRUE;
     }
-    SetTreeCursor(tree, "wait");
+    SetMousePointer(tree, "wait");
     CreateChildtree(tree, node);
-    SetTreeCursor(tree, nullptr);
+    SetMousePointer(tree, nullptr);
     return FALSE;
 }
 
@@ -199,7 +199,7 @@ namespace {
 
 /// The node of a directory on the way down from parent, read again when the tree does not know it
 /// yet: it may be younger than the tree.
-bool FindOnDisk(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, GtkTreeIter* node)
+bool FindOrReadNode(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, GtkTreeIter* node)
 {
     if (GetPathNode(tree, prefix, node)) {
         return true;
@@ -219,7 +219,7 @@ GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast e
         done = static_cast<std::size_t>(slash - path.c_str()) + 1;
         std::string prefix = path.substr(0, done);
         GtkTreeIter node;
-        if (!FindOnDisk(tree, prefix, &reached, &node)) {
+        if (!FindOrReadNode(tree, prefix, &reached, &node)) {
             break;
         }
         reached = node;

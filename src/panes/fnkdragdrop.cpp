@@ -21,7 +21,7 @@ char text_uri_list[] = "text/uri-list";
 /// The first that both sides know is taken, by the order of the target: a source that offers both
 /// may give its URIs, line ends and all, as text.
 constexpr GtkTargetEntry kOffered[] = {{text_plain, 0, TARGET_TEXT}, {text_uri_list, 0, TARGET_URIS}};
-constexpr GtkTargetEntry kTaken[] = {{text_uri_list, 0, TARGET_URIS}, {text_plain, 0, TARGET_TEXT}};
+constexpr GtkTargetEntry kAccepted[] = {{text_uri_list, 0, TARGET_URIS}, {text_plain, 0, TARGET_TEXT}};
 
 /// A button that is down on a row, and no drag yet.
 struct Press {
@@ -111,7 +111,7 @@ gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointe
     if (start.path.empty() || pane.PathOfRow(start.view, start.row.get()) != start.path) {
         return TRUE;
     }
-    dragged_items = pane.TakeItems(start.view, start.row.get());
+    dragged_items = pane.PrepareDrag(start.view, start.row.get());
     if (!dragged_items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
         EndDrag(pane);  // The toolkit tells of no end where there was no begin.
     }
@@ -144,7 +144,7 @@ gboolean on_Pane_drag_motion(GtkWidget*, GdkDragContext*, int, int, guint, gpoin
 }
 
 /// While a command or a dialog runs, nothing else starts.
-bool MayStart()
+bool CanAcceptDrop()
 {
     return pGTable != nullptr && gtk_grab_get_current() == nullptr;
 }
@@ -152,7 +152,7 @@ bool MayStart()
 gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, int y, guint time, gpointer data)
 {
     const GdkAtom target = gtk_drag_dest_find_target(widget, context, nullptr);
-    if (target == GDK_NONE || !MayStart()) {
+    if (target == GDK_NONE || !CanAcceptDrop()) {
         return FALSE;
     }
     drop_destination = PaneOf(data).FindDestination(GTK_TREE_VIEW(widget), x, y);
@@ -183,10 +183,10 @@ struct Drop {
 /// The popup and the command run loops of their own, for which there is no room inside the
 /// toolkit's handling of the data. Since the drop, for which other programs may take their time to
 /// send the data, something else may have started.
-gboolean CarryOut(gpointer data)
+gboolean RunDrop(gpointer data)
 {
     auto* const drop = static_cast<Drop*>(data);
-    const bool is_done = MayStart() && OnFilesDropped != nullptr && !drop->items.empty() &&
+    const bool is_done = CanAcceptDrop() && OnFilesDropped != nullptr && !drop->items.empty() &&
                          !drop->destination.empty() && OnFilesDropped(drop->items, drop->destination) == 0;
     // The engine has done what a move does; the source has nothing to delete.
     gtk_drag_finish(drop->context, is_done, FALSE, drop->time);
@@ -206,7 +206,7 @@ void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int,
     g_signal_stop_emission_by_name(widget, "drag-data-received");  // The view takes rows only.
     auto* const drop = new Drop{GDK_DRAG_CONTEXT(g_object_ref(context)), ReadItems(data, info),
                                 std::exchange(drop_destination, {}), time};
-    g_idle_add_full(G_PRIORITY_DEFAULT, CarryOut, drop, FreeDrop);
+    g_idle_add_full(G_PRIORITY_DEFAULT, RunDrop, drop, FreeDrop);
 }
 
 }  // namespace
@@ -217,7 +217,7 @@ void ConnectDragPane(GtkTreeView* view, const DragPane& pane)
     gpointer const data = const_cast<DragPane*>(&pane);
     // The toolkit answers motion and shows the frame; dropping is done here, once.
     gtk_drag_dest_set(widget, static_cast<GtkDestDefaults>(GTK_DEST_DEFAULT_MOTION | GTK_DEST_DEFAULT_HIGHLIGHT),
-                      kTaken, G_N_ELEMENTS(kTaken), kActions);
+                      kAccepted, G_N_ELEMENTS(kAccepted), kActions);
     g_signal_connect(widget, "button-press-event", G_CALLBACK(on_Pane_button_press), data);
     g_signal_connect(widget, "button-release-event", G_CALLBACK(on_Pane_button_release), data);
     g_signal_connect(widget, "motion-notify-event", G_CALLBACK(on_Pane_motion_notify), data);

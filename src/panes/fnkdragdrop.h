@@ -17,7 +17,7 @@ struct DragPane {
     std::string (*PathOfRow)(GtkTreeView* view, GtkTreePath* row);
     /// A drag starts on that row, which has something to drag: the paths that it carries, those of
     /// directories with a "/" at the end. None: no drag.
-    std::vector<std::string> (*TakeItems)(GtkTreeView* view, GtkTreePath* pressed);
+    std::vector<std::string> (*PrepareDrag)(GtkTreeView* view, GtkTreePath* pressed);
     /// The directory that a drop at these coordinates of the widget goes to; empty for none.
     std::string (*FindDestination)(GtkTreeView* view, int x, int y);
     /// Null where nothing follows.

@@ -177,12 +177,12 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position, ColumnClickHand
 }
 
 /// Whether the filler was one to expand when the columns got their widths.
-constexpr const char* kWasExpanding = "fennick-was-expanding";
+constexpr const char* kWasExpandingKey = "fennick-was-expanding";
 
 void on_FileList_size_allocate(GtkWidget*, GdkRectangle*, gpointer filler)
 {
     const gboolean expands = gtk_tree_view_column_get_expand(GTK_TREE_VIEW_COLUMN(filler));
-    g_object_set_data(G_OBJECT(filler), kWasExpanding, GINT_TO_POINTER(expands));
+    g_object_set_data(G_OBJECT(filler), kWasExpandingKey, GINT_TO_POINTER(expands));
 }
 
 /// When a column gets wider, the toolkit leaves the filler the width it has, and the list scrolls
@@ -190,7 +190,7 @@ void on_FileList_size_allocate(GtkWidget*, GdkRectangle*, gpointer filler)
 /// last one, the filler gets what is left in either case.
 void on_Column_notify_fixed_width(GtkTreeViewColumn*, GParamSpec*, gpointer filler)
 {
-    const bool was_expanding = g_object_get_data(G_OBJECT(filler), kWasExpanding) != nullptr;
+    const bool was_expanding = g_object_get_data(G_OBJECT(filler), kWasExpandingKey) != nullptr;
     gtk_tree_view_column_set_expand(GTK_TREE_VIEW_COLUMN(filler), !was_expanding);
 }
 

@@ -80,7 +80,7 @@ std::string PathOfListRow(GtkTreeView*, GtkTreePath* path)
     return row < ListRows().Count() && !ListRows().IsParentRow(row) ? ListRowPath(row) : std::string();
 }
 
-std::vector<std::string> TakeSelectedFiles(GtkTreeView*, GtkTreePath* pressed)
+std::vector<std::string> PrepareListDrag(GtkTreeView*, GtkTreePath* pressed)
 {
     pMainW->HeldRow = -1;
     const int row = gtk_tree_path_get_indices(pressed)[0];
@@ -101,7 +101,7 @@ std::string FindListDestination(GtkTreeView*, int, int)
     return pGTable->CurrentDir;
 }
 
-constexpr DragPane kListPane = {PathOfListRow, TakeSelectedFiles, FindListDestination, ConnectTreeSelectSignal};
+constexpr DragPane kListPane = {PathOfListRow, PrepareListDrag, FindListDestination, ConnectTreeSelectSignal};
 
 }  // namespace
 

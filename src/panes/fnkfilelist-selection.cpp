@@ -25,7 +25,7 @@ void UnselectParentRow()
 
 }  // namespace
 
-void AttachListModel(GtkTreeView* list, FnkListModel* model)
+void SetListModel(GtkTreeView* list, FnkListModel* model)
 {
     g_object_set_data_full(G_OBJECT(list), kModelKey, model, g_object_unref);
 }

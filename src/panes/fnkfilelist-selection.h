@@ -22,7 +22,7 @@ const FileRows& ListRows();
 /// The model of MainList, attached to the view or not; null while there is none.
 FnkListModel* MainListModel();
 /// Gives the model to a list, which owns it from then on.
-void AttachListModel(GtkTreeView* list, FnkListModel* model);
+void SetListModel(GtkTreeView* list, FnkListModel* model);
 
 /// The path of the entry in the row, a directory's with a "/" at its end.
 std::string ListRowPath(std::size_t row);

@@ -28,7 +28,7 @@ void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
 
 /// Whether a screen reader may have been told of the rows. The toolkit makes that class with its
 /// first object.
-bool HasAccessibleRows()
+bool MayHaveAccessibleRows()
 {
     return g_type_class_peek(g_type_from_name("GtkTreeViewAccessible")) != nullptr;
 }
@@ -40,7 +40,7 @@ void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColum
     }
 }
 
-int AnchorFor(int row)
+int EnsureAnchor(int row)
 {
     if (pMainW->ListAnchor < 0) {
         const std::vector<std::size_t> selected = ListSelection();
@@ -77,7 +77,7 @@ gboolean on_FileList_button_press(GtkWidget* widget, GdkEventButton* event, gpoi
     const bool toggles = (event->state & GDK_CONTROL_MASK) != 0;
     if ((event->state & GDK_SHIFT_MASK) != 0) {
         const ListSelectionBatch batch;
-        const int anchor = AnchorFor(row);
+        const int anchor = EnsureAnchor(row);
         if (!toggles) {
             UnselectAllListRows();
         }
@@ -97,7 +97,7 @@ GtkTreeView* NewListView()
 {
     GtkWidget* const widget = CreateTreeView(_("File list"));
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
-    AttachListModel(list, NewListModel());
+    SetListModel(list, NewListModel());
     gtk_tree_view_set_enable_search(list, FALSE);
     AppendListColumns(list, on_FileList_click_column);
     gtk_tree_view_set_fixed_height_mode(list, TRUE);
@@ -226,10 +226,10 @@ void SortFileList()
 {
     GtkTreeView* const list = MainList();
     ListSelectionBatch batch;
-    const bool shows_only_rows = !HasAccessibleRows() && CountListSelection() == 0;
+    const bool can_just_redraw = !MayHaveAccessibleRows() && CountListSelection() == 0;
     std::vector<int> old_places = SortModelRows(MainListModel());
     const TreePath root(gtk_tree_path_new());
-    if (shows_only_rows) {
+    if (can_just_redraw) {
         gtk_tree_row_reference_reordered(G_OBJECT(list), root.get(), nullptr, old_places.data());
         gtk_widget_queue_draw(GTK_WIDGET(list));
     } else if (!old_places.empty()) {

@@ -98,7 +98,7 @@ struct DirSelection {
 };
 
 /// Goes to a directory inside the root as far as there is one.
-void OpenTyped(const DirSelection& state)
+void OpenTypedPath(const DirSelection& state)
 {
     const std::string path = GetEntryBytes(state.entry);
     if (path.size() <= kMaxPathBytes) {
@@ -108,7 +108,7 @@ void OpenTyped(const DirSelection& state)
 
 void on_DirSel_ComboEntry_activate(GtkWidget*, gpointer state)
 {
-    OpenTyped(*static_cast<const DirSelection*>(state));
+    OpenTypedPath(*static_cast<const DirSelection*>(state));
 }
 
 void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
@@ -122,7 +122,7 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
             FileExistMessageBox(status, state->entry);
             return;
         }
-        OpenTyped(*state);
+        OpenTypedPath(*state);
     }
     if (GetTreeSelect(state->tree, nullptr, &path)) {
         SetEntryBytes(state->caller_entry, path);
