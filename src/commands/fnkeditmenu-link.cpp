@@ -52,13 +52,7 @@ GtkWidget* AddLinkEntry(GtkWidget* vbox)
 {
     CreateLabel(vbox, _("Symbolic link file name:"));
     GtkWidget* const hbox = CreateHBox(vbox, false, kEntrySpacing, 0);
-    GtkWidget* entry = nullptr;
-    GtkWidget* const combo = CreateComboBox(&entry, true, static_cast<int>(kMaxPathBytes));
-    SetAccessibleName(entry, _("Symbolic link file name:"));
-    SetComboStrings(combo, pGTable->DirHistory);
-    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
-    return entry;
+    return ComboEntry(CreatePathCombo(hbox, _("Symbolic link file name:")));
 }
 
 /// Fills in what is selected, if anything; the next thing to type is then the name of the link.

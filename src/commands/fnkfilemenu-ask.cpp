@@ -61,13 +61,8 @@ void AddPrompt(GtkWidget* box, const std::string& prompt)
 GtkWidget* AddPathEntry(GtkWidget* box, const std::string& accessible_name)
 {
     GtkWidget* const hbox = CreateHBox(box, false, kEntrySpacing, 0);
-    GtkWidget* entry = nullptr;
-    GtkWidget* const combo = CreateComboBox(&entry, true, kMaxPathBytes);
+    GtkWidget* const entry = ComboEntry(CreatePathCombo(hbox, accessible_name.c_str()));
     gtk_widget_set_size_request(entry, kEntryWidth, -1);
-    SetAccessibleName(entry, accessible_name.c_str());
-    SetComboStrings(combo, pGTable->DirHistory);
-    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
     return entry;
 }
 

@@ -215,6 +215,17 @@ GtkWidget* CreateBrowseButton(GtkWidget* box, GtkWidget* target, BrowseKind kind
     return button;
 }
 
+GtkWidget* CreatePathCombo(GtkWidget* box, const char* accessible_name)
+{
+    GtkWidget* entry = nullptr;
+    GtkWidget* const combo = CreateComboBox(&entry, true, kMaxPathBytes);
+    SetAccessibleName(entry, accessible_name);
+    SetComboStrings(combo, pGTable->DirHistory);
+    gtk_box_pack_start(GTK_BOX(box), combo, TRUE, TRUE, 0);
+    CreateBrowseButton(box, combo, BROWSE_DIRECTORY);
+    return combo;
+}
+
 int CreateSelectDirDlg(GtkWidget** dialog, GtkWidget* combo)
 {
     if (dialog == nullptr || combo == nullptr) {

@@ -11,6 +11,10 @@ enum BrowseKind { BROWSE_FILE = 0, BROWSE_DIRECTORY = 1 };
 /// file and a drop-down for a directory. Null if box or target is null.
 GtkWidget* CreateBrowseButton(GtkWidget* box, GtkWidget* target, BrowseKind kind);
 
+/// Packs a drop-down for a path into box, with DirHistory as its items and a "Browse..." button for
+/// directories beside it. Returns the drop-down.
+GtkWidget* CreatePathCombo(GtkWidget* box, const char* accessible_name);
+
 /// Lets the user pick a directory for the entry of combo. Starts at the directory that the entry
 /// names, or else at the one selected in the main tree. Records the pick in DirHistory. Returns 0,
 /// kArgumentError or kWidgetError. After an error the caller destroys *dialog unless it is null.
