@@ -11,18 +11,6 @@
 
 namespace {
 
-int RowAt(GtkTreeView* list, const GdkEventButton* event)
-{
-    GtkTreePath* path = nullptr;
-    if (event->window != gtk_tree_view_get_bin_window(list) ||
-        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &path, nullptr,
-                                       nullptr, nullptr)) {
-        return -1;
-    }
-    const TreePath owner(path);
-    return gtk_tree_path_get_indices(path)[0];
-}
-
 bool IsSelected(int row)
 {
     const TreePath path(gtk_tree_path_new_from_indices(row, -1));
@@ -46,7 +34,7 @@ gboolean on_FileList_hold_press(GtkWidget* widget, GdkEventButton* event, gpoint
     }
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
     auto& [before, last] = pMainW->HeldRows;
-    const int row = RowAt(list, event);
+    const int row = ListRowAt(list, event);
     pMainW->HeldRow = -1;
     if (event->type == GDK_2BUTTON_PRESS && row >= 0 && row == before) {
         const TreePath path(gtk_tree_path_new_from_indices(row, -1));

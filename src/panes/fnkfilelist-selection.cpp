@@ -48,6 +48,18 @@ const FileRows& ListRows()
     return model != nullptr ? ModelRows(model) : kNoRows;
 }
 
+int ListRowAt(GtkTreeView* list, const GdkEventButton* event)
+{
+    GtkTreePath* path = nullptr;
+    if (event->window != gtk_tree_view_get_bin_window(list) ||
+        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &path, nullptr,
+                                       nullptr, nullptr)) {
+        return -1;
+    }
+    const TreePath owner(path);
+    return gtk_tree_path_get_indices(path)[0];
+}
+
 std::string ListRowPath(std::size_t row)
 {
     const FileRows& rows = ListRows();

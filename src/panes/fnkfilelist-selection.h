@@ -24,6 +24,9 @@ FnkListModel* MainListModel();
 /// Makes the list the owner of its model. Does not attach the view to it.
 void SetListModel(GtkTreeView* list, FnkListModel* model);
 
+/// The row under a button event; -1 if there is none, as on a column title.
+int ListRowAt(GtkTreeView* list, const GdkEventButton* event);
+
 /// The path of the row's entry; that of a directory ends in "/".
 std::string ListRowPath(std::size_t row);
 

@@ -64,16 +64,13 @@ void ToggleRow(int row)
 /// this one never has. Plain clicks are left to it.
 gboolean on_FileList_button_press(GtkWidget* widget, GdkEventButton* event, gpointer)
 {
-    GtkTreeView* const list = GTK_TREE_VIEW(widget);
-    GtkTreePath* clicked = nullptr;
-    if (pGTable == nullptr || event->button != GDK_BUTTON_PRIMARY || event->type != GDK_BUTTON_PRESS ||
-        event->window != gtk_tree_view_get_bin_window(list) ||
-        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &clicked, nullptr,
-                                       nullptr, nullptr)) {
+    if (pGTable == nullptr || event->button != GDK_BUTTON_PRIMARY || event->type != GDK_BUTTON_PRESS) {
         return FALSE;
     }
-    const TreePath path(clicked);
-    const int row = gtk_tree_path_get_indices(clicked)[0];
+    const int row = ListRowAt(GTK_TREE_VIEW(widget), event);
+    if (row < 0) {
+        return FALSE;
+    }
     const bool toggles = (event->state & GDK_CONTROL_MASK) != 0;
     if ((event->state & GDK_SHIFT_MASK) != 0) {
         const ListSelectionBatch batch;
