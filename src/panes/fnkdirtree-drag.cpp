@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr int kEdge = 20;               ///< Pixels at the top and the bottom where the tree scrolls.
-constexpr guint kScrollInterval = 200;  ///< Milliseconds a row.
-constexpr guint kExpandDelay = 1000;    ///< Milliseconds on a node.
+constexpr int kEdge = 20;               ///< Height in pixels of the strips where the tree scrolls.
+constexpr guint kScrollInterval = 200;  ///< Milliseconds per row.
+constexpr guint kExpandDelay = 1000;    ///< Milliseconds of rest on a node.
 
 void StopTimer(unsigned& timer)
 {
@@ -27,7 +27,7 @@ void StopTimers()
     StopTimer(pGTable->ExpandTimer);
 }
 
-/// The node at coordinates of the widget.
+/// The node at a point in widget coordinates.
 OptionalNode NodeAt(GtkTreeView* tree, int x, int y)
 {
     int bin_x = 0;
@@ -48,7 +48,7 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
     return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(tree), &copy);
 }
 
-/// Shows where a drop would go.
+/// Marks the node as the target of a drop. The rest on another node ends.
 void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
 {
     if (!IsSelected(tree, node)) {
@@ -58,9 +58,9 @@ void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
     }
 }
 
-// The timers hold no node: rows may come and go while they wait.
+// Timers keep no node, as rows may come and go before they fire.
 
-/// Brings the row beside the one at that height to the edge; at the end of the tree it stops.
+/// Scrolls the neighbour of the row at height y into view. Stops the timer at the end of the tree.
 gboolean ScrollOneRow(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
 {
     if (pGTable == nullptr) {
@@ -103,7 +103,7 @@ gboolean TreeExpand(gpointer data)
     return G_SOURCE_REMOVE;
 }
 
-/// Starts scrolling near an edge.
+/// Scrolls while the pointer is near an edge.
 void UpdateScrolling(GtkWidget* tree, int y)
 {
     StopTimer(pGTable->ScrollTimer);
@@ -167,8 +167,8 @@ std::string PathOfTreeRow(GtkTreeView* tree, GtkTreePath* path)
                                                                                : std::string();
 }
 
-/// Pressing the button that selects has entered the directory already; with the other one the
-/// directory under the pointer is entered first, so that what is dragged is what is shown.
+/// Enters the pressed directory first, so that what is dragged is what is shown. A press of the
+/// primary button has done so already.
 std::vector<std::string> PrepareTreeDrag(GtkTreeView* tree, GtkTreePath* pressed)
 {
     GtkTreeIter node;
@@ -191,7 +191,7 @@ constexpr DragPane kTreePane = {PathOfTreeRow, PrepareTreeDrag, FindTreeDestinat
 
 void ConnectTreeDrag(GtkTreeView* tree)
 {
-    // First, as the one that all panes have takes the signal.
+    // Connected first: the handler of ConnectDragPane ends the emission.
     g_signal_connect(tree, "drag-motion", G_CALLBACK(on_DirTree_drag_motion), nullptr);
     ConnectDragPane(tree, kTreePane);
     g_signal_connect(tree, "drag-leave", G_CALLBACK(on_DirTree_drag_leave), nullptr);

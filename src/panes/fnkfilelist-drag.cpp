@@ -24,9 +24,9 @@ void SelectOnly(int row)
     SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
 }
 
-/// Holds back a plain press on one of several selected rows. It may start a drag of all of them, so
-/// the row is selected alone only when the button comes up without one. The toolkit does not see a
-/// double click whose first press was held.
+/// Holds back a plain press on one of several selected rows, as it may start a drag of all of them.
+/// Only a release without a drag selects the row alone. A double click whose first press was held is
+/// handled here, because the toolkit does not see it.
 gboolean on_FileList_hold_press(GtkWidget* widget, GdkEventButton* event, gpointer)
 {
     if (pMainW == nullptr) {
@@ -73,13 +73,13 @@ std::vector<std::string> PrepareListDrag(GtkTreeView*, GtkTreePath* pressed)
     pMainW->HeldRow = -1;
     const int row = gtk_tree_path_get_indices(pressed)[0];
     if (!IsSelected(row)) {
-        SelectOnly(row);  // The button that opens no selection still drags what is under it.
+        SelectOnly(row);  // The secondary button does not select, but still drags the row under it.
     }
     std::vector<std::string> paths;
     for (const std::size_t index : ListSelection()) {
         paths.push_back(ListRowPath(index));
     }
-    // On its way over the tree the drag moves the selection there, which is not to be followed.
+    // The drag moves the tree's selection while it is over the tree. That must enter no directory.
     DisconnectTreeSelectSignal();
     return paths;
 }
