@@ -57,7 +57,7 @@ GtkWidget* AddNameRow(GtkWidget* table)
     return combo;
 }
 
-/// False, after saying why, when one of the inputs is no good.
+/// False, after a message, if one of the inputs is invalid.
 bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
 {
     GtkWidget* const start_entry = ComboEntry(info->StartCombo);

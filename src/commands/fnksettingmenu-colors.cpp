@@ -17,14 +17,14 @@ constexpr int kSampleWidth = 73;
 constexpr int kSampleHeight = 15;
 constexpr int kChooserBorder = 7;
 
-/// The colour fills its button, where themes keep the air around a text, and covers the line that
-/// marks the focus there: the frame does instead.
+/// Removes the theme's padding, so that the colour fills the button. The colour then covers the
+/// theme's focus line, so the border shows the focus.
 constexpr const char* kButtonStyle =
     "button { padding: 2px; min-width: 0; min-height: 0; }"
     "button:focus { border-color: @theme_selected_bg_color;"
     " box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 
-/// Places are those of GTable::Colors.
+/// Indexed like GTable::Colors.
 constexpr std::array<const char*, kColorCount> kLabels = {
     N_("Directory"), N_("Executable file"),        N_("Normal file"), N_("Core file"),
     N_("Link file"), N_("Stalled link file file"), N_("Socket"),      N_("Special file"),
@@ -81,8 +81,8 @@ void CreateColorButton(GtkWidget* table, std::size_t index, int row, const char*
     info->ColorButton[index] = button;
 }
 
-/// Takes over the colour, unless it is the one that the chooser began with: read back through the
-/// chooser that would lose a little of itself.
+/// Stores the chosen colour. An unchanged one is kept as it is, because the chooser would return it
+/// slightly rounded.
 void on_ColorOKButton_clicked(GtkWidget* dialog, Color* color)
 {
     constexpr double kFull = 65535.0;
@@ -105,7 +105,7 @@ void on_ColorSelection_response(GtkWidget* dialog, int response, gpointer color)
     gtk_main_quit();
 }
 
-/// One of the toolkit's own buttons, labelled as in all dialogs.
+/// Gives one of the toolkit's own buttons the label it has in our dialogs.
 GtkWidget* RelabelButton(GtkWidget* dialog, int response, const char* label)
 {
     GtkWidget* const button = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), response);

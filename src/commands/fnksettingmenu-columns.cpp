@@ -17,7 +17,7 @@ constexpr int kListWidth = 80;
 constexpr int kButtonWidth = 70;
 constexpr int kButtonHeight = 25;
 
-/// Columns of the lists' stores.
+/// Columns of the list stores.
 enum ListField { FIELD_ID, FIELD_TITLE };
 
 GtkTreeModel* ModelOf(GtkWidget* list)
@@ -43,8 +43,9 @@ void AppendColumn(GtkWidget* list, int id)
                                       GetListColumnString(id).c_str(), -1);
 }
 
-/// Appends the selected rows to the other list, from the top. When a row goes, the toolkit selects
-/// another: that one was not chosen and stays.
+/// Moves the selected rows to the end of the other list, in their order. The rows are collected
+/// first and the selection is cleared at the end, because removing a row makes the toolkit select
+/// another one.
 void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
 {
     GtkTreeModel* const model = ModelOf(source);
@@ -54,7 +55,7 @@ void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
         gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
         AppendColumn(target, ColumnIdOf(model, &row));
     }
-    // From the bottom, so that the paths above stay right.
+    // From the bottom, so that the remaining paths stay valid.
     for (const GList* link = g_list_last(selected); link != nullptr; link = link->prev) {
         GtkTreeIter row;
         gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
@@ -74,7 +75,7 @@ void on_DetaildButton_clicked(GtkWidget* button, gpointer data)
     }
 }
 
-/// A list without names would leave nothing to tell the files apart by: that column stays.
+/// The name column cannot be removed, as files could not be told apart without it.
 void GetListSensitive(GtkWidget* list, GtkWidget* button)
 {
     bool can_remove = gtk_tree_selection_count_selected_rows(SelectionOf(list)) > 0;
@@ -98,7 +99,7 @@ void on_ColumnList_selection_changed(GtkTreeSelection* selection, gpointer data)
     }
 }
 
-/// A double click moves the row, as its button would.
+/// A double click moves the row to the other list.
 void on_ColumnList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeViewColumn*, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
@@ -110,7 +111,7 @@ void on_ColumnList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeVie
     }
 }
 
-/// With Alt, the arrows move the row itself: what the pointer does by dragging it.
+/// Alt+Up and Alt+Down move the row, like dragging it does.
 gboolean on_DisplayedList_key_press_event(GtkWidget* list, GdkEventKey* event, gpointer)
 {
     const bool up = event->keyval == GDK_KEY_Up || event->keyval == GDK_KEY_KP_Up;
@@ -148,7 +149,7 @@ GtkWidget* CreateSingleList(GtkWidget* box, const char* title, OptionDlgInfo* in
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scroll), GTK_SHADOW_IN);
     gtk_box_pack_start(GTK_BOX(box), scroll, TRUE, TRUE, 0);
     GtkWidget* const list = CreateTreeView(title);
-    // The toolkit serves keys, and clicks with Control and Shift, only in a list that can have the
+    // The toolkit handles keys, and clicks with Control and Shift, only in a list that can have the
     // focus.
     gtk_widget_set_can_focus(list, TRUE);
     gtk_widget_set_size_request(list, kListWidth, -1);
@@ -215,7 +216,7 @@ void CreateColumnsPage(GtkWidget* notebook, OptionDlgInfo* info)
     gtk_tree_view_set_reorderable(GTK_TREE_VIEW(info->DisplayedList), TRUE);
     gtk_widget_set_tooltip_text(info->DisplayedList, _("Drag a column to where it is to stand, or press Alt+Up or "
                                                        "Alt+Down."));
-    // The toolkit selects the row below the one that was dragged: nobody chose that.
+    // After a drag the toolkit selects the row below the dragged one.
     g_signal_connect_swapped(info->DisplayedList, "drag-end", G_CALLBACK(gtk_tree_selection_unselect_all),
                              SelectionOf(info->DisplayedList));
     g_signal_connect(info->DisplayedList, "key-press-event", G_CALLBACK(on_DisplayedList_key_press_event), nullptr);
