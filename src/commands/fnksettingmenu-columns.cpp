@@ -3,7 +3,6 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"

@@ -3,7 +3,6 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
 #include "core/fnkraii.h"
