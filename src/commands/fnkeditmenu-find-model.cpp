@@ -26,7 +26,7 @@ const FoundEntry& EntryOf(GtkTreeModel* model, const GtkTreeIter* iter)
     return FoundOf(model).Entry(IndexOf(iter));
 }
 
-/// The model never changes, so that one stamp will do.
+/// The model never changes, so one stamp is enough.
 gboolean SetIter(GtkTreeIter* iter, std::uint32_t index)
 {
     iter->stamp = 1;
@@ -84,7 +84,7 @@ gboolean IterParent(GtkTreeModel* model, GtkTreeIter* iter, GtkTreeIter* child)
     return IndexOf(child) == FoundTree::kTop ? ClearIter(iter) : SetIter(iter, EntryOf(model, child).parent);
 }
 
-/// Which child of its parent it is; 0 for the top.
+/// The index among the children of the parent; 0 for the top.
 std::uint32_t PlaceOf(GtkTreeModel* model, const GtkTreeIter* iter)
 {
     const std::uint32_t index = IndexOf(iter);
@@ -163,7 +163,7 @@ void InitTreeModel(GtkTreeModelIface* iface)
 
 }  // namespace
 
-// The toolkit's macro is C and casts as C does.
+// Two casts, or the compiler warns that the function types differ.
 G_DEFINE_TYPE_WITH_CODE(FnkFoundModel, fnk_found_model, G_TYPE_OBJECT,
                         G_IMPLEMENT_INTERFACE(GTK_TYPE_TREE_MODEL, reinterpret_cast<GInterfaceInitFunc>(
                                                                        reinterpret_cast<void (*)()>(InitTreeModel))))

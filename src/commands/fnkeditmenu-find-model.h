@@ -1,10 +1,10 @@
 #pragma once
-// Serves a FoundTree to the tree view, with the columns of fnkdirtree-nodes: name and whether it is
-// a directory. A tree of many matches costs no more than the matches themselves.
+// The tree model of the search result. It has the columns of fnkdirtree-nodes and serves a FoundTree
+// without copying it.
 
 #include <gtk/gtk.h>
 
 #include "model/fnkeditmenu-find-walk.h"
 
-/// The caller owns it.
+/// The caller owns the model.
 GtkTreeModel* NewFoundModel(FoundTree found);

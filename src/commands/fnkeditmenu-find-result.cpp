@@ -19,14 +19,13 @@ constexpr int kHeight = 380;
 constexpr int kSpacing = 5;
 constexpr int kButtonSpacing = 10;
 constexpr int kLabelCharacters = 40;
-/// Milliseconds from one look at the search to the next.
-constexpr guint kLookEvery = 33;
+constexpr guint kPollInterval = 33;  ///< Milliseconds.
 
 /// Lives as long as the dialog.
 struct FindResultInfo {
     FindResult Result = FIND_RESULT_CLOSE;
-    std::optional<BackgroundSearch> Search;  ///< While it is under way.
-    guint Timer = 0;                         ///< Looks at it; 0 when it is over.
+    std::optional<BackgroundSearch> Search;  ///< Set while the search runs.
+    guint Timer = 0;                         ///< Polls the search; 0 once it is done.
     GtkWidget* Label = nullptr;
     std::array<GtkWidget*, 2> Buttons = {};  ///< "Display directory" and "Serch again".
     GtkWidget* OKButton = nullptr;
@@ -71,8 +70,8 @@ void on_FindResult_OKButton_clicked(GtkWidget*, gpointer data)
     gtk_main_quit();
 }
 
-/// Stops a search that is under way. What takes no notice of that, as a disk that does not answer,
-/// is left to itself the second time.
+/// Stops a running search. If the search does not react, as when a disk hangs, a second close leaves
+/// the dialog without waiting for it.
 gboolean on_FindResult_delete_event(GtkWidget*, GdkEvent*, gpointer data)
 {
     auto* const info = static_cast<FindResultInfo*>(data);
@@ -84,7 +83,8 @@ gboolean on_FindResult_delete_event(GtkWidget*, GdkEvent*, gpointer data)
     return TRUE;
 }
 
-/// Shows what is selected in the main window: a directory, or the one that a file is in.
+/// Shows the selected match in the main window: opens a directory, or scrolls to a file in its
+/// directory.
 void OpenSelected(GtkTreeView* tree)
 {
     std::string path;
@@ -132,7 +132,7 @@ GtkTreeView* AddResultTree(GtkWidget* box, const std::string& start)
     GtkTreeModel* const model = NewFoundModel(FoundTree(start));
     GtkTreeView* const tree = CreateNodeView(scroll, model, _("Match file list"));
     g_object_unref(model);
-    // Without a mouse there is no other way to choose a match.
+    // The only way to select a match with the keyboard.
     gtk_widget_set_can_focus(GTK_WIDGET(tree), TRUE);
     return tree;
 }
@@ -170,7 +170,7 @@ FindResult CreateFindResultDlg(GtkWidget* parent, const FindRequest& request)
     g_signal_connect(info.OKButton, "clicked", G_CALLBACK(on_FindResult_OKButton_clicked), &info);
 
     info.Search.emplace(request);
-    info.Timer = g_timeout_add(kLookEvery, on_Search_timeout, &info);
+    info.Timer = g_timeout_add(kPollInterval, on_Search_timeout, &info);
     ModalMainLoop(dialog, parent);
     if (info.Timer != 0) {
         g_source_remove(info.Timer);

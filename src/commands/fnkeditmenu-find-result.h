@@ -1,16 +1,16 @@
 #pragma once
-// The window that searches and shows what was found.
+// The dialog that runs a search and shows the result.
 
 #include <gtk/gtk.h>
 
 #include "model/fnkeditmenu-find-walk.h"
 
-/// How the window was left.
+/// How the user left the dialog.
 enum FindResult : unsigned {
     FIND_RESULT_CLOSE = 0xF0000001,
-    FIND_RESULT_DISPLAY = 0xFF000001,  ///< The main window shows what was selected.
-    FIND_RESULT_AGAIN = 0xFF000002,    ///< Another search is wanted.
+    FIND_RESULT_DISPLAY = 0xFF000001,  ///< The main window now shows the selected match.
+    FIND_RESULT_AGAIN = 0xFF000002,    ///< The user wants another search.
 };
 
-/// Searches, and lets the user look at the result. parent is insensitive meanwhile.
+/// Searches and shows the result until the user closes the dialog. parent is insensitive meanwhile.
 FindResult CreateFindResultDlg(GtkWidget* parent, const FindRequest& request);

@@ -17,38 +17,38 @@ constexpr int kSpacing = 5;
 constexpr int kEntrySpacing = 10;
 constexpr int kEntryWidth = 310;
 
-/// The caption of a row, and the drop-down for its other column.
-GtkWidget* NewCaptionedCombo(GtkWidget* table, int row, const char* caption, int max_length, const History& offered)
+void AddCaption(GtkWidget* table, int row, const char* text)
 {
-    GtkWidget* const label = gtk_label_new(caption);
+    GtkWidget* const label = gtk_label_new(text);
     gtk_label_set_xalign(GTK_LABEL(label), 0.0F);
     gtk_grid_attach(GTK_GRID(table), label, 0, row, 1, 1);
     gtk_widget_show(label);
-    GtkWidget* entry = nullptr;
-    GtkWidget* const combo = CreateComboBox(&entry, true, max_length);
-    gtk_widget_set_size_request(entry, kEntryWidth, -1);
-    SetAccessibleName(entry, caption);
-    SetComboStrings(combo, offered);
-    return combo;
 }
 
 GtkWidget* AddStartRow(GtkWidget* table)
 {
-    GtkWidget* const combo = NewCaptionedCombo(table, 0, _("Start dir:"), kMaxPathBytes, pGTable->DirHistory);
-    SetEntryBytes(ComboEntry(combo), pGTable->CurrentDir);
+    const char* const caption = _("Start dir:");
+    AddCaption(table, 0, caption);
     GtkWidget* const hbox = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kEntrySpacing);
-    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
+    GtkWidget* const combo = CreatePathCombo(hbox, caption);
+    gtk_widget_set_size_request(ComboEntry(combo), kEntryWidth, -1);
+    SetEntryBytes(ComboEntry(combo), pGTable->CurrentDir);
     gtk_grid_attach(GTK_GRID(table), hbox, 1, 0, 1, 1);
     gtk_widget_show(hbox);
     return combo;
 }
 
-/// Offers the newest pattern.
+/// The entry starts with the newest pattern.
 GtkWidget* AddNameRow(GtkWidget* table)
 {
+    const char* const caption = _("Find name:");
     const History& patterns = pGTable->FilterHistory;
-    GtkWidget* const combo = NewCaptionedCombo(table, 1, _("Find name:"), static_cast<int>(kMaxFilterBytes), patterns);
+    AddCaption(table, 1, caption);
+    GtkWidget* entry = nullptr;
+    GtkWidget* const combo = CreateComboBox(&entry, true, static_cast<int>(kMaxFilterBytes));
+    gtk_widget_set_size_request(entry, kEntryWidth, -1);
+    SetAccessibleName(entry, caption);
+    SetComboStrings(combo, patterns);
     if (!patterns.empty()) {
         SetEntryBytes(ComboEntry(combo), patterns.front());
     }
@@ -57,7 +57,7 @@ GtkWidget* AddNameRow(GtkWidget* table)
     return combo;
 }
 
-/// False, after saying why, when one of the inputs is no good.
+/// False, after a message, if one of the inputs is invalid.
 bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
 {
     GtkWidget* const start_entry = ComboEntry(info->StartCombo);

@@ -1,5 +1,5 @@
 #pragma once
-// The dialog that asks what to search for, and where.
+// The Find File dialog, which asks for a name pattern and a directory.
 
 #include <gtk/gtk.h>
 
@@ -12,8 +12,8 @@ struct FindDlgInfo {
 };
 
 void CreateFindFilesDlg();
-/// Searches, unless what is to be searched for or where is no good; then the dialog stays, and so
-/// it does when another search is wanted.
+/// Searches, then closes the dialog. It stays open if an input is invalid or the user wants another
+/// search.
 void on_Find_OKButton_clicked(GtkWidget* button, gpointer info);
 
 void on_Menu_FindFile_activate(GtkWidget* item, gpointer data);

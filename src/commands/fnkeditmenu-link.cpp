@@ -27,11 +27,11 @@ constexpr int kSpacing = 5;
 constexpr int kEntrySpacing = 10;
 constexpr int kEntryWidth = 310;
 
-/// What the dialog's OK works on while it runs.
+/// Lives as long as the dialog.
 struct LinkDlgInfo {
     GtkWidget* ExistingEntry = nullptr;
     GtkWidget* LinkEntry = nullptr;
-    std::string Created;  ///< Path of the link, once there is one.
+    std::string Created;  ///< Path of the link once it exists.
 };
 
 GtkWidget* AddExistingEntry(GtkWidget* vbox)
@@ -52,16 +52,10 @@ GtkWidget* AddLinkEntry(GtkWidget* vbox)
 {
     CreateLabel(vbox, _("Symbolic link file name:"));
     GtkWidget* const hbox = CreateHBox(vbox, false, kEntrySpacing, 0);
-    GtkWidget* entry = nullptr;
-    GtkWidget* const combo = CreateComboBox(&entry, true, static_cast<int>(kMaxPathBytes));
-    SetAccessibleName(entry, _("Symbolic link file name:"));
-    SetComboStrings(combo, pGTable->DirHistory);
-    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
-    return entry;
+    return ComboEntry(CreatePathCombo(hbox, _("Symbolic link file name:")));
 }
 
-/// Fills in what is selected, if anything; the next thing to type is then the name of the link.
+/// Fills in the selected path, if any, and moves the focus to the first empty entry.
 void OfferTarget(const LinkDlgInfo& info, const std::string& selected)
 {
     if (!selected.empty()) {
@@ -70,8 +64,8 @@ void OfferTarget(const LinkDlgInfo& info, const std::string& selected)
     gtk_widget_grab_focus(selected.empty() ? info.ExistingEntry : info.LinkEntry);
 }
 
-/// Judges the text of an existing file. It stays as it was typed, but for the "/" after a
-/// directory, unless only its canonical form leads to something.
+/// Checks the typed path of an existing file. A path that exists stays as typed, so that the link may
+/// be relative; a directory just gets a final "/". Otherwise the path becomes canonical.
 PathStatus CheckTarget(std::string* target)
 {
     struct stat st = {};
@@ -86,8 +80,8 @@ PathStatus CheckTarget(std::string* target)
     return target->size() > kMaxPathBytes ? PATH_TOO_LONG : PATH_DIRECTORY;
 }
 
-/// Judges the text of the name of the link, and makes it canonical. A link that leads nowhere is
-/// in the way too, although what it names could be created.
+/// Checks the typed name of the link and makes it canonical. A dangling link of that name counts as
+/// an existing file, although CheckFileExist sees only that its target does not exist.
 PathStatus CheckLinkName(std::string* name)
 {
     struct stat st = {};

@@ -3,7 +3,7 @@
 
 #include <gtk/gtk.h>
 
-/// Asks for a file and for the name of a link to it, and makes the link.
+/// Asks for an existing file and the name of the link, and creates the link.
 void CreateSymbolicLinkDlg();
 void on_Link_OKButton_clicked(GtkWidget* button, gpointer info);
 

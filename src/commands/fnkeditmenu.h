@@ -3,7 +3,7 @@
 
 #include <gtk/gtk.h>
 
-/// Before the menu opens: says which entries make sense now.
+/// Updates which entries are sensitive, as the menu opens.
 void on_Menu_Edit_activate(GtkWidget* item, gpointer data);
-/// Reads the whole tree anew and goes back to its top.
+/// Reads the whole tree again and opens its root.
 void on_Menu_RescanDirectory_activate(GtkWidget* item, gpointer data);

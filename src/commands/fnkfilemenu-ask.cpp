@@ -3,7 +3,6 @@
 #include <array>
 
 #include "core/fnkstring.h"
-#include "core/fnktable.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
@@ -20,7 +19,7 @@ namespace {
 constexpr int kSpacing = 5;
 constexpr int kEntrySpacing = 10;
 constexpr int kEntryWidth = 310;
-/// A longer prompt is that of a long name, which loses its middle.
+/// A longer prompt contains a long name; its middle is cut out.
 constexpr int kPromptCharacters = 60;
 
 struct OperationText {
@@ -29,7 +28,7 @@ struct OperationText {
     Picture icon;
 };
 
-/// Places are those of OperationMode.
+/// Indexed by OperationMode.
 constexpr std::array<OperationText, 4> kTexts = {{
     {N_("Create a new directory"), N_("New directory name:"), PICTURE(IconNew)},
     {N_("Create a new file"), N_("New file name:"), PICTURE(IconNew)},
@@ -37,7 +36,7 @@ constexpr std::array<OperationText, 4> kTexts = {{
     {N_("Move"), N_("Move %s to:"), PICTURE(IconMove)},
 }};
 
-/// What the dialog's buttons work on while it runs.
+/// Lives as long as the dialog.
 struct OperationState {
     GtkWidget* entry = nullptr;
     std::string* path = nullptr;
@@ -61,17 +60,12 @@ void AddPrompt(GtkWidget* box, const std::string& prompt)
 GtkWidget* AddPathEntry(GtkWidget* box, const std::string& accessible_name)
 {
     GtkWidget* const hbox = CreateHBox(box, false, kEntrySpacing, 0);
-    GtkWidget* entry = nullptr;
-    GtkWidget* const combo = CreateComboBox(&entry, true, kMaxPathBytes);
+    GtkWidget* const entry = ComboEntry(CreatePathCombo(hbox, accessible_name.c_str()));
     gtk_widget_set_size_request(entry, kEntryWidth, -1);
-    SetAccessibleName(entry, accessible_name.c_str());
-    SetComboStrings(combo, pGTable->DirHistory);
-    gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    CreateBrowseButton(hbox, combo, BROWSE_DIRECTORY);
     return entry;
 }
 
-/// Where the user is, ready to be typed over.
+/// Fills in the selected directory and selects the text, so that typing replaces it.
 void OfferSelectedDirectory(GtkWidget* entry)
 {
     std::string path;

@@ -1,5 +1,6 @@
 #pragma once
-// The dialog that asks for a new name or a destination.
+// The dialog that asks for the path of a new file or directory, or for the destination of a copy or
+// move.
 
 #include <gtk/gtk.h>
 
@@ -15,7 +16,7 @@ enum OperationMode {
     MODE_MOVE = OPERATION_MOVE,
 };
 
-/// Asks until the path exists or could be created, or the user gives up. RESULT_OK and the path,
-/// absolute and canonical, or RESULT_CANCEL. The description is of what is copied or moved.
+/// Asks until the path exists or could be created, or the user cancels. Returns RESULT_OK and the
+/// path, absolute and canonical, or RESULT_CANCEL. description says what is copied or moved.
 Result CreateFileOperationDlg(OperationMode mode, const std::string& description, std::string* path);
 void on_FileOperation_OKButton_clicked(GtkWidget* button, gpointer state);

@@ -1,10 +1,10 @@
 #pragma once
-// Files that were dropped on a directory.
+// Dropping files on a directory.
 
 #include <string>
 #include <vector>
 
-/// Copies or moves the items into destination, whose path ends in "/", after asking which. 0 when
-/// that was carried out; 1 when there was nothing to do: they are there already, the user chose
-/// neither, or the directory is gone.
+/// Asks whether to copy or move the items, and does so. destination ends in "/". Returns 0 if the
+/// command ran. Returns 1 if the items are in destination already, it is not a directory, or the
+/// user chose neither.
 int UIFileDragDrop(const std::vector<std::string>& items, const std::string& destination);

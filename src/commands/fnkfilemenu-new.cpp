@@ -17,11 +17,11 @@
 
 namespace {
 
-// As far as the user's umask lets them.
+// The umask applies.
 constexpr mode_t kDirectoryMode = 0775;
 constexpr mode_t kFileMode = 0666;
 
-/// Notes the change, or says why there is none.
+/// Notes the change, or shows a message with errno.
 bool ReportCreation(bool created, const char* failure, const std::string& path)
 {
     if (created) {
@@ -32,13 +32,14 @@ bool ReportCreation(bool created, const char* failure, const std::string& path)
     return created;
 }
 
-void PutOnDisk()
+/// Writes the noted changes to disk; EndProgress does so.
+void SyncQuietly()
 {
     SetupQuietRun();
     EndProgress();
 }
 
-/// A path to be created; anything else that the user chose is reported.
+/// Asks for a path to create. False if the user cancels or, after a message, if it cannot be created.
 bool AskForNewPath(OperationMode mode, std::string* path)
 {
     if (CreateFileOperationDlg(mode, "", path) != RESULT_OK) {
@@ -46,7 +47,7 @@ bool AskForNewPath(OperationMode mode, std::string* path)
     }
     PathStatus status = CheckFileExist(path);
     if (mode == MODE_NEW_DIRECTORY && path->size() >= kMaxPathBytes) {
-        status = PATH_TOO_LONG;  // With the "/" at its end nothing could be done with it.
+        status = PATH_TOO_LONG;  // The final "/" of a directory would not fit.
     }
     if (status != PATH_NEW) {
         FileExistMessageBox(status, nullptr);
@@ -69,7 +70,7 @@ bool CreateNewFile(const std::string& path)
 
 void ShowNewFile(const std::string& path)
 {
-    PutOnDisk();
+    SyncQuietly();
     const std::string parent = GetParentDirectory(path);
     OpenChildTree(MainTree(), parent, EXPAND_LAST_NO);
     if (pGTable->CurrentDir == parent) {
@@ -83,7 +84,7 @@ void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
     if (!AskForNewPath(MODE_NEW_DIRECTORY, &path) || !CreateNewDirectory(WithSlash(path))) {
         return;
     }
-    PutOnDisk();
+    SyncQuietly();
     RescanTree(MainTree(), GetParentDirectory(path));
     OpenChildTree(MainTree(), WithSlash(path), EXPAND_LAST_NO);
 }

@@ -8,10 +8,10 @@
 void on_Menu_NewDirectory_activate(GtkWidget* item, gpointer data);
 void on_Menu_NewFile_activate(GtkWidget* item, gpointer data);
 
-/// Creates one directory; a failure is reported. The change is noted, but not flushed.
+/// Creates a directory and notes the change for the next sync. Shows a message if that fails.
 bool CreateNewDirectory(const std::string& path);
-/// The same for an empty file. What is there already, if only since a moment, is never touched.
+/// The same for an empty file. Never touches an existing one, even if it has only just appeared.
 bool CreateNewFile(const std::string& path);
 
-/// Puts the change on the disk and shows the file that it made, in its directory.
+/// Syncs the noted changes, opens the parent directory and scrolls to the new file.
 void ShowNewFile(const std::string& path);

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Empty when the user chose none.
+/// Empty if the user cancels.
 std::string ChooseProgram()
 {
     std::string program;

@@ -5,10 +5,10 @@
 
 #include "engine/fnkmessage.h"
 
-/// Opens what is at the absolute path, through symbolic links: shows a directory, runs a program,
-/// and hands any other file to the program associated with it, or to one that the user chooses.
-/// What lies outside RootDir is refused with a message; other failures are silent.
+/// Opens the entry at an absolute path, following symbolic links. Shows a directory, runs a program,
+/// and opens any other file with its associated program or one that the user picks. Refuses what
+/// lies outside RootDir with a message. Other failures are silent.
 void ExecApplication(const std::string& path);
 
-/// RESULT_OK when the program may be run: the user says so, or the settings ask no questions.
+/// Asks whether to run the program, if ConfilmExec says so. Returns RESULT_OK if it may run.
 Result ConfilmExec(const std::string& name);

@@ -20,7 +20,7 @@ Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, c
     Result result = RESULT_DONE;
     SetupProgress(paths, kind);
     for (const std::string& path : paths) {
-        // Cancel may have been pressed while the files were counted: then nothing is touched.
+        // The user may have cancelled while the files were counted.
         result = KeepPainting() ? RESULT_CANCEL : step(path);
         if (result == RESULT_CANCEL) {
             DestroyProgressDlg();
@@ -33,9 +33,10 @@ Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, c
 
 namespace {
 
-/// Several sources need a directory to go into: given one by one to a name that is still free,
-/// each would replace the one before. That directory is made, anything else in its place refused.
-bool HasRoomFor(const std::vector<std::string>& sources, const std::string& destination, bool* made)
+/// Makes sure that several sources have a directory to go into; without one, each would replace the
+/// one before. Creates a missing directory and sets *made. False, after a message, if that fails or
+/// a file is in the way.
+bool PrepareDestination(const std::vector<std::string>& sources, const std::string& destination, bool* made)
 {
     struct stat st = {};
     if (sources.size() == 1) {
@@ -62,7 +63,7 @@ void FileOperation(OperationKind kind)
     const auto mode = static_cast<OperationMode>(kind);
     if (GetFileOperationString(sources, &description) == SELECTION_NONE || !CheckFileOperationPaths(sources) ||
         CreateFileOperationDlg(mode, description, &destination) != RESULT_OK ||
-        !HasRoomFor(sources, destination, &made)) {
+        !PrepareDestination(sources, destination, &made)) {
         return;
     }
     const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
@@ -73,7 +74,7 @@ void FileOperation(OperationKind kind)
     const Result result =
         RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });
     if (made && result == RESULT_CANCEL) {
-        rmdir(destination.c_str());  // Refused unless the command ended before anything came into it.
+        rmdir(destination.c_str());  // Fails if anything has been put into it, which is fine.
     }
     const std::string parent = ParentInTree(destination);
     if (kind == OPERATION_MOVE) {
@@ -119,7 +120,7 @@ PopupChoice CreateFileOperationPopup(const GdkEvent* event)
     gtk_widget_add_events(gtk_widget_get_toplevel(menu), GDK_VISIBILITY_NOTIFY_MASK);
     g_signal_connect(gtk_widget_get_toplevel(menu), "visibility-notify-event", G_CALLBACK(on_Window_visibility_notify),
                      nullptr);
-    // The item's own signal comes after this one, but before the loop is back at its head.
+    // An item's "activate" comes after "deactivate", but before gtk_main returns.
     g_signal_connect(menu, "deactivate", G_CALLBACK(on_CancelButton_clicked), nullptr);
     gtk_menu_popup_at_pointer(GTK_MENU(menu), event);
     if (gtk_widget_get_mapped(menu)) {

@@ -1,5 +1,5 @@
 #pragma once
-// Copy and Move, and what commands on several files have in common.
+// Copy and Move, and the frame of all commands on several files.
 
 #include <gtk/gtk.h>
 
@@ -9,17 +9,16 @@
 
 #include "engine/fnkmessage.h"
 
-/// Does one item of a command; its result is one of the engine's.
+/// Processes one path and returns a result of the engine.
 using OperationStep = std::function<Result(const std::string& path)>;
-/// Runs the step for each path under the progress dialog, until one stops the command or Cancel is
-/// pressed. The result of the last.
+/// Runs the step for each path under the progress dialog. Stops when the user cancels or a step
+/// returns RESULT_CANCEL. Returns the last result.
 Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step);
 
-/// Copies or moves the selection to where the user says, and shows it there.
+/// Asks for a destination, copies or moves the selection to it and shows it there.
 void FileOperation(OperationKind kind);
 
-/// Values as the menu's entries come.
 enum PopupChoice { POPUP_NOTHING = 0, POPUP_COPY = 1, POPUP_MOVE = 2 };
-/// Asks at the pointer whether to copy or to move. The event is the one that led to it; without a
-/// real one the menu may not come up, which counts as nothing chosen.
+/// Asks in a menu at the pointer whether to copy or move. event is the one that caused it. The menu
+/// may not open without a real event; that counts as POPUP_NOTHING.
 PopupChoice CreateFileOperationPopup(const GdkEvent* event);

@@ -27,7 +27,7 @@ void AddCaption(GtkWidget* table, int row, const char* text)
     gtk_grid_attach(GTK_GRID(table), NewLabel(text), 0, row, 1, 1);
 }
 
-/// The widget beside the caption of a row.
+/// Adds the widget beside the caption of a row.
 void AddValue(GtkWidget* table, int row, GtkWidget* value)
 {
     gtk_widget_set_hexpand(value, TRUE);
@@ -55,7 +55,7 @@ GtkWidget* AddEntry(GtkWidget* table, int row, const char* caption, int max_leng
     return entry;
 }
 
-/// A table of captions and values in a row or a page of its own.
+/// Adds a table for captions and values.
 GtkWidget* PackTable(GtkWidget* box, bool expand)
 {
     GtkWidget* const table = CreateTable(kSpacing, kSpacing, kSpacing);
@@ -85,7 +85,7 @@ void CreateStatisticsPage(GtkWidget* notebook, PropertyDlgData* data)
     CreateTabLabel(notebook, 0, _("Statistics"));
 }
 
-/// Themes shade a pressed button, some of them hardly; a tick leaves no doubt.
+/// Shows the state by a tick, as some themes hardly shade a pressed button.
 void AddTick(GtkWidget* toggle)
 {
     GtkWidget* const tick = gtk_image_new_from_icon_name("object-select-symbolic", GTK_ICON_SIZE_BUTTON);
@@ -98,8 +98,7 @@ void AddTick(GtkWidget* toggle)
                      tick);
 }
 
-/// A click leaves the focus where it is, but keys reach the toggle: without a mouse there is no
-/// other way to them.
+/// A click does not move the focus, but the Tab key can reach the toggle.
 GtkWidget* NewToggle(const char* label, const std::string& accessible_name)
 {
     GtkWidget* const toggle = gtk_toggle_button_new();

@@ -12,7 +12,7 @@ constexpr std::size_t kPermissionColumns = 4;  ///< Read, write, execute, specia
 
 /// Lives as long as the dialog.
 struct PropertyDlgData {
-    std::string Path;  ///< Of the entry; a directory's ends in "/".
+    std::string Path;  ///< The entry's path; that of a directory ends in "/".
     GtkWidget* Dialog = nullptr;
     GtkWidget* Icon = nullptr;
     GtkWidget* PathLabel = nullptr;
@@ -26,9 +26,9 @@ struct PropertyDlgData {
     std::array<std::array<GtkWidget*, kPermissionColumns>, kPermissionRows> PermToggle = {};
     GtkWidget* OwnerEntry = nullptr;
     GtkWidget* GroupCombo = nullptr;
-    bool IsApplied = false;  ///< Something was changed, even if the dialog is then cancelled.
-    struct stat Stat = {};   ///< As it was when the dialog was filled; its mode is what the toggles edit.
+    bool IsApplied = false;  ///< Something was changed, even if the user then cancels.
+    struct stat Stat = {};   ///< As read from disk, except for the mode, which the toggles edit.
 };
 
-/// Builds the pages; everything in them is empty or off.
+/// Builds the pages with empty fields.
 void CreatePropertyPages(GtkWidget* notebook, PropertyDlgData* data);

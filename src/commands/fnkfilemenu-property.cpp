@@ -36,7 +36,7 @@ struct TypeAppearance {
     Picture icon;
 };
 
-/// Places are those of FileType.
+/// Indexed by FileType.
 constexpr std::array<TypeAppearance, 9> kTypes = {{
     {N_("Directory"), PICTURE(FileDir)},
     {N_("Execute file"), PICTURE(FileExec)},
@@ -103,7 +103,7 @@ int CreatePropertyDlg()
 
 namespace {
 
-/// The text of the type; a link tells where it leads, in the words it was made with.
+/// The name of the type. For a link also its target, as stored in the link.
 std::string DescribeType(const std::string& path, const struct stat& st, FileType type)
 {
     const char* const text = gettext(kTypes[type].text);
@@ -185,7 +185,7 @@ void CheckPermission(const PropertyDlgData* data)
     gtk_widget_set_sensitive(data->OwnerEntry, is_super_user);
     gtk_widget_set_sensitive(data->GroupCombo, may_change);
     gtk_widget_set_sensitive(data->NameEntry, may_change && data->Path != pGTable->RootDir);
-    // A link's mode means nothing and cannot be changed; that of its target is another file's.
+    // The mode of a link has no meaning, and chmod would change its target.
     const bool has_mode = !S_ISLNK(data->Stat.st_mode);
     for (const auto& row : data->PermToggle) {
         for (GtkWidget* const toggle : row) {
@@ -209,7 +209,7 @@ void on_PerToggle_toggled(GtkWidget* toggle, gpointer pointer)
 
 namespace {
 
-/// Notes a change, or says that there is none.
+/// Notes a change, or shows the failure.
 void ReportChange(PropertyDlgData* data, bool changed, const char* failure)
 {
     if (changed) {
@@ -227,7 +227,7 @@ void ApplyMode(PropertyDlgData* data, const struct stat& now)
     }
 }
 
-/// False when one of the names means nobody.
+/// False, after a message, if the user or group does not exist.
 bool ApplyOwner(PropertyDlgData* data, const struct stat& now)
 {
     const char* const failure = _("Owner/Group cannot be changed.");
@@ -243,8 +243,8 @@ bool ApplyOwner(PropertyDlgData* data, const struct stat& now)
     return true;
 }
 
-/// Judges a new name and makes it a path. Unlike a path that is typed elsewhere, it does not lead
-/// through a link that bears the name already.
+/// Checks a new name and makes it a path. Uses lstat first, because CheckFileExist would follow a
+/// link of that name.
 PathStatus CheckNewName(const std::string& parent, const std::string& name, std::string* target)
 {
     if (name.empty()) {
@@ -261,7 +261,7 @@ PathStatus CheckNewName(const std::string& parent, const std::string& name, std:
     return CheckFileExist(target);
 }
 
-/// The tree after a directory went from one path to another.
+/// Updates the tree after a directory was renamed.
 void ShowRenamedDirectory(const std::string& old_path, const std::string& new_path)
 {
     const std::string old_parent = GetParentDirectory(old_path);
@@ -270,14 +270,15 @@ void ShowRenamedDirectory(const std::string& old_path, const std::string& new_pa
     if (new_parent != old_parent) {
         RescanTree(MainTree(), new_parent);
     }
-    // It may be above the one that is shown: a drag over the tree leaves another one selected there.
+    // CurrentDir may be inside the renamed directory: a drag over the tree can leave an ancestor of it
+    // selected there.
     if (pGTable->CurrentDir.starts_with(old_path) && IsDirectory(new_path)) {
         const std::string below = pGTable->CurrentDir.substr(old_path.size());
         OpenChildTree(MainTree(), WithSlash(new_path) + below, EXPAND_LAST_NO);
     }
 }
 
-/// False when the name is no good.
+/// False, after a message, if the name is invalid.
 bool ApplyName(const PropertyDlgData* data)
 {
     const std::string name = GetEntryBytes(data->NameEntry);
@@ -298,12 +299,12 @@ bool ApplyName(const PropertyDlgData* data)
     return true;
 }
 
-/// False when the dialog is to stay open.
+/// False if the dialog must stay open.
 bool ApplyProperty(PropertyDlgData* data)
 {
     struct stat now = {};
     if (lstat(data->Path.c_str(), &now) != 0) {
-        FileExistMessageBox(PATH_NEW, nullptr);  // It vanished meanwhile.
+        FileExistMessageBox(PATH_NEW, nullptr);  // It no longer exists.
         return true;
     }
     ApplyMode(data, now);
@@ -319,7 +320,7 @@ void on_Property_OKButton_clicked(GtkWidget*, gpointer pointer)
     const bool is_done = ApplyProperty(data);
     EndProgress();
     if (is_done) {
-        data->IsApplied = true;  // Whatever it was that the list does not show yet.
+        data->IsApplied = true;  // A rename, or a change made by someone else, must show in the list.
         gtk_main_quit();
     }
 }

@@ -1,6 +1,5 @@
 #pragma once
-// The property dialog: what there is to know about one entry, and changing its mode, its owner and
-// its name.
+// The property dialog. It shows the attributes of one entry and changes its mode, owner and name.
 
 #include <gtk/gtk.h>
 #include <sys/stat.h>
@@ -9,24 +8,24 @@
 
 #include "commands/fnkfilemenu-property-pages.h"
 
-/// The permission bit of a toggle.
+/// The permission bit of the toggle in that row and column.
 mode_t PermissionBit(std::size_t row, std::size_t column);
 
-/// Runs the dialog for the first selected row, or else for the tree's directory. 0, or
-/// kArgumentError when there is none or it has vanished.
+/// Runs the dialog for the first selected row, or else for the tree's directory. Returns 0, or
+/// kArgumentError if nothing is selected or it no longer exists.
 int CreatePropertyDlg();
 
-/// Enables the Property command, in the menu and the toolbar, while there is exactly one thing to show.
+/// Enables the Property command in the menu and the toolbar if exactly one entry is selected.
 void SensitivePropertyButton();
 
-/// Fills the dialog; returns as the above.
+/// Fills the dialog. Returns the same as CreatePropertyDlg.
 int SetFileProperty(PropertyDlgData* data);
-/// Shows the mode that the toggles edit.
+/// Shows the mode in octal.
 void SetCurrentMode(const PropertyDlgData* data);
-/// Disables what the user may not change.
+/// Disables the widgets for what the user may not change.
 void CheckPermission(const PropertyDlgData* data);
 
 void on_PerToggle_toggled(GtkWidget* toggle, gpointer data);
-/// Changes what differs from the disk: mode, owner and group, name. Stays open for another try
-/// when one of the names is no good.
+/// Applies mode, owner, group and name where they differ from the disk. Leaves the dialog open if
+/// one of the typed names is invalid.
 void on_Property_OKButton_clicked(GtkWidget* button, gpointer data);

@@ -11,7 +11,7 @@
 
 SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::string* description)
 {
-    // Parts of a sentence that stays as it is in every language.
+    // Not translated.
     constexpr const char* kKindWords[] = {"file", "directory", "file/directory"};
     bool files = false;
     bool directories = false;

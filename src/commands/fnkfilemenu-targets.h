@@ -1,5 +1,5 @@
 #pragma once
-// What a command works on: the selected rows of the list, or else the tree's selected directory.
+// The targets of a command: the selected rows of the list, or else the tree's selected directory.
 
 #include <string>
 #include <vector>
@@ -11,15 +11,15 @@ enum SelectionKind {
     SELECTION_NONE,
 };
 
-/// Appends the paths in row order, those of directories with a "/" at the end, and describes them
-/// in one line, as "notes.txt file" or "3 file/directory" (UTF-8; null for no description).
+/// Appends the paths of the targets in row order; those of directories end in "/". Describes them in
+/// one line of UTF-8, such as "notes.txt file" or "3 file/directory". description may be null.
 SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::string* description);
 
-/// Whether all of them can be worked with; where one is too long, says so.
+/// False, after a message, if one of the paths is too long to work with.
 bool CheckFileOperationPaths(const std::vector<std::string>& paths);
 
-/// How many paths the first would append.
+/// The number of targets.
 std::size_t CountFileOperationTargets();
 
-/// The parent of path, but never a directory above the top of the tree.
+/// The parent of path, or RootDir if the parent is outside it.
 std::string ParentInTree(const std::string& path);

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// One thing at a time can be opened, and of the tree only what there is to expand.
+/// Only a single row can be opened, or a node of the tree that can be expanded.
 bool HasOpenableTarget()
 {
     GtkTreeIter node;
@@ -27,8 +27,8 @@ bool HasOpenableTarget()
     return walk.HasChildren(node) && !walk.IsExpanded(node);
 }
 
-/// The top directory itself is not copied, moved or deleted. After a drag over the tree it may be
-/// selected while another one is shown.
+/// RootDir itself must not be copied, moved or deleted. Both paths are checked, as they differ after
+/// a drag over the tree.
 bool HasChangeableTarget()
 {
     if (CountListSelection() > 0) {
@@ -102,7 +102,7 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
     RunOperation(OPERATION_DELETE, paths, [&](const std::string& path) {
         const Result result = RemoveFile(path, &answer);
         if (answer == RESULT_OK) {
-            answer = RESULT_CANCEL;  // It was for this item only.
+            answer = RESULT_CANCEL;  // "Yes" was for this item only.
         }
         if (path == pGTable->CurrentDir && !IsDirectory(path)) {
             shown_next = parent;

@@ -15,8 +15,8 @@ namespace {
 
 constexpr int kSpacing = 5;
 constexpr const char* kInstalledManual = FENNICK_HELP_DIR "/fennick.htm";
-/// Told from the directory above that of the program: in an installation, wherever it was moved, and
-/// in the sources that the program was built from.
+/// Relative to the parent of the program's directory: in an installation, which may have been moved,
+/// and in the source tree.
 constexpr const char* kManualsBeside[] = {"share/fennick/Help/fennick.htm", "help/fennick.htm"};
 
 void AddNotice(GtkWidget* vbox)

@@ -5,13 +5,13 @@
 
 #include <string>
 
-/// Says which program this is.
+/// Shows the About box; "Abort" is this program's word for it.
 void CreateAbortDlg();
 
-/// The file of the manual: the one that was installed, or built, with a program that stands in
-/// program_directory, which ends in "/"; or else the place where it is usually installed.
+/// The path of the manual: the one installed or built together with a program in program_directory,
+/// which ends in "/". Falls back to the configured installation path.
 std::string FindManual(const std::string& program_directory);
 
-/// Has the web browser show the manual.
+/// Opens the manual in the web browser.
 void on_Menu_Manual_activate(GtkWidget* item, gpointer data);
 void on_Menu_Abort_activate(GtkWidget* item, gpointer data);

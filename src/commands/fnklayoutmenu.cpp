@@ -18,16 +18,16 @@ namespace {
 
 constexpr int kSortSpacing = 10;
 constexpr int kSortComboWidth = 230;
-/// The one pattern that turns the filter off.
+/// The pattern that turns the filter off.
 constexpr const char* kShowAll = "*";
 
-/// What the sort dialog's OK works on.
+/// Lives as long as the sort dialog.
 struct SortDlgInfo {
     GtkWidget* ColumnCombo = nullptr;
     GtkWidget* ReverseCheck = nullptr;
 };
 
-/// Titles of the displayed columns, from left to right.
+/// Titles of the displayed detail columns from left to right.
 std::vector<std::string> ColumnTitles()
 {
     std::vector<std::string> titles;
@@ -37,9 +37,8 @@ std::vector<std::string> ColumnTitles()
     return titles;
 }
 
-/// Where the title of the sorted column stands among them. The icon column has none, but its order
-/// is that of the names.
-int SortedColumnPlace()
+/// Index of the sort column in ColumnTitles. The icon column has no title; it sorts by name.
+int SortedTitleIndex()
 {
     const int column = EffectiveSortColumn();
     return (column > 0 ? column : pGTable->NameColumn) - 1;
@@ -55,7 +54,7 @@ GtkWidget* AddColumnCombo(GtkWidget* vbox)
     SetAccessibleName(entry, _("Sort column"));
     SetComboStrings(combo, ColumnTitles());
     gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
-    gtk_combo_box_set_active(GTK_COMBO_BOX(combo), SortedColumnPlace());
+    gtk_combo_box_set_active(GTK_COMBO_BOX(combo), SortedTitleIndex());
     return combo;
 }
 

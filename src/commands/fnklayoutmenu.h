@@ -1,11 +1,11 @@
 #pragma once
-// Commands of the Layout menu: the order of the list, and which files it shows.
+// Commands of the Layout menu: sorting and filtering the list.
 
 #include <gtk/gtk.h>
 
-/// Lets the user choose the column and the direction that the list is sorted by.
+/// Asks for the sort column and direction.
 void CreateSortDlg();
-/// Lets the user choose which files the list shows.
+/// Asks for the pattern of the files to list.
 void CreateFilterDlg();
 
 void on_Menu_Sort_activate(GtkWidget* item, gpointer data);

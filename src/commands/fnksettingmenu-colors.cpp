@@ -17,14 +17,14 @@ constexpr int kSampleWidth = 73;
 constexpr int kSampleHeight = 15;
 constexpr int kChooserBorder = 7;
 
-/// The colour fills its button, where themes keep the air around a text, and covers the line that
-/// marks the focus there: the frame does instead.
+/// Removes the theme's padding, so that the colour fills the button. The colour then covers the
+/// theme's focus line, so the border shows the focus.
 constexpr const char* kButtonStyle =
     "button { padding: 2px; min-width: 0; min-height: 0; }"
     "button:focus { border-color: @theme_selected_bg_color;"
     " box-shadow: inset 0 0 0 1px @theme_selected_bg_color; }";
 
-/// Places are those of GTable::Colors.
+/// Indexed like GTable::Colors.
 constexpr std::array<const char*, kColorCount> kLabels = {
     N_("Directory"), N_("Executable file"),        N_("Normal file"), N_("Core file"),
     N_("Link file"), N_("Stalled link file file"), N_("Socket"),      N_("Special file"),
@@ -81,8 +81,8 @@ void CreateColorButton(GtkWidget* table, std::size_t index, int row, const char*
     info->ColorButton[index] = button;
 }
 
-/// Takes over the colour, unless it is the one that the chooser began with: read back through the
-/// chooser that would lose a little of itself.
+/// Stores the chosen colour. An unchanged one is kept as it is, because the chooser would return it
+/// slightly rounded.
 void on_ColorOKButton_clicked(GtkWidget* dialog, Color* color)
 {
     constexpr double kFull = 65535.0;
@@ -105,8 +105,8 @@ void on_ColorSelection_response(GtkWidget* dialog, int response, gpointer color)
     gtk_main_quit();
 }
 
-/// One of the toolkit's own buttons, labelled as in all dialogs.
-GtkWidget* NameButton(GtkWidget* dialog, int response, const char* label)
+/// Gives one of the toolkit's own buttons the label it has in our dialogs.
+GtkWidget* RelabelButton(GtkWidget* dialog, int response, const char* label)
 {
     GtkWidget* const button = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), response);
     gtk_button_set_label(GTK_BUTTON(button), label);
@@ -127,9 +127,9 @@ void ColorSelection(GtkWidget* parent, Color* color)
     const GdkRGBA shown = ShownColor(*color);
     gtk_color_chooser_set_use_alpha(GTK_COLOR_CHOOSER(dialog), FALSE);
     gtk_color_chooser_set_rgba(GTK_COLOR_CHOOSER(dialog), &shown);
-    GtkWidget* const ok = NameButton(dialog, GTK_RESPONSE_OK, _("OK"));
+    GtkWidget* const ok = RelabelButton(dialog, GTK_RESPONSE_OK, _("OK"));
     gtk_box_reorder_child(GTK_BOX(gtk_widget_get_parent(ok)), ok, 0);
-    GtkWidget* const cancel = NameButton(dialog, GTK_RESPONSE_CANCEL, _("Cancel"));
+    GtkWidget* const cancel = RelabelButton(dialog, GTK_RESPONSE_CANCEL, _("Cancel"));
     gtk_widget_grab_focus(cancel);
     gtk_widget_grab_default(cancel);
     g_signal_connect(dialog, "delete-event", G_CALLBACK(on_delete_event), cancel);

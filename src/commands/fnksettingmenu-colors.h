@@ -1,13 +1,13 @@
 #pragma once
-// The page of the options dialog that chooses the colours of the file list.
+// The page of the options dialog for the colours of the file list.
 
 #include <gtk/gtk.h>
 
 #include "commands/fnksettingmenu-info.h"
 
-/// Builds the page; the samples show Colors, whenever they are drawn.
+/// Builds the page. The samples read info->Colors each time they are drawn.
 void CreateColorsPage(GtkWidget* notebook, OptionDlgInfo* info);
 
-/// Lets the user choose a colour over the window of parent; color changes only if another one was
-/// chosen and confirmed.
+/// Runs the colour chooser above the window of parent. Changes *color only if the user confirms a
+/// different one.
 void ColorSelection(GtkWidget* parent, Color* color);

@@ -3,7 +3,6 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
@@ -17,7 +16,7 @@ constexpr int kListWidth = 80;
 constexpr int kButtonWidth = 70;
 constexpr int kButtonHeight = 25;
 
-/// Columns of the lists' stores.
+/// Columns of the list stores.
 enum ListField { FIELD_ID, FIELD_TITLE };
 
 GtkTreeModel* ModelOf(GtkWidget* list)
@@ -30,7 +29,7 @@ GtkTreeSelection* SelectionOf(GtkWidget* list)
     return gtk_tree_view_get_selection(GTK_TREE_VIEW(list));
 }
 
-int ColumnOf(GtkTreeModel* model, GtkTreeIter* row)
+int ColumnIdOf(GtkTreeModel* model, GtkTreeIter* row)
 {
     int id = 0;
     gtk_tree_model_get(model, row, FIELD_ID, &id, -1);
@@ -43,8 +42,9 @@ void AppendColumn(GtkWidget* list, int id)
                                       GetListColumnString(id).c_str(), -1);
 }
 
-/// Appends the selected rows to the other list, from the top. When a row goes, the toolkit selects
-/// another: that one was not chosen and stays.
+/// Moves the selected rows to the end of the other list, in their order. The rows are collected
+/// first and the selection is cleared at the end, because removing a row makes the toolkit select
+/// another one.
 void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
 {
     GtkTreeModel* const model = ModelOf(source);
@@ -52,9 +52,9 @@ void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
     for (const GList* link = selected; link != nullptr; link = link->next) {
         GtkTreeIter row;
         gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
-        AppendColumn(target, ColumnOf(model, &row));
+        AppendColumn(target, ColumnIdOf(model, &row));
     }
-    // From the bottom, so that the paths above stay right.
+    // From the bottom, so that the remaining paths stay valid.
     for (const GList* link = g_list_last(selected); link != nullptr; link = link->prev) {
         GtkTreeIter row;
         gtk_tree_model_get_iter(model, &row, static_cast<GtkTreePath*>(link->data));
@@ -74,20 +74,20 @@ void on_DetaildButton_clicked(GtkWidget* button, gpointer data)
     }
 }
 
-/// A list without names would leave nothing to tell the files apart by: that column stays.
+/// The name column cannot be removed, as files could not be told apart without it.
 void GetListSensitive(GtkWidget* list, GtkWidget* button)
 {
     bool can_remove = gtk_tree_selection_count_selected_rows(SelectionOf(list)) > 0;
     gtk_tree_selection_selected_foreach(
         SelectionOf(list),
         [](GtkTreeModel* model, GtkTreePath*, GtkTreeIter* row, gpointer flag) {
-            *static_cast<bool*>(flag) &= ColumnOf(model, row) != COLUMN_NAME;
+            *static_cast<bool*>(flag) &= ColumnIdOf(model, row) != COLUMN_NAME;
         },
         &can_remove);
     gtk_widget_set_sensitive(button, can_remove);
 }
 
-void on_DetailedList_selection_changed(GtkTreeSelection* selection, gpointer data)
+void on_ColumnList_selection_changed(GtkTreeSelection* selection, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
     GtkWidget* const list = GTK_WIDGET(gtk_tree_selection_get_tree_view(selection));
@@ -98,8 +98,8 @@ void on_DetailedList_selection_changed(GtkTreeSelection* selection, gpointer dat
     }
 }
 
-/// A double click moves the row, as its button would.
-void on_DetailedList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeViewColumn*, gpointer data)
+/// A double click moves the row to the other list.
+void on_ColumnList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeViewColumn*, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
     gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(list));
@@ -110,7 +110,7 @@ void on_DetailedList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeV
     }
 }
 
-/// With Alt, the arrows move the row itself: what the pointer does by dragging it.
+/// Alt+Up and Alt+Down move the row, like dragging it does.
 gboolean on_DisplayedList_key_press_event(GtkWidget* list, GdkEventKey* event, gpointer)
 {
     const bool up = event->keyval == GDK_KEY_Up || event->keyval == GDK_KEY_KP_Up;
@@ -148,7 +148,7 @@ GtkWidget* CreateSingleList(GtkWidget* box, const char* title, OptionDlgInfo* in
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scroll), GTK_SHADOW_IN);
     gtk_box_pack_start(GTK_BOX(box), scroll, TRUE, TRUE, 0);
     GtkWidget* const list = CreateTreeView(title);
-    // The toolkit serves keys, and clicks with Control and Shift, only in a list that can have the
+    // The toolkit handles keys, and clicks with Control and Shift, only in a list that can have the
     // focus.
     gtk_widget_set_can_focus(list, TRUE);
     gtk_widget_set_size_request(list, kListWidth, -1);
@@ -158,8 +158,8 @@ GtkWidget* CreateSingleList(GtkWidget* box, const char* title, OptionDlgInfo* in
     gtk_tree_view_set_enable_search(GTK_TREE_VIEW(list), FALSE);
     AddTitleColumn(GTK_TREE_VIEW(list), title);
     gtk_tree_selection_set_mode(SelectionOf(list), GTK_SELECTION_MULTIPLE);
-    g_signal_connect(SelectionOf(list), "changed", G_CALLBACK(on_DetailedList_selection_changed), info);
-    g_signal_connect(list, "row-activated", G_CALLBACK(on_DetailedList_row_activated), info);
+    g_signal_connect(SelectionOf(list), "changed", G_CALLBACK(on_ColumnList_selection_changed), info);
+    g_signal_connect(list, "row-activated", G_CALLBACK(on_ColumnList_row_activated), info);
     gtk_container_add(GTK_CONTAINER(scroll), list);
     return list;
 }
@@ -182,7 +182,7 @@ void KeepSorted(GtkWidget* list)
     gtk_tree_sortable_set_sort_column_id(store, FIELD_TITLE, GTK_SORT_ASCENDING);
 }
 
-GtkWidget* AddDetaildButton(GtkWidget* box, const char* label, OptionDlgInfo* info)
+GtkWidget* AddMoveButton(GtkWidget* box, const char* label, OptionDlgInfo* info)
 {
     GtkWidget* const button = gtk_button_new_with_label(label);
     gtk_widget_set_size_request(button, kButtonWidth, kButtonHeight);
@@ -193,13 +193,13 @@ GtkWidget* AddDetaildButton(GtkWidget* box, const char* label, OptionDlgInfo* in
     return button;
 }
 
-void AddDetaildButtons(GtkWidget* page, OptionDlgInfo* info)
+void AddMoveButtons(GtkWidget* page, OptionDlgInfo* info)
 {
     GtkWidget* const box = gtk_button_box_new(GTK_ORIENTATION_VERTICAL);
     gtk_button_box_set_layout(GTK_BUTTON_BOX(box), GTK_BUTTONBOX_SPREAD);
     gtk_box_pack_start(GTK_BOX(page), box, FALSE, FALSE, 0);
-    info->AddButton = AddDetaildButton(box, _("Add"), info);
-    info->RemoveButton = AddDetaildButton(box, _("Remove"), info);
+    info->AddButton = AddMoveButton(box, _("Add"), info);
+    info->RemoveButton = AddMoveButton(box, _("Remove"), info);
     gtk_widget_show(box);
 }
 
@@ -210,12 +210,12 @@ void CreateColumnsPage(GtkWidget* notebook, OptionDlgInfo* info)
     GtkWidget* const page = CreateHBox(notebook, false, kSpacing, kSpacing);
     info->PossibleList = CreateSingleList(page, _("Possible columns"), info);
     KeepSorted(info->PossibleList);
-    AddDetaildButtons(page, info);
+    AddMoveButtons(page, info);
     info->DisplayedList = CreateSingleList(page, _("Displayed columns"), info);
     gtk_tree_view_set_reorderable(GTK_TREE_VIEW(info->DisplayedList), TRUE);
     gtk_widget_set_tooltip_text(info->DisplayedList, _("Drag a column to where it is to stand, or press Alt+Up or "
                                                        "Alt+Down."));
-    // The toolkit selects the row below the one that was dragged: nobody chose that.
+    // After a drag the toolkit selects the row below the dragged one.
     g_signal_connect_swapped(info->DisplayedList, "drag-end", G_CALLBACK(gtk_tree_selection_unselect_all),
                              SelectionOf(info->DisplayedList));
     g_signal_connect(info->DisplayedList, "key-press-event", G_CALLBACK(on_DisplayedList_key_press_event), nullptr);
@@ -242,7 +242,7 @@ std::vector<int> GetDisplayedColumns(const OptionDlgInfo* info)
     GtkTreeIter row;
     for (gboolean more = gtk_tree_model_get_iter_first(model, &row); more;
          more = gtk_tree_model_iter_next(model, &row)) {
-        ids.push_back(ColumnOf(model, &row));
+        ids.push_back(ColumnIdOf(model, &row));
     }
     return ids;
 }

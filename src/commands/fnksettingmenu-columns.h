@@ -1,5 +1,5 @@
 #pragma once
-// The page of the options dialog that chooses and orders the columns of the file list.
+// The page of the options dialog for the columns of the file list and their order.
 
 #include <gtk/gtk.h>
 
@@ -7,10 +7,10 @@
 
 #include "commands/fnksettingmenu-info.h"
 
-/// Builds the page; its lists are empty.
+/// Builds the page with empty lists.
 void CreateColumnsPage(GtkWidget* notebook, OptionDlgInfo* info);
 
-/// Fills the lists: what of ColumnPosition is displayed, and what is not.
+/// Fills DisplayedList from ColumnPosition, and PossibleList with the other columns.
 void SetColumnLists(const OptionDlgInfo* info);
-/// The ColumnId values of DisplayedList.
+/// The ColumnId values of DisplayedList, in its order.
 std::vector<int> GetDisplayedColumns(const OptionDlgInfo* info);

@@ -1,5 +1,5 @@
 #pragma once
-// The widgets of the options dialog that its pages share.
+// The state that the pages of the options dialog share.
 
 #include <gtk/gtk.h>
 
@@ -12,11 +12,11 @@ constexpr std::size_t kOptionCheckCount = 8;
 /// Lives as long as the dialog.
 struct OptionDlgInfo {
     std::array<GtkWidget*, kOptionCheckCount> Check = {};
-    GtkWidget* PossibleList = nullptr;   ///< The columns that are not displayed.
-    GtkWidget* DisplayedList = nullptr;  ///< Those that are, in their order.
+    GtkWidget* PossibleList = nullptr;   ///< Columns that are not displayed.
+    GtkWidget* DisplayedList = nullptr;  ///< Displayed columns from left to right.
     GtkWidget* AddButton = nullptr;
     GtkWidget* RemoveButton = nullptr;
     std::array<GtkWidget*, kColorCount> ColorButton = {};
     std::array<GtkWidget*, kColorCount> ColorSample = {};
-    std::array<Color, kColorCount> Colors = {};  ///< What the samples show.
+    std::array<Color, kColorCount> Colors = {};  ///< Shown by ColorSample; edited by ColorButton.
 };

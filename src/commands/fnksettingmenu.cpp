@@ -21,7 +21,7 @@ struct OptionCheck {
     const char* label;
 };
 
-/// Places are those of OptionDlgInfo::Check; the first four are on the first page.
+/// Indexed like OptionDlgInfo::Check.
 constexpr std::array<OptionCheck, kOptionCheckCount> kChecks = {{
     {&GTable::ShowBackup, N_("Show backup files")},
     {&GTable::ShowHidden, N_("Show hidden files")},
@@ -92,7 +92,7 @@ void SetOptionValue(OptionDlgInfo* info)
 
 namespace {
 
-/// Whether other entries are shown than before.
+/// Stores the switches. True if the list now shows other entries.
 bool StoreChecks(const OptionDlgInfo* info)
 {
     const int old_backup = pGTable->ShowBackup;
@@ -103,8 +103,8 @@ bool StoreChecks(const OptionDlgInfo* info)
     return pGTable->ShowBackup != old_backup || pGTable->ShowHidden != old_hidden;
 }
 
-/// Stores the columns, each as wide as it was before if it was displayed, and sorts by name. Whether
-/// the columns are others than before, or in another order.
+/// Stores the columns, keeping the widths of those that were displayed before, and sorts by name.
+/// True if the columns or their order changed.
 bool StoreColumns(const std::vector<int>& ids)
 {
     const std::vector<int> old_ids(pGTable->ColumnPosition.begin(),
@@ -126,7 +126,7 @@ bool StoreColumns(const std::vector<int>& ids)
 
 void RebuildList()
 {
-    // Forgotten before it dies: its last events find no list then.
+    // Cleared first: events during the destruction must find no list.
     pMainW->FileList = nullptr;
     gtk_widget_destroy(pMainW->ListScroll);
     CreateFileList(pMainW->Paned);
@@ -137,13 +137,13 @@ void RebuildList()
 void on_Option_OKButton_clicked(GtkWidget*, gpointer data)
 {
     const auto* const info = static_cast<const OptionDlgInfo*>(data);
-    const bool shows_others = StoreChecks(info);
+    const bool shows_other_entries = StoreChecks(info);
     pGTable->Colors = info->Colors;
     const bool has_other_columns = StoreColumns(GetDisplayedColumns(info));
     if (has_other_columns) {
         RebuildList();
     }
-    if (shows_others) {
+    if (shows_other_entries) {
         RebuildTree();
     } else if (!has_other_columns) {
         DisplayFileList(pGTable->CurrentDir);

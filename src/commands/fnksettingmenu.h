@@ -1,6 +1,6 @@
 #pragma once
-// The options dialog: switches, the columns of the file list, and its colours. It works on copies;
-// the settings change when it is confirmed.
+// The options dialog: switches, and the columns and colours of the file list. The settings change
+// only when the user presses OK.
 
 #include <gtk/gtk.h>
 
@@ -9,7 +9,7 @@
 void on_Menu_Option_activate(GtkWidget* item, gpointer data);
 
 void CreateOptionDlg();
-/// Fills the dialog with what the settings say.
+/// Fills the dialog from the settings.
 void SetOptionValue(OptionDlgInfo* info);
-/// Takes over what the dialog says, and rebuilds of the window what that concerns.
+/// Stores the settings and rebuilds the affected parts of the window.
 void on_Option_OKButton_clicked(GtkWidget* button, gpointer info);

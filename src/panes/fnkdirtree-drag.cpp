@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr int kEdge = 20;             ///< Pixels at the top and the bottom where the tree scrolls.
-constexpr guint kScrollEvery = 200;   ///< Milliseconds a row.
-constexpr guint kExpandAfter = 1000;  ///< Milliseconds on a node.
+constexpr int kEdge = 20;               ///< Height in pixels of the strips where the tree scrolls.
+constexpr guint kScrollInterval = 200;  ///< Milliseconds per row.
+constexpr guint kExpandDelay = 1000;    ///< Milliseconds of rest on a node.
 
 void StopTimer(unsigned& timer)
 {
@@ -27,7 +27,7 @@ void StopTimers()
     StopTimer(pGTable->ExpandTimer);
 }
 
-/// The node at coordinates of the widget.
+/// The node at a point in widget coordinates.
 OptionalNode NodeAt(GtkTreeView* tree, int x, int y)
 {
     int bin_x = 0;
@@ -48,7 +48,7 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
     return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(tree), &copy);
 }
 
-/// Shows where a drop would go.
+/// Marks the node as the target of a drop. The rest on another node ends.
 void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
 {
     if (!IsSelected(tree, node)) {
@@ -58,10 +58,10 @@ void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
     }
 }
 
-// The timers hold no node: rows may come and go while they wait.
+// Timers keep no node, as rows may come and go before they fire.
 
-/// Brings the row beside the one at that height to the edge; at the end of the tree it stops.
-gboolean ScrollBy(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
+/// Scrolls the neighbour of the row at height y into view. Stops the timer at the end of the tree.
+gboolean ScrollOneRow(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
 {
     if (pGTable == nullptr) {
         return G_SOURCE_REMOVE;
@@ -81,12 +81,12 @@ gboolean ScrollBy(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpoi
 
 gboolean TreeUpScroll(gpointer y)
 {
-    return ScrollBy(&TreeWalk::Above, y, 0.0);
+    return ScrollOneRow(&TreeWalk::Above, y, 0.0);
 }
 
 gboolean TreeDownScroll(gpointer y)
 {
-    return ScrollBy(&TreeWalk::Below, y, 1.0);
+    return ScrollOneRow(&TreeWalk::Below, y, 1.0);
 }
 
 gboolean TreeExpand(gpointer data)
@@ -103,14 +103,14 @@ gboolean TreeExpand(gpointer data)
     return G_SOURCE_REMOVE;
 }
 
-/// Starts scrolling near an edge.
+/// Scrolls while the pointer is near an edge.
 void UpdateScrolling(GtkWidget* tree, int y)
 {
     StopTimer(pGTable->ScrollTimer);
     if (y <= kEdge) {
-        pGTable->ScrollTimer = g_timeout_add(kScrollEvery, TreeUpScroll, GINT_TO_POINTER(y));
+        pGTable->ScrollTimer = g_timeout_add(kScrollInterval, TreeUpScroll, GINT_TO_POINTER(y));
     } else if (y > gtk_widget_get_allocated_height(tree) - kEdge) {
-        pGTable->ScrollTimer = g_timeout_add(kScrollEvery, TreeDownScroll, GINT_TO_POINTER(y));
+        pGTable->ScrollTimer = g_timeout_add(kScrollInterval, TreeDownScroll, GINT_TO_POINTER(y));
     }
 }
 
@@ -119,7 +119,7 @@ void HoverOver(GtkTreeView* tree, const GtkTreeIter& node)
     SelectTarget(tree, node);
     const TreeWalk walk(tree);
     if (walk.HasChildren(node) && !walk.IsExpanded(node) && pGTable->ExpandTimer == 0) {
-        pGTable->ExpandTimer = g_timeout_add_full(G_PRIORITY_DEFAULT, kExpandAfter, TreeExpand,
+        pGTable->ExpandTimer = g_timeout_add_full(G_PRIORITY_DEFAULT, kExpandDelay, TreeExpand,
                                                   g_strdup(GetNodePath(tree, node).c_str()), g_free);
     }
 }
@@ -160,16 +160,16 @@ void on_DirTree_destroy(GtkWidget*, gpointer)
     }
 }
 
-std::string PathOfNode(GtkTreeView* tree, GtkTreePath* path)
+std::string PathOfTreeRow(GtkTreeView* tree, GtkTreePath* path)
 {
     GtkTreeIter node;
     return gtk_tree_model_get_iter(gtk_tree_view_get_model(tree), &node, path) ? GetNodePath(tree, node)
                                                                                : std::string();
 }
 
-/// Pressing the button that selects has entered the directory already; with the other one the
-/// directory under the pointer is entered first, so that what is dragged is what is shown.
-std::vector<std::string> TakeDirectory(GtkTreeView* tree, GtkTreePath* pressed)
+/// Enters the pressed directory first, so that what is dragged is what is shown. A press of the
+/// primary button has done so already.
+std::vector<std::string> PrepareTreeDrag(GtkTreeView* tree, GtkTreePath* pressed)
 {
     GtkTreeIter node;
     if (gtk_tree_model_get_iter(gtk_tree_view_get_model(tree), &node, pressed) && !IsSelected(tree, node)) {
@@ -185,13 +185,13 @@ std::string FindTreeDestination(GtkTreeView* tree, int x, int y)
     return node ? GetNodePath(tree, *node) : std::string();
 }
 
-constexpr DragPane kTreePane = {PathOfNode, TakeDirectory, FindTreeDestination, ConnectTreeSelectSignal};
+constexpr DragPane kTreePane = {PathOfTreeRow, PrepareTreeDrag, FindTreeDestination, ConnectTreeSelectSignal};
 
 }  // namespace
 
 void ConnectTreeDrag(GtkTreeView* tree)
 {
-    // First, as the one that all panes have takes the signal.
+    // Connected first: the handler of ConnectDragPane ends the emission.
     g_signal_connect(tree, "drag-motion", G_CALLBACK(on_DirTree_drag_motion), nullptr);
     ConnectDragPane(tree, kTreePane);
     g_signal_connect(tree, "drag-leave", G_CALLBACK(on_DirTree_drag_leave), nullptr);

@@ -1,7 +1,7 @@
 #pragma once
-// Dragging a directory out of the tree, and dropping files on a directory of it. While something is
-// dragged over the tree, the node under the pointer is selected to show where it would go, but not
-// entered; a node that the pointer rests on expands, and near its edges the tree scrolls.
+// Dragging directories out of the tree and dropping files on its nodes. During a drag over the tree
+// the node under the pointer is selected, to mark the target, but not entered. A node expands when
+// the pointer rests on it, and the tree scrolls near its top and bottom edges.
 
 #include <gtk/gtk.h>
 

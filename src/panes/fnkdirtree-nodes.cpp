@@ -13,7 +13,7 @@ GtkTreeStore* StoreOf(GtkTreeView* tree)
     return GTK_TREE_STORE(gtk_tree_view_get_model(tree));
 }
 
-/// Inserts a node behind the first so many children of parent. The store counts its way there.
+/// Inserts a node among the children of parent. Takes time linear in position, as the store counts.
 GtkTreeIter InsertNode(GtkTreeStore* store, GtkTreeIter* parent, std::size_t position, const std::string& name)
 {
     GtkTreeIter node;
@@ -52,8 +52,8 @@ void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& 
     }
 }
 
-/// Merges found, which is sorted, into the children of parent. It goes backwards, so that a new
-/// node has only old ones before it, usually none, to be counted.
+/// Merges found, which is sorted, into the children of parent. Inserts from last to first: the store
+/// then counts past the old children only, and usually there are none.
 void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<Subdirectory>& found)
 {
     std::vector<ExistingChild> existing = ListChildren(GTK_TREE_MODEL(store), parent);

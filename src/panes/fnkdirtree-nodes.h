@@ -1,6 +1,6 @@
 #pragma once
-// The nodes of a tree: each knows its name, as bytes, and nothing else; paths are put together on
-// the way to the root, whose name is the whole RootDir.
+// The nodes of a tree. Each stores only its name, in bytes; the name of the root is the whole of
+// RootDir. A path is the names from the root down.
 
 #include <gtk/gtk.h>
 
@@ -8,23 +8,24 @@
 
 #include "model/fnkdirtree-scan.h"
 
-/// The column of the store that holds the name.
+/// Model column of the name.
 constexpr int kNodeNameColumn = 0;
-/// The column that says whether a node is a directory, in models that have files as well.
+/// Model column that tells directories from files, in models that hold both.
 constexpr int kNodeDirectoryColumn = 1;
 
-/// A store with the root node in it, its children not read. The caller owns it.
+/// A store that holds just the root node. The caller owns it.
 GtkTreeStore* CreateNodeStore();
 std::string GetNodeName(GtkTreeModel* model, const GtkTreeIter& node);
-/// Moves node to its child of that name; false when there is none.
+/// Moves node to its child of that name. False, with node unchanged, if it has none.
 bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& name);
 
-/// Adds the subdirectories that node lacks, with one early child each; nothing is removed.
+/// Reads the directory of node and adds the subdirectories that are missing below it. Each comes
+/// with one of its own subdirectories, so that it can be expanded. Removes nothing.
 ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node);
 void RemoveChildren(GtkTreeView* tree, GtkTreeIter* node);
-/// Adds one node for a path whose parent is in the tree.
+/// Adds a single node. False if path is outside RootDir or its parent is not in the tree.
 bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node);
-/// Bytes, ending in "/".
+/// The path in bytes, ending in "/".
 std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node);
-/// Finds the node of an existing directory below RootDir; adds the "/" that path may lack.
+/// Finds the node of an existing directory inside RootDir. Appends the final "/" if path lacks it.
 bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node);

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int kIconSpacing = 5;
-/// Insets of the cells, and a little air behind the name.
+/// Pixels for the insets of both cells and some space after the name.
 constexpr int kCellInsets = 10;
 constexpr const char* kFitKey = "fennick-fit";
 
@@ -25,9 +25,9 @@ int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
     return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
 }
 
-/// Makes the column as wide as the widest row on the screen needs. All rows are of one height and
-/// the column of a fixed width, or the toolkit would measure every row that is added, whether it
-/// is ever seen or not: a second for ten thousand of them.
+/// Fits the column to the widest visible row. The view has fixed row heights and a fixed column
+/// width; otherwise the toolkit measures every new row, visible or not, which takes a second for ten
+/// thousand rows.
 gboolean FitTreeColumn(gpointer data)
 {
     GtkTreeView* const tree = GTK_TREE_VIEW(data);
@@ -42,7 +42,7 @@ gboolean FitTreeColumn(gpointer data)
     }
     int width = 1;
     OptionalNode node = page->top;
-    // One more than the page has: the last may be visible in part.
+    // One row more than the page has, as another one may be partly visible.
     for (int step = -1; step <= page->steps && node; ++step, node = walk.Below(*node)) {
         width = std::max(width, NodeWidth(tree, walk, *node));
     }
@@ -58,7 +58,7 @@ void StopFitting(GtkWidget* tree, gpointer)
     }
 }
 
-/// Connected to all that changes what is on the screen; fits once before the next picture.
+/// Called whenever the visible rows change. Fits the column once, before the next frame is drawn.
 void QueueFit(GtkWidget* tree)
 {
     StopFitting(tree, nullptr);
@@ -69,7 +69,7 @@ void QueueFit(GtkWidget* tree)
 void FitToContent(GtkWidget* scroll, GtkTreeView* tree)
 {
     GtkAdjustment* const vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
-    // Its bounds change with every row that comes or goes, its value with the scrolling.
+    // The bounds change when rows come and go, the value when the tree scrolls.
     g_signal_connect_object(vertical, "changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
     g_signal_connect_object(vertical, "value-changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
     g_signal_connect(tree, "row-expanded", G_CALLBACK(QueueFit), nullptr);

@@ -1,7 +1,7 @@
 #pragma once
-// How a tree looks: icons, names, and a column as wide as what is on the screen needs.
+// How a tree looks: a folder icon and a name per row, in a column as wide as its visible rows need.
 
 #include <gtk/gtk.h>
 
-/// A tree view of the nodes in the scrolled window, all of them collapsed.
+/// Adds a view of the nodes, all collapsed, to the scrolled window.
 GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name);

@@ -1,5 +1,5 @@
 #pragma once
-// Walking a tree as it is displayed: what is collapsed is not there.
+// Walking the displayed rows of a tree. Children of collapsed nodes do not count.
 
 #include <gtk/gtk.h>
 
@@ -9,7 +9,7 @@
 
 using OptionalNode = std::optional<GtkTreeIter>;
 
-/// Valid as long as the tree and its model are.
+/// Must not outlive the tree or its model.
 class TreeWalk {
 public:
     explicit TreeWalk(GtkTreeView* tree) : tree_(tree), model_(gtk_tree_view_get_model(tree)) {}
@@ -20,19 +20,19 @@ public:
 
     OptionalNode Root() const;
     OptionalNode Parent(GtkTreeIter node) const;
-    /// The last node displayed in the subtree of node.
+    /// The last displayed node of the subtree, or node itself.
     GtkTreeIter LastDisplayed(GtkTreeIter node) const;
-    /// The node displayed above; none above the root.
+    /// The node one row up; none for the root.
     OptionalNode Above(const GtkTreeIter& node) const;
-    /// The node displayed below; none below the last.
+    /// The node one row down; none for the last one.
     OptionalNode Below(const GtkTreeIter& node) const;
 
     struct Page {
         GtkTreeIter top;     ///< First node that is at least partly visible.
-        GtkTreeIter bottom;  ///< Last one that is fully visible.
-        int steps;           ///< From one to the other.
+        GtkTreeIter bottom;  ///< Last node that is fully visible.
+        int steps;           ///< Rows from top to bottom.
     };
-    /// Nothing before the tree is on the screen.
+    /// Empty until the tree is on the screen.
     std::optional<Page> VisiblePage() const;
 
 private:

@@ -36,7 +36,7 @@ void on_DirTree_select_row(GtkTreeSelection* selection, gpointer)
     EnterSelected(gtk_tree_selection_get_tree_view(selection));
 }
 
-/// The picker's tree: never touches CurrentDir, which names what the file list shows.
+/// The picker's tree leaves CurrentDir alone, which belongs to the file list.
 void on_PickerTree_select_row(GtkTreeSelection* selection, gpointer combo)
 {
     std::string path;
@@ -45,7 +45,7 @@ void on_PickerTree_select_row(GtkTreeSelection* selection, gpointer combo)
     }
 }
 
-void SetTreeCursor(GtkTreeView* tree, const char* name)
+void SetMousePointer(GtkTreeView* tree, const char* name)
 {
     GdkWindow* const window = gtk_widget_get_window(GTK_WIDGET(tree));
     if (window == nullptr) {
@@ -58,19 +58,19 @@ void SetTreeCursor(GtkTreeView* tree, const char* name)
     gdk_display_flush(display);
 }
 
-/// Runs before the toolkit expands the node, which it then does: false.
+/// Runs before the toolkit expands the node. False lets it go on.
 gboolean on_DirTree_expand(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
 {
     if (pGTable == nullptr) {
         return TRUE;
     }
-    SetTreeCursor(tree, "wait");
+    SetMousePointer(tree, "wait");
     CreateChildtree(tree, node);
-    SetTreeCursor(tree, nullptr);
+    SetMousePointer(tree, nullptr);
     return FALSE;
 }
 
-/// Runs before the toolkit collapses the node: a selection inside it moves up to it.
+/// Runs before the toolkit collapses the node. Moves a selection inside the node up to it.
 gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
 {
     if (pGTable == nullptr) {
@@ -85,7 +85,8 @@ gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*,
     return FALSE;
 }
 
-/// While it lives, selecting in the main tree has no effect; other trees are not concerned.
+/// While one exists for the main tree, selecting there enters no directory. For other trees it does
+/// nothing.
 class SelectionPause {
 public:
     explicit SelectionPause(GtkTreeView* tree) : paused_(tree == MainTree() && pGTable->TreeSelectSignal != 0)
@@ -197,9 +198,9 @@ void SetTreeSelectPath(GtkTreeView* tree, const std::string& path)
 
 namespace {
 
-/// The node of a directory on the way down from parent, read again when the tree does not know it
-/// yet: it may be younger than the tree.
-bool FindOnDisk(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, GtkTreeIter* node)
+/// Finds the node of the directory prefix, a child of parent. If there is none, reads the children of
+/// parent again, as the directory may be newer than the tree.
+bool FindOrReadNode(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, GtkTreeIter* node)
 {
     if (GetPathNode(tree, prefix, node)) {
         return true;
@@ -207,7 +208,7 @@ bool FindOnDisk(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, Gtk
     return IsDirectory(prefix) && CreateChildtree(tree, parent) == SCAN_DONE && GetPathNode(tree, prefix, node);
 }
 
-/// Expands along path, which lies inside the root, and returns the deepest node reached.
+/// Expands the tree along path, which is inside RootDir. Returns the deepest node reached.
 GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast expand_last)
 {
     GtkTreeIter reached;
@@ -219,14 +220,14 @@ GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast e
         done = static_cast<std::size_t>(slash - path.c_str()) + 1;
         std::string prefix = path.substr(0, done);
         GtkTreeIter node;
-        if (!FindOnDisk(tree, prefix, &reached, &node)) {
+        if (!FindOrReadNode(tree, prefix, &reached, &node)) {
             break;
         }
         reached = node;
         if (done == path.size() && expand_last == EXPAND_LAST_NO) {
             break;
         }
-        // A node without children cannot be expanded, but may have got some since.
+        // The toolkit expands no node without children, but the directory may have some by now.
         if (!TreeWalk(tree).HasChildren(node)) {
             CreateChildtree(tree, &node);
         }
@@ -242,7 +243,7 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
     if (tree == nullptr || path.empty() || CheckChildDirectory(path) != 0) {
         return;
     }
-    // A copy: the caller's string may be a field of the record that entering a directory changes.
+    // Copied, because path may refer to a field of pGTable that changes on entering a directory.
     const std::string target = IsDirectory(path) ? WithSlash(path) : path;
     const std::string shown = pGTable->CurrentDir;
     GtkTreeIter reached;
@@ -251,8 +252,8 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
         reached = ExpandAlong(tree, target, expand_last);
     }
     SetTreeSelectNode(tree, reached);
-    // Entering another one has filled the list. One that is reached because what lies in it is hidden
-    // may have changed as well: commands come here when they are done.
+    // Another directory has filled the list on entry. If it is still the same one, the list must be
+    // read again: commands end here and may have changed it.
     std::string selected;
     if (tree == MainTree() && GetTreeSelect(tree, nullptr, &selected) && selected == shown) {
         OnDirTree.Reopened();
@@ -261,7 +262,7 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
 
 namespace {
 
-/// Selects the deepest node on the way to path that is displayed, without acting on it.
+/// Selects the deepest displayed node on the way to path. Does not enter it.
 void RestoreSelection(GtkTreeView* tree, const std::string& path)
 {
     GtkTreeIter node;

@@ -18,19 +18,19 @@ constexpr GdkDragAction kActions = static_cast<GdkDragAction>(GDK_ACTION_COPY | 
 char text_plain[] = "text/plain";
 char text_uri_list[] = "text/uri-list";
 
-/// The first that both sides know is taken, by the order of the target: a source that offers both
-/// may give its URIs, line ends and all, as text.
+/// The target's order decides. It prefers URIs, as a source that offers both may pass them as plain
+/// text too, with CR LF line ends.
 constexpr GtkTargetEntry kOffered[] = {{text_plain, 0, TARGET_TEXT}, {text_uri_list, 0, TARGET_URIS}};
-constexpr GtkTargetEntry kTaken[] = {{text_uri_list, 0, TARGET_URIS}, {text_plain, 0, TARGET_TEXT}};
+constexpr GtkTargetEntry kAccepted[] = {{text_uri_list, 0, TARGET_URIS}, {text_plain, 0, TARGET_TEXT}};
 
-/// A button that is down on a row, and no drag yet.
+/// A button pressed on a row that has not become a drag yet.
 struct Press {
-    GtkTreeView* view = nullptr;  ///< Null while no button is down.
+    GtkTreeView* view = nullptr;  ///< Null if no button is down.
     guint button = 0;
     int x = 0;
     int y = 0;
     TreePath row;
-    std::string path;  ///< What the row stood for then. The rows may change under a button that is held.
+    std::string path;  ///< Path of the row at that time, as the rows may change while the button is down.
 };
 Press press;
 std::vector<std::string> dragged_items;
@@ -66,7 +66,7 @@ gboolean on_Pane_button_release(GtkWidget*, GdkEventButton*, gpointer)
     return FALSE;
 }
 
-/// False when the pointer cannot be had, as while another program holds it.
+/// False if the pointer cannot be grabbed, as when another program holds it.
 bool BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
 {
     GtkTargetList* const targets = gtk_target_list_new(kOffered, G_N_ELEMENTS(kOffered));
@@ -90,7 +90,7 @@ void EndDrag(const DragPane& pane)
     }
 }
 
-/// A dialog that a double click opens gets the release in the pane's stead.
+/// Needed because the pane may miss the release: a dialog opened by a double click gets it instead.
 bool IsHeld(guint button, guint state)
 {
     return (state & (button == GDK_BUTTON_PRIMARY ? GDK_BUTTON1_MASK : GDK_BUTTON3_MASK)) != 0;
@@ -111,9 +111,9 @@ gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointe
     if (start.path.empty() || pane.PathOfRow(start.view, start.row.get()) != start.path) {
         return TRUE;
     }
-    dragged_items = pane.TakeItems(start.view, start.row.get());
+    dragged_items = pane.PrepareDrag(start.view, start.row.get());
     if (!dragged_items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
-        EndDrag(pane);  // The toolkit tells of no end where there was no begin.
+        EndDrag(pane);  // There is no "drag-end" for a drag that did not begin.
     }
     return TRUE;
 }
@@ -134,17 +134,18 @@ void on_Pane_drag_end(GtkWidget*, GdkDragContext*, gpointer data)
     EndDrag(PaneOf(data));
 }
 
-/// A drop that has been asked for its data.
+/// Destination of the drop whose data has been requested.
 std::string drop_destination;
 
-/// The toolkit has answered already; its view would look for a row of its own kind to drop on.
+/// Keeps the signal from the tree view, which would look for a row to drop on. GTK_DEST_DEFAULT_MOTION
+/// has answered already.
 gboolean on_Pane_drag_motion(GtkWidget*, GdkDragContext*, int, int, guint, gpointer)
 {
     return TRUE;
 }
 
-/// While a command or a dialog runs, nothing else starts.
-bool MayStart()
+/// False while a command or a dialog runs.
+bool CanAcceptDrop()
 {
     return pGTable != nullptr && gtk_grab_get_current() == nullptr;
 }
@@ -152,7 +153,7 @@ bool MayStart()
 gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, int y, guint time, gpointer data)
 {
     const GdkAtom target = gtk_drag_dest_find_target(widget, context, nullptr);
-    if (target == GDK_NONE || !MayStart()) {
+    if (target == GDK_NONE || !CanAcceptDrop()) {
         return FALSE;
     }
     drop_destination = PaneOf(data).FindDestination(GTK_TREE_VIEW(widget), x, y);
@@ -172,7 +173,7 @@ std::vector<std::string> ReadItems(GtkSelectionData* data, guint info)
     return info == TARGET_URIS ? SplitUriList(text) : SplitDragText(text);
 }
 
-/// What was dropped, until the toolkit is done with its own part.
+/// A drop that waits for RunDrop.
 struct Drop {
     GdkDragContext* context;
     std::vector<std::string> items;
@@ -180,15 +181,15 @@ struct Drop {
     guint time;
 };
 
-/// The popup and the command run loops of their own, for which there is no room inside the
-/// toolkit's handling of the data. Since the drop, for which other programs may take their time to
-/// send the data, something else may have started.
-gboolean CarryOut(gpointer data)
+/// Runs from an idle source, because the popup and the command run nested main loops, which must not
+/// happen in a "drag-data-received" handler. A source may take long to send its data, so check again
+/// that no command has started since the drop.
+gboolean RunDrop(gpointer data)
 {
     auto* const drop = static_cast<Drop*>(data);
-    const bool is_done = MayStart() && OnFilesDropped != nullptr && !drop->items.empty() &&
+    const bool is_done = CanAcceptDrop() && OnFilesDropped != nullptr && !drop->items.empty() &&
                          !drop->destination.empty() && OnFilesDropped(drop->items, drop->destination) == 0;
-    // The engine has done what a move does; the source has nothing to delete.
+    // Never asks the source to delete anything: after a move the engine has done so.
     gtk_drag_finish(drop->context, is_done, FALSE, drop->time);
     return G_SOURCE_REMOVE;
 }
@@ -203,10 +204,10 @@ void FreeDrop(gpointer data)
 void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int, int, GtkSelectionData* data,
                                 guint info, guint time, gpointer)
 {
-    g_signal_stop_emission_by_name(widget, "drag-data-received");  // The view takes rows only.
+    g_signal_stop_emission_by_name(widget, "drag-data-received");  // The tree view expects a row.
     auto* const drop = new Drop{GDK_DRAG_CONTEXT(g_object_ref(context)), ReadItems(data, info),
                                 std::exchange(drop_destination, {}), time};
-    g_idle_add_full(G_PRIORITY_DEFAULT, CarryOut, drop, FreeDrop);
+    g_idle_add_full(G_PRIORITY_DEFAULT, RunDrop, drop, FreeDrop);
 }
 
 }  // namespace
@@ -215,9 +216,9 @@ void ConnectDragPane(GtkTreeView* view, const DragPane& pane)
 {
     GtkWidget* const widget = GTK_WIDGET(view);
     gpointer const data = const_cast<DragPane*>(&pane);
-    // The toolkit answers motion and shows the frame; dropping is done here, once.
+    // GTK_DEST_DEFAULT_DROP is left out: on_Pane_drag_drop requests the data itself.
     gtk_drag_dest_set(widget, static_cast<GtkDestDefaults>(GTK_DEST_DEFAULT_MOTION | GTK_DEST_DEFAULT_HIGHLIGHT),
-                      kTaken, G_N_ELEMENTS(kTaken), kActions);
+                      kAccepted, G_N_ELEMENTS(kAccepted), kActions);
     g_signal_connect(widget, "button-press-event", G_CALLBACK(on_Pane_button_press), data);
     g_signal_connect(widget, "button-release-event", G_CALLBACK(on_Pane_button_release), data);
     g_signal_connect(widget, "motion-notify-event", G_CALLBACK(on_Pane_motion_notify), data);

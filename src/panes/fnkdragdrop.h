@@ -1,29 +1,29 @@
 #pragma once
-// What dragging files out of a pane and dropping them on one have in common. The toolkit's own
-// drags of rows carry single rows of its own models only.
+// Drag and drop of files, for both panes. The toolkit's own row drags do not serve: they carry a
+// single row, and only of the toolkit's own models.
 
 #include <gtk/gtk.h>
 
 #include <string>
 #include <vector>
 
-/// Carries out a drop on a directory, whose path ends in "/": 0 when something was done. Set once
-/// at start.
+/// Copies or moves dropped items into destination, which ends in "/". Returns 0 if that was done.
+/// Set once at start.
 extern int (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination);
 
-/// What a pane has to say about drags.
+/// What is particular to one pane.
 struct DragPane {
-    /// What the row stands for now, a path; empty where there is nothing to drag.
+    /// The path of a row; empty if the row cannot be dragged.
     std::string (*PathOfRow)(GtkTreeView* view, GtkTreePath* row);
-    /// A drag starts on that row, which has something to drag: the paths that it carries, those of
-    /// directories with a "/" at the end. None: no drag.
-    std::vector<std::string> (*TakeItems)(GtkTreeView* view, GtkTreePath* pressed);
-    /// The directory that a drop at these coordinates of the widget goes to; empty for none.
+    /// Called when a drag starts on a row; may change the selection. Returns the paths to drag, those
+    /// of directories ending in "/". An empty result cancels the drag.
+    std::vector<std::string> (*PrepareDrag)(GtkTreeView* view, GtkTreePath* pressed);
+    /// The directory under a point of the widget; empty if nothing can be dropped there.
     std::string (*FindDestination)(GtkTreeView* view, int x, int y);
-    /// Null where nothing follows.
+    /// Called after a drag from this pane; may be null.
     void (*Ended)();
 };
 
-/// Makes the pane a source and a target of drags. Presses that the pane's own handlers, connected
-/// before, have taken start no drag.
+/// Makes the pane a drag source and a drop target. pane must outlive the view. A press that an
+/// earlier handler of the view has consumed starts no drag.
 void ConnectDragPane(GtkTreeView* view, const DragPane& pane);

@@ -18,12 +18,12 @@ namespace {
 constexpr int kIconWidth = 18;
 constexpr int kNarrowestColumn = 16;
 constexpr int kWidestColumn = 4000;
-/// Insets of a cell on both sides, and a little air.
+/// Pixels for the insets of a cell on both sides and some space.
 constexpr int kCellInsets = 14;
 
 struct ColumnKind {
     bool align_right;
-    const char* typical;  ///< A text as wide as most; a column without a stored width shows it whole.
+    const char* typical;  ///< Sample text that determines the width of a column without a stored one.
 };
 constexpr std::array<ColumnKind, kColumnKinds> kColumns = {{
     {false, "a-rather-long-name.tar.gz"},
@@ -81,7 +81,7 @@ int TitleWidth(GtkTreeViewColumn* column)
     return width;
 }
 
-/// Wide enough for the title with its arrow and a typical cell.
+/// Wide enough for the title with its sort arrow and for a typical cell.
 int NaturalWidth(GtkTreeView* list, GtkTreeViewColumn* column, int id)
 {
     const gboolean has_arrow = gtk_tree_view_column_get_sort_indicator(column);
@@ -92,7 +92,7 @@ int NaturalWidth(GtkTreeView* list, GtkTreeViewColumn* column, int id)
     return std::max(title, GetTextWidth(GTK_WIDGET(list), typical) + kCellInsets);
 }
 
-/// The width that a column of that kind comes with; 0 for a kind that the list does not come with.
+/// The width of a column in the default settings; 0 if it is not displayed by default.
 int DefaultWidth(int id)
 {
     const GTable defaults;
@@ -101,8 +101,8 @@ int DefaultWidth(int id)
     return place != end ? defaults.ColumnSize[static_cast<std::size_t>(place - defaults.ColumnPosition.begin())] : 0;
 }
 
-/// The stored width, if there is one. A column of numbers that still has the width it came with
-/// gets what it needs in the font of today: a number without its end is another number.
+/// The stored width, or the natural one if none is stored. A column of numbers that still has its
+/// default width grows to the natural one: with a large font it would cut off digits.
 int ColumnWidth(GtkTreeView* list, GtkTreeViewColumn* column, std::size_t position)
 {
     const int id = pGTable->ColumnPosition[position];
@@ -176,25 +176,25 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position, ColumnClickHand
     g_signal_connect(column, "notify::fixed-width", G_CALLBACK(on_FileList_resize_column), GSIZE_TO_POINTER(position));
 }
 
-/// Whether the filler was one to expand when the columns got their widths.
-constexpr const char* kWasExpanding = "fennick-was-expanding";
+/// Key of the filler's "expand" property as it was at the last size allocation.
+constexpr const char* kWasExpandingKey = "fennick-was-expanding";
 
 void on_FileList_size_allocate(GtkWidget*, GdkRectangle*, gpointer filler)
 {
     const gboolean expands = gtk_tree_view_column_get_expand(GTK_TREE_VIEW_COLUMN(filler));
-    g_object_set_data(G_OBJECT(filler), kWasExpanding, GINT_TO_POINTER(expands));
+    g_object_set_data(G_OBJECT(filler), kWasExpandingKey, GINT_TO_POINTER(expands));
 }
 
-/// When a column gets wider, the toolkit leaves the filler the width it has, and the list scrolls
-/// to nothing. It shares the room out anew only for another number of columns that expand; as the
-/// last one, the filler gets what is left in either case.
+/// When a column gets wider, the toolkit does not shrink the filler, and the list scrolls into empty
+/// space. It distributes the width again only if the number of expanding columns changes, so toggle
+/// that. As the last column the filler gets the remaining width either way.
 void on_Column_notify_fixed_width(GtkTreeViewColumn*, GParamSpec*, gpointer filler)
 {
-    const bool was_expanding = g_object_get_data(G_OBJECT(filler), kWasExpanding) != nullptr;
+    const bool was_expanding = g_object_get_data(G_OBJECT(filler), kWasExpandingKey) != nullptr;
     gtk_tree_view_column_set_expand(GTK_TREE_VIEW_COLUMN(filler), !was_expanding);
 }
 
-/// Takes the width that the others leave, or the toolkit would give it to the last of them.
+/// Adds an empty last column for the remaining width, which would otherwise widen the last real one.
 void AppendFillerColumn(GtkTreeView* list)
 {
     GtkTreeViewColumn* const column = gtk_tree_view_column_new();
@@ -227,7 +227,7 @@ void UpdateSortArrows(GtkTreeView* list)
         gtk_tree_view_column_set_sort_indicator(column, i == sorted);
         gtk_tree_view_column_set_sort_order(column, IsSortedUpwards() ? GTK_SORT_ASCENDING : GTK_SORT_DESCENDING);
     }
-    // The icon column is as wide as its title, and the arrow is part of that.
+    // The icon column is as wide as its title, sort arrow included.
     GtkTreeViewColumn* const icon = gtk_tree_view_get_column(list, 0);
     gtk_tree_view_column_set_fixed_width(icon, std::max(kIconWidth, TitleWidth(icon)));
 }

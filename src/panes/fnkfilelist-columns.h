@@ -1,13 +1,13 @@
 #pragma once
-// The columns of the file list: their titles, widths and cells. The first shows what is a directory,
-// those after it what the settings say.
+// The columns of the file list: titles, widths and cells. Column 0 shows a folder icon for
+// directories. The detail columns follow in the order of the settings.
 
 #include <gtk/gtk.h>
 
-/// Called with the list column (0 the icon, detail column i is i + 1) whose title is clicked.
+/// Called when a title is clicked. column is 0 for the icon and i + 1 for detail column i.
 using ColumnClickHandler = void (*)(int column);
 /// Adds the columns to a list that has none.
 void AppendListColumns(GtkTreeView* list, ColumnClickHandler clicked);
 
-/// Shows by which column and which way the list is sorted.
+/// Shows the sort column and direction in the titles.
 void UpdateSortArrows(GtkTreeView* list);

@@ -11,18 +11,6 @@
 
 namespace {
 
-int RowAt(GtkTreeView* list, const GdkEventButton* event)
-{
-    GtkTreePath* path = nullptr;
-    if (event->window != gtk_tree_view_get_bin_window(list) ||
-        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &path, nullptr,
-                                       nullptr, nullptr)) {
-        return -1;
-    }
-    const TreePath owner(path);
-    return gtk_tree_path_get_indices(path)[0];
-}
-
 bool IsSelected(int row)
 {
     const TreePath path(gtk_tree_path_new_from_indices(row, -1));
@@ -36,9 +24,9 @@ void SelectOnly(int row)
     SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
 }
 
-/// Holds back a plain press on one of several selected rows. It may start a drag of all of them, so
-/// the row is selected alone only when the button comes up without one. The toolkit does not see a
-/// double click whose first press was held.
+/// Holds back a plain press on one of several selected rows, as it may start a drag of all of them.
+/// Only a release without a drag selects the row alone. A double click whose first press was held is
+/// handled here, because the toolkit does not see it.
 gboolean on_FileList_hold_press(GtkWidget* widget, GdkEventButton* event, gpointer)
 {
     if (pMainW == nullptr) {
@@ -46,7 +34,7 @@ gboolean on_FileList_hold_press(GtkWidget* widget, GdkEventButton* event, gpoint
     }
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
     auto& [before, last] = pMainW->HeldRows;
-    const int row = RowAt(list, event);
+    const int row = ListRowAt(list, event);
     pMainW->HeldRow = -1;
     if (event->type == GDK_2BUTTON_PRESS && row >= 0 && row == before) {
         const TreePath path(gtk_tree_path_new_from_indices(row, -1));
@@ -80,18 +68,18 @@ std::string PathOfListRow(GtkTreeView*, GtkTreePath* path)
     return row < ListRows().Count() && !ListRows().IsParentRow(row) ? ListRowPath(row) : std::string();
 }
 
-std::vector<std::string> TakeSelectedFiles(GtkTreeView*, GtkTreePath* pressed)
+std::vector<std::string> PrepareListDrag(GtkTreeView*, GtkTreePath* pressed)
 {
     pMainW->HeldRow = -1;
     const int row = gtk_tree_path_get_indices(pressed)[0];
     if (!IsSelected(row)) {
-        SelectOnly(row);  // The button that opens no selection still drags what is under it.
+        SelectOnly(row);  // The secondary button does not select, but still drags the row under it.
     }
     std::vector<std::string> paths;
     for (const std::size_t index : ListSelection()) {
         paths.push_back(ListRowPath(index));
     }
-    // On its way over the tree the drag moves the selection there, which is not to be followed.
+    // The drag moves the tree's selection while it is over the tree. That must enter no directory.
     DisconnectTreeSelectSignal();
     return paths;
 }
@@ -101,7 +89,7 @@ std::string FindListDestination(GtkTreeView*, int, int)
     return pGTable->CurrentDir;
 }
 
-constexpr DragPane kListPane = {PathOfListRow, TakeSelectedFiles, FindListDestination, ConnectTreeSelectSignal};
+constexpr DragPane kListPane = {PathOfListRow, PrepareListDrag, FindListDestination, ConnectTreeSelectSignal};
 
 }  // namespace
 

@@ -1,5 +1,5 @@
 #pragma once
-// Dragging files out of the list, and dropping files on it, which go to the directory it shows.
+// Dragging files out of the list. Files dropped on the list go to CurrentDir.
 
 #include <gtk/gtk.h>
 

@@ -5,7 +5,7 @@
 struct _FnkListModel {
     GObject parent_instance;
     FileRows* rows;
-    int stamp;  ///< Another one for every state of the rows: iterators of an older one are invalid.
+    int stamp;  ///< Changes whenever the rows are sorted. Older iterators are invalid then.
 };
 
 namespace {
@@ -66,7 +66,7 @@ gboolean IterNext(GtkTreeModel* model, GtkTreeIter* iter)
 
 gboolean IterPrevious(GtkTreeModel* model, GtkTreeIter* iter)
 {
-    // Below row 0 this wraps around to a number that no row has.
+    // For row 0 this wraps around to an index that no row has.
     return SetIter(model, iter, ModelRowIndex(iter) - 1);
 }
 
@@ -115,7 +115,7 @@ void InitTreeModel(GtkTreeModelIface* iface)
 
 }  // namespace
 
-// The toolkit's macro is C and casts as C does.
+// Two casts, or the compiler warns that the function types differ.
 G_DEFINE_TYPE_WITH_CODE(FnkListModel, fnk_list_model, G_TYPE_OBJECT,
                         G_IMPLEMENT_INTERFACE(GTK_TYPE_TREE_MODEL, reinterpret_cast<GInterfaceInitFunc>(
                                                                        reinterpret_cast<void (*)()>(InitTreeModel))))

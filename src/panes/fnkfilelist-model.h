@@ -1,6 +1,6 @@
 #pragma once
-// Serves FileRows to the tree view: a flat model that owns the rows and makes the text of a cell
-// when it is asked for it. Its columns are the ColumnId values, all of them texts.
+// The tree model of the file list. It is flat, owns the FileRows, and formats the text of a cell on
+// demand. Its columns are the ColumnId values, all strings.
 
 #include <gtk/gtk.h>
 
@@ -12,9 +12,8 @@ G_DECLARE_FINAL_TYPE(FnkListModel, fnk_list_model, FNK, LIST_MODEL, GObject)
 
 FnkListModel* NewListModel();
 
-/// The model's rows. They may be replaced only while no view is attached.
+/// Rows may be added and removed only while no view uses the model.
 FileRows& ModelRows(FnkListModel* model);
-/// Sorts the rows and returns the old place of each. The attached views still have to be told.
+/// Sorts the rows. Returns the old position of each row; the caller must pass it on to the views.
 std::vector<int> SortModelRows(FnkListModel* model);
-/// The row an iterator of the model stands for.
 std::size_t ModelRowIndex(const GtkTreeIter* iter);

@@ -12,8 +12,8 @@ namespace {
 
 constexpr const char* kModelKey = "fennick-model";
 
-/// Takes the ".." row out of the selection again, before anyone sees it there. The toolkit's own
-/// way to make a row unselectable asks about every row each time, a hundred thousand of them.
+/// Unselects the ".." row before the change is reported. A select function would do as well, but the
+/// toolkit calls that for every row on each change, and there may be a hundred thousand.
 void UnselectParentRow()
 {
     const FileRows& rows = ListRows();
@@ -25,7 +25,7 @@ void UnselectParentRow()
 
 }  // namespace
 
-void AttachListModel(GtkTreeView* list, FnkListModel* model)
+void SetListModel(GtkTreeView* list, FnkListModel* model)
 {
     g_object_set_data_full(G_OBJECT(list), kModelKey, model, g_object_unref);
 }
@@ -46,6 +46,18 @@ const FileRows& ListRows()
     static const FileRows kNoRows;
     FnkListModel* const model = MainListModel();
     return model != nullptr ? ModelRows(model) : kNoRows;
+}
+
+int ListRowAt(GtkTreeView* list, const GdkEventButton* event)
+{
+    GtkTreePath* path = nullptr;
+    if (event->window != gtk_tree_view_get_bin_window(list) ||
+        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &path, nullptr,
+                                       nullptr, nullptr)) {
+        return -1;
+    }
+    const TreePath owner(path);
+    return gtk_tree_path_get_indices(path)[0];
 }
 
 std::string ListRowPath(std::size_t row)
@@ -99,9 +111,9 @@ ListSelectionBatch::~ListSelectionBatch()
 
 namespace {
 
-/// While it lives, the rows are not drawn. The toolkit has each row of a large change drawn
-/// singly, which takes it as long again as the change itself; its window asks for one drawing of
-/// everything when it comes back.
+/// Suspends drawing during a change to a large list by hiding the list's window. The toolkit
+/// invalidates each changed row on its own, which doubles the time. Showing the window again
+/// invalidates everything at once.
 class DrawingPause {
 public:
     DrawingPause()
@@ -157,7 +169,8 @@ void SetListSelection(std::vector<bool> chosen)
     const ListSelectionBatch batch;
     const DrawingPause pause;
     UnselectAllListRows();
-    // In one walk over all rows: naming them singly has the toolkit look for each of them anew.
+    // A select function takes one walk over all rows. Selecting rows one by one makes the toolkit
+    // search for each of them.
     gtk_tree_selection_set_select_function(selection, IsChosenRow, &chosen, nullptr);
     gtk_tree_selection_select_all(selection);
     gtk_tree_selection_set_select_function(selection, nullptr, nullptr, nullptr);

@@ -8,44 +8,48 @@
 
 #include "panes/fnkfilelist-model.h"
 
-/// What the window above does when the list has something to tell; set once at start.
+/// Callbacks of the file list. The main window sets them once at start.
 struct FileListEvents {
     void (*SelectionChanged)() = nullptr;
-    /// A row that is no directory was activated.
+    /// A row was activated that is not a directory.
     void (*FileActivated)(const std::string& path) = nullptr;
 };
 extern FileListEvents OnFileList;
 
-/// MainW::FileList; null while there is none.
+/// MainW::FileList; null if there is none.
 GtkTreeView* MainList();
 const FileRows& ListRows();
-/// The model of MainList, attached to the view or not; null while there is none.
+/// The model of MainList, even while the view is detached from it. Null if there is no list.
 FnkListModel* MainListModel();
-/// Gives the model to a list, which owns it from then on.
-void AttachListModel(GtkTreeView* list, FnkListModel* model);
+/// Makes the list the owner of its model. Does not attach the view to it.
+void SetListModel(GtkTreeView* list, FnkListModel* model);
 
-/// The path of the entry in the row, a directory's with a "/" at its end.
+/// The row under a button event; -1 if there is none, as on a column title.
+int ListRowAt(GtkTreeView* list, const GdkEventButton* event);
+
+/// The path of the row's entry; that of a directory ends in "/".
 std::string ListRowPath(std::size_t row);
 
 /// The selected rows in ascending order.
 std::vector<std::size_t> ListSelection();
 std::size_t CountListSelection();
 
-/// While it lives, selection changes are not reported; one report for all follows at its end.
+/// Holds back OnFileList.SelectionChanged and calls it once when the last batch ends. Batches nest.
 class ListSelectionBatch {
 public:
     ListSelectionBatch();
     ListSelectionBatch(const ListSelectionBatch&) = delete;
     ListSelectionBatch& operator=(const ListSelectionBatch&) = delete;
     ~ListSelectionBatch();
-    /// There is something to report, though the selection may be what it was.
+    /// Makes the batch report a change even if the selection is the same as before.
     void MarkChanged();
 };
 
-/// Every row but "..".
+// ".." is never selected.
+
 void SelectAllListRows();
 void UnselectAllListRows();
-/// Selects the rows that chosen is true for, one value a row, and no others. ".." is never selected.
+/// Selects the rows for which chosen, with one value per row, is true, and unselects all others.
 void SetListSelection(std::vector<bool> chosen);
-/// Adds the rows first to last to the selection.
+/// Adds the rows from first to last, inclusive, to the selection.
 void SelectListRows(std::size_t first, std::size_t last);

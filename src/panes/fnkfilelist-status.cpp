@@ -16,11 +16,10 @@
 namespace {
 
 constexpr std::size_t kMaxStatusBytes = 1024;
-/// So many files are looked at before the main loop gets its turn: a few milliseconds.
+/// Files per turn of the main loop; they take a few milliseconds.
 constexpr std::size_t kSumPiece = 2000;
 
-/// The summary under way. It reads rows by their number, so nothing that changes the rows may
-/// leave it running.
+/// The summary in progress. It holds row numbers, so whatever changes the rows must stop it.
 struct Summary {
     std::vector<std::size_t> rows;
     std::size_t next = 0;
@@ -49,7 +48,7 @@ void ShowSummary()
                                     : FormatText(_(" %d files  %s"), static_cast<int>(summary.counted), size.c_str()));
 }
 
-/// Sums up the next piece; true when nothing is left and the sum is shown.
+/// Adds the next kSumPiece files. True once all are added and the sum is shown.
 bool SumPiece()
 {
     const FileRows& rows = ListRows();

@@ -1,12 +1,12 @@
 #pragma once
-// The two fields at the bottom of the window.
+// The two status bars at the bottom of the window.
 
-/// Rewrites StatusText and the status bar: what is selected in the list, else the tree's
-/// directory. A large selection is summed up in pieces while the main loop is idle.
+/// Updates StatusText and the status bar with the count and size of the selected files, or with the
+/// tree's directory if none is selected. A large selection is summed up by an idle source.
 void DisplayFileStatus();
 
-/// Says whether and how the list is filtered.
+/// Shows the filter of the list.
 void DisplayFilterStatus();
 
-/// Puts StatusText back after a tip was shown in its place.
+/// Shows StatusText again after a menu tip.
 void RestoreStatusText();

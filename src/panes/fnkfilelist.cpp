@@ -26,9 +26,9 @@ void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
     }
 }
 
-/// Whether a screen reader may have been told of the rows. The toolkit makes that class with its
-/// first object.
-bool HasAccessibleRows()
+/// Whether assistive technology may know the rows. The class exists once any tree view has an
+/// accessible.
+bool MayHaveAccessibleRows()
 {
     return g_type_class_peek(g_type_from_name("GtkTreeViewAccessible")) != nullptr;
 }
@@ -40,7 +40,7 @@ void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColum
     }
 }
 
-int AnchorFor(int row)
+int EnsureAnchor(int row)
 {
     if (pMainW->ListAnchor < 0) {
         const std::vector<std::size_t> selected = ListSelection();
@@ -60,24 +60,21 @@ void ToggleRow(int row)
     }
 }
 
-/// Clicks with Control and Shift: the toolkit serves them only in a view that has the focus, and
-/// this one never has. Plain clicks are left to it.
+/// Handles clicks with Control and Shift, which the toolkit handles only in a focused view; the list
+/// never has the focus. Plain clicks are left to the toolkit.
 gboolean on_FileList_button_press(GtkWidget* widget, GdkEventButton* event, gpointer)
 {
-    GtkTreeView* const list = GTK_TREE_VIEW(widget);
-    GtkTreePath* clicked = nullptr;
-    if (pGTable == nullptr || event->button != GDK_BUTTON_PRIMARY || event->type != GDK_BUTTON_PRESS ||
-        event->window != gtk_tree_view_get_bin_window(list) ||
-        !gtk_tree_view_get_path_at_pos(list, static_cast<int>(event->x), static_cast<int>(event->y), &clicked, nullptr,
-                                       nullptr, nullptr)) {
+    if (pGTable == nullptr || event->button != GDK_BUTTON_PRIMARY || event->type != GDK_BUTTON_PRESS) {
         return FALSE;
     }
-    const TreePath path(clicked);
-    const int row = gtk_tree_path_get_indices(clicked)[0];
+    const int row = ListRowAt(GTK_TREE_VIEW(widget), event);
+    if (row < 0) {
+        return FALSE;
+    }
     const bool toggles = (event->state & GDK_CONTROL_MASK) != 0;
     if ((event->state & GDK_SHIFT_MASK) != 0) {
         const ListSelectionBatch batch;
-        const int anchor = AnchorFor(row);
+        const int anchor = EnsureAnchor(row);
         if (!toggles) {
             UnselectAllListRows();
         }
@@ -97,7 +94,7 @@ GtkTreeView* NewListView()
 {
     GtkWidget* const widget = CreateTreeView(_("File list"));
     GtkTreeView* const list = GTK_TREE_VIEW(widget);
-    AttachListModel(list, NewListModel());
+    SetListModel(list, NewListModel());
     gtk_tree_view_set_enable_search(list, FALSE);
     AppendListColumns(list, on_FileList_click_column);
     gtk_tree_view_set_fixed_height_mode(list, TRUE);
@@ -111,24 +108,24 @@ GtkTreeView* NewListView()
     return list;
 }
 
-/// The first row that is at least partly visible; the row count when there is none.
+/// The first row that is at least partly visible, or the row count if there is none.
 int FirstVisibleRow(GtkTreeView* list)
 {
     const TreePath first = GetFirstVisiblePath(list);
     return first != nullptr ? gtk_tree_path_get_indices(first.get())[0] : static_cast<int>(ListRows().Count());
 }
 
-/// After the model was replaced; -1 stays at the top.
+/// Scrolls after the model was replaced; row -1 stays at the top.
 void ScrollRowToTop(GtkTreeView* list, int row)
 {
-    // A new model starts at the top, but the scroll bar is not told; without this it would see
-    // nothing to do when it is to go where it stands already.
+    // A new model starts at the top, but the adjustment keeps its old value. Scrolling to that value
+    // would then do nothing.
     gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(list)), 0);
     if (row < 0 || row >= static_cast<int>(ListRows().Count())) {
         return;
     }
-    // Rows that were never measured have no place to scroll to; asking for the size of the view
-    // makes it give them all the height of the first.
+    // Rows that have not been measured have no position to scroll to. Asking for the preferred width
+    // makes the view give all rows the height of the first.
     int width = 0;
     gtk_widget_get_preferred_width(GTK_WIDGET(list), &width, nullptr);
     const TreePath path(gtk_tree_path_new_from_indices(row, -1));
@@ -160,8 +157,8 @@ GtkWidget* CreateFileList(GtkWidget* paned)
     GtkTreeView* const list = NewListView();
     gtk_container_add(GTK_CONTAINER(pMainW->ListScroll), GTK_WIDGET(list));
     pMainW->FileList = GTK_WIDGET(list);
-    // At start the tree opens the directory once the window is built; reading it here as well
-    // would double the time to the first picture.
+    // At start the tree opens the directory once the window is built. Reading it here too would
+    // double the time to the first frame.
     if (gtk_widget_get_realized(pMainW->MainWindow)) {
         DisplayFileList(pGTable->CurrentDir);
     }
@@ -170,7 +167,8 @@ GtkWidget* CreateFileList(GtkWidget* paned)
 
 namespace {
 
-/// Replaces the rows by those of the directory path, or by none; scroll_to is the row at the top then.
+/// Replaces the rows with those of a directory, or with none if path is null. Row scroll_to is at
+/// the top afterwards.
 void ReplaceRows(const std::string* path, int scroll_to)
 {
     GtkTreeView* const list = MainList();
@@ -184,7 +182,7 @@ void ReplaceRows(const std::string* path, int scroll_to)
         }
         SortModelRows(model);
         gtk_tree_view_set_model(list, GTK_TREE_MODEL(model));
-        UpdateSortArrows(list);  // Taking the model away took them along.
+        UpdateSortArrows(list);  // Detaching the model has removed them.
         pMainW->ListAnchor = -1;
         batch.MarkChanged();
     }
@@ -219,23 +217,23 @@ void on_FileList_click_column(int column)
     SortFileList();
 }
 
-// The toolkit's view keeps a node for each row and sorts these in its turn, which takes longer than
-// all the rest. As all rows are of one height, the nodes differ in nothing but being selected and
-// what a screen reader knows of them, so without either it is enough to draw the rows again.
+// On "rows-reordered" the view reorders its own node for each row, which takes longer than the sort
+// itself. As all rows have the same height, nodes differ only in their selection and in what
+// assistive technology knows of them. If neither matters, redrawing is enough.
 void SortFileList()
 {
     GtkTreeView* const list = MainList();
     ListSelectionBatch batch;
-    const bool shows_only_rows = !HasAccessibleRows() && CountListSelection() == 0;
+    const bool can_just_redraw = !MayHaveAccessibleRows() && CountListSelection() == 0;
     std::vector<int> old_places = SortModelRows(MainListModel());
     const TreePath root(gtk_tree_path_new());
-    if (shows_only_rows) {
+    if (can_just_redraw) {
         gtk_tree_row_reference_reordered(G_OBJECT(list), root.get(), nullptr, old_places.data());
         gtk_widget_queue_draw(GTK_WIDGET(list));
     } else if (!old_places.empty()) {
         gtk_tree_model_rows_reordered_with_length(gtk_tree_view_get_model(list), root.get(), nullptr, old_places.data(),
                                                   static_cast<int>(old_places.size()));
-        batch.MarkChanged();  // The summary under way knows the rows by their old places.
+        batch.MarkChanged();  // Restarts the status summary, which holds the old row numbers.
     }
     UpdateSortArrows(list);
     pMainW->ListAnchor = -1;
@@ -248,8 +246,8 @@ void ShowListRow(const std::string& name)
         ++row;
     }
     if (row < ListRows().Count()) {
-        // The toolkit's way: a list just filled may still wait for its turn to scroll, and this
-        // takes the place of that.
+        // Not ScrollRowTo: this also replaces a scroll request that is still pending in a list that
+        // has just been filled.
         const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
         gtk_tree_view_scroll_to_cell(MainList(), path.get(), nullptr, FALSE, 0.0F, 0.0F);
     }

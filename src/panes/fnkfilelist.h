@@ -1,6 +1,6 @@
 #pragma once
-// The file list: a table of the entries of CurrentDir. Row 0 is "..", which cannot be selected;
-// the file behind any other row is CurrentDir followed by the row's name.
+// The file list: a table of the entries of CurrentDir. Row 0 is "..", which cannot be selected. The
+// path of any other row is CurrentDir plus the row's name.
 
 #include <gtk/gtk.h>
 
@@ -9,30 +9,30 @@
 
 #include "panes/fnkfilelist-selection.h"
 
-/// Builds the list with the columns of the settings into the second pane; also again after the
-/// columns changed and MainW::ListScroll was destroyed.
+/// Builds the list in the second pane, with the columns of the settings. To change the columns,
+/// destroy MainW::ListScroll and call it again.
 GtkWidget* CreateFileList(GtkWidget* paned);
 
-/// Fills the list with the entries of path, which ends in "/". Nothing happens when path is no
-/// directory. Always 0.
+/// Fills the list with the entries of path, which ends in "/". Does nothing if path is not a
+/// directory. Always returns 0.
 int DisplayFileList(const std::string& path);
 
-/// Removes all rows, so that none is taken for a file of a directory that it is not in.
+/// Removes all rows. For a CurrentDir that cannot be listed: the old rows would give paths in it.
 void EmptyFileList();
 
-/// Sorts by the column, or the other way round when it is sorted by it already.
+/// Sorts by the column; reverses the order if it is the sort column already.
 void on_FileList_click_column(int column);
 
-/// Puts the rows into the order that SortColumn and SortType say.
+/// Sorts the rows by SortColumn and SortType.
 void SortFileList();
 
-/// Scrolls the row of that name into view; nothing happens when there is none.
+/// Scrolls to the row of that name, if there is one.
 void ShowListRow(const std::string& name);
 
-/// What a double click on the row does: opens the entry, or the parent for "..".
+/// Does what a double click on the row does: opens the entry, or the parent directory for "..".
 void ActivateListRow(std::size_t index);
 
-/// Widths of the detail columns, pixels.
+/// Widths of the detail columns in pixels.
 std::vector<int> ListColumnWidths();
-/// Column of the view for a list column index: 0 the icon, detail column i is i + 1.
+/// The view's column 0 for the icon, i + 1 for detail column i.
 GtkTreeViewColumn* ListViewColumn(int column);

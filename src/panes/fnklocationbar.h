@@ -1,19 +1,19 @@
 #pragma once
-// The location bar: where one is, and where one wants to go. Its drop-down is the history that
-// Back and Forward walk.
+// The location bar. It shows the current directory and takes a path to go to. Its drop-down lists
+// the history that Back and Forward walk.
 
 #include <gtk/gtk.h>
 
-/// Builds the bar into box; the combo, or null.
+/// Builds the bar in box. Returns the drop-down, or null.
 GtkWidget* CreateLocationBar(GtkWidget* box);
 
-/// Return in the entry: goes to the path, as far as it exists; one outside the root, or relative,
-/// shows the current directory anew.
+/// Goes to the typed path, or to its deepest directory that exists. A relative path or one outside
+/// RootDir opens the current directory again.
 void on_LocationComboEntry_activate(GtkWidget* entry, gpointer data);
 
-/// Handler of the window's "set-focus": while the entry's text is neither empty nor in the
-/// drop-down list, nothing takes the focus out of it.
+/// Handler of the window's "set-focus". Keeps the focus in the entry while its text is neither empty
+/// nor an item of the drop-down.
 void on_MainWindow_set_focus(GtkWindow* window, GtkWidget* widget, gpointer data);
 
-/// Whether typed keys go to the entry.
+/// Whether the entry has the focus.
 bool IsLocationFocused();

@@ -3,7 +3,6 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
 #include "core/fnkraii.h"
@@ -41,7 +40,7 @@ struct FileSelection {
     GtkWidget* entry;  ///< The caller's.
 };
 
-/// The dialog stays open while no file is chosen.
+/// Leaves the dialog open if no file is chosen.
 void on_FileSel_OKButton_clicked(GtkWidget*, gpointer data)
 {
     const auto* const state = static_cast<const FileSelection*>(data);
@@ -52,8 +51,8 @@ void on_FileSel_OKButton_clicked(GtkWidget*, gpointer data)
     }
 }
 
-/// A response rather than the button's click: for OK it comes only once the toolkit has looked at
-/// what is chosen, and has not entered a directory instead.
+/// Uses the response, not the button's "clicked": the toolkit may enter a chosen directory instead of
+/// responding.
 void on_FileSel_response(GtkWidget* dialog, int response, gpointer state)
 {
     if (response == GTK_RESPONSE_ACCEPT) {
@@ -97,8 +96,8 @@ struct DirSelection {
     GtkTreeView* tree = nullptr;
 };
 
-/// Goes to a directory inside the root as far as there is one.
-void OpenTyped(const DirSelection& state)
+/// Opens the typed path, or its deepest directory that exists, if it is inside RootDir.
+void OpenTypedPath(const DirSelection& state)
 {
     const std::string path = GetEntryBytes(state.entry);
     if (path.size() <= kMaxPathBytes) {
@@ -108,7 +107,7 @@ void OpenTyped(const DirSelection& state)
 
 void on_DirSel_ComboEntry_activate(GtkWidget*, gpointer state)
 {
-    OpenTyped(*static_cast<const DirSelection*>(state));
+    OpenTypedPath(*static_cast<const DirSelection*>(state));
 }
 
 void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
@@ -116,13 +115,13 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
     auto* const state = static_cast<DirSelection*>(data);
     std::string path;
     std::string typed = GetEntryBytes(state->entry);
-    // Whoever typed a path and did not press Return meant it all the same.
+    // A typed path counts even if the user has not pressed Return.
     if (!GetTreeSelect(state->tree, nullptr, &path) || typed != path) {
         if (const PathStatus status = CheckFileExist(&typed); status != PATH_DIRECTORY) {
             FileExistMessageBox(status, state->entry);
             return;
         }
-        OpenTyped(*state);
+        OpenTypedPath(*state);
     }
     if (GetTreeSelect(state->tree, nullptr, &path)) {
         SetEntryBytes(state->caller_entry, path);
@@ -132,7 +131,7 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
     gtk_main_quit();
 }
 
-/// Empty when neither the entry nor the main tree names a place inside the root.
+/// The path in the entry if it is inside RootDir, or else the main tree's selection. May be empty.
 std::string GetStartingDirectory(GtkWidget* entry)
 {
     std::string path = GetEntryBytes(entry);
@@ -154,7 +153,7 @@ void OfferDirHistory(GtkWidget* combo)
     }
 }
 
-/// The drop-down, and the tree that it follows; false when the root cannot be read.
+/// Adds the drop-down and the tree, and connects them. False if the root cannot be read.
 bool AddDirectoryTree(GtkWidget* vbox, DirSelection& state)
 {
     CreateLabel(vbox, _("Select directory:"));
@@ -191,7 +190,7 @@ void on_DirBrowseButton_clicked(GtkWidget*, gpointer combo)
     }
 }
 
-/// Says that the press is still to be handled, or the button would never be pressed.
+/// Returns FALSE, unlike the handler it calls; otherwise the button would not see the press.
 gboolean on_BrowseButton_button_press_event(GtkWidget* button, GdkEvent* event, gpointer)
 {
     on_Window_button_press_event(button, event, nullptr);
@@ -215,6 +214,17 @@ GtkWidget* CreateBrowseButton(GtkWidget* box, GtkWidget* target, BrowseKind kind
     return button;
 }
 
+GtkWidget* CreatePathCombo(GtkWidget* box, const char* accessible_name)
+{
+    GtkWidget* entry = nullptr;
+    GtkWidget* const combo = CreateComboBox(&entry, true, kMaxPathBytes);
+    SetAccessibleName(entry, accessible_name);
+    SetComboStrings(combo, pGTable->DirHistory);
+    gtk_box_pack_start(GTK_BOX(box), combo, TRUE, TRUE, 0);
+    CreateBrowseButton(box, combo, BROWSE_DIRECTORY);
+    return combo;
+}
+
 int CreateSelectDirDlg(GtkWidget** dialog, GtkWidget* combo)
 {
     if (dialog == nullptr || combo == nullptr) {
@@ -235,7 +245,7 @@ int CreateSelectDirDlg(GtkWidget** dialog, GtkWidget* combo)
     *dialog = nullptr;
     g_signal_connect(state.entry, "activate", G_CALLBACK(on_DirSel_ComboEntry_activate), &state);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_DirSel_OKButton_clicked), &state);
-    // Shown first: only a tree on the screen can scroll to what is selected in it.
+    // Shown first, because a tree that is not on the screen cannot scroll to its selection.
     gtk_widget_show(window);
     OpenStartingDirectory(state);
     ModalMainLoop(window, nullptr);
@@ -254,7 +264,7 @@ struct AppSelection {
     std::string* result = nullptr;
 };
 
-/// The selected name, as bytes; false when there is none.
+/// Stores the selected name, in bytes. False if nothing is selected.
 bool GetSelectedName(GtkTreeView* list, std::string& name)
 {
     GtkTreeModel* model = nullptr;
@@ -290,7 +300,7 @@ void on_SelApp_row_activated(GtkTreeView*, GtkTreePath*, GtkTreeViewColumn*, gpo
     gtk_button_clicked(GTK_BUTTON(ok));
 }
 
-/// Once something is chosen, Return is to take it; until then it cancels, as in every dialog.
+/// Makes OK the default once something is selected. Until then it is Cancel, as in every dialog.
 void on_SelApp_selection_changed(GtkTreeSelection* selection, gpointer ok)
 {
     if (gtk_tree_selection_count_selected_rows(selection) > 0) {
@@ -299,7 +309,7 @@ void on_SelApp_selection_changed(GtkTreeSelection* selection, gpointer ok)
     }
 }
 
-/// The row that the key moves to from row, which is -1 while none is selected; -1 for other keys.
+/// The row that a key moves the selection to; -1 for other keys. row is -1 if none is selected.
 int GetKeyTarget(guint key, int row, int count)
 {
     switch (key) {
@@ -320,7 +330,7 @@ int GetKeyTarget(guint key, int row, int count)
     }
 }
 
-/// The list never has the focus; the keys that would move in it do so wherever the focus is.
+/// Lets the keys move the selection wherever the focus is, as the list never has it.
 gboolean on_SelApp_key_press_event(GtkWidget*, GdkEventKey* event, gpointer data)
 {
     GtkTreeView* const list = GTK_TREE_VIEW(data);
@@ -340,7 +350,7 @@ gboolean on_SelApp_key_press_event(GtkWidget*, GdkEventKey* event, gpointer data
     return TRUE;
 }
 
-/// One row for each application, in the order of the bytes of their names.
+/// The names of the applications in byte order, one per row.
 GtkListStore* CreateAppStore()
 {
     std::vector<std::string> names;

@@ -1,5 +1,5 @@
 #pragma once
-// The pickers: a file, a directory or an application, chosen in a dialog of its own.
+// Dialogs that pick a file, a directory or an application.
 
 #include <gtk/gtk.h>
 
@@ -7,15 +7,20 @@
 
 enum BrowseKind { BROWSE_FILE = 0, BROWSE_DIRECTORY = 1 };
 
-/// Packs a "Browse..." button into box. What is picked goes into target: an entry for a file, a
-/// drop-down for a directory. Null without a box or a target.
+/// Packs a "Browse..." button into box. The picked path goes into target, which is an entry for a
+/// file and a drop-down for a directory. Null if box or target is null.
 GtkWidget* CreateBrowseButton(GtkWidget* box, GtkWidget* target, BrowseKind kind);
 
-/// Lets the user pick a directory for the entry of combo, starting at the one it names, or else at
-/// the one selected in the main tree. A directory that was picked is recorded in DirHistory.
-/// 0, kArgumentError, or kWidgetError; the caller then destroys *dialog unless it is null.
+/// Packs a drop-down for a path into box, with DirHistory as its items and a "Browse..." button for
+/// directories beside it. Returns the drop-down.
+GtkWidget* CreatePathCombo(GtkWidget* box, const char* accessible_name);
+
+/// Lets the user pick a directory for the entry of combo. Starts at the directory that the entry
+/// names, or else at the one selected in the main tree. Records the pick in DirHistory. Returns 0,
+/// kArgumentError or kWidgetError. After an error the caller destroys *dialog unless it is null.
 int CreateSelectDirDlg(GtkWidget** dialog, GtkWidget* combo);
 
-/// Lets the user pick one of ApplicationList; its program becomes *result, which stays as it was
-/// when none was picked or there is none. Returns as the above.
+/// Lets the user pick an application of ApplicationList and stores its program in *result. Without
+/// a pick *result is unchanged. Does nothing if the list is empty. Returns the same as
+/// CreateSelectDirDlg.
 int SelectAppDlg(GtkWidget** dialog, std::string* result);
