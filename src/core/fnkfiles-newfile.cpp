@@ -82,7 +82,7 @@ int RenameTemporary(int directory, const std::string& from, const std::string& n
 }
 
 /// Files without a name get one through a link under /proc.
-bool CanNameUnnamedFiles()
+bool CanLinkUnnamedFiles()
 {
     static const bool can = access("/proc/self/fd", X_OK) == 0;
     return can;
@@ -94,7 +94,7 @@ constexpr mode_t kWriterOnly = 0600;
 
 NewFile::NewFile(int directory) : directory_(directory)
 {
-    if (CanNameUnnamedFiles()) {
+    if (CanLinkUnnamedFiles()) {
         file_ = Descriptor(openat(directory, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kWriterOnly));
         error_ = file_ ? 0 : errno;
         // What systems say that know no such files.
@@ -121,7 +121,7 @@ int NewFile::Link(const std::string& name)
     return linkat(AT_FDCWD, unnamed.c_str(), directory_, name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
 }
 
-int NewFile::TakeName(const std::string& name)
+int NewFile::CommitAs(const std::string& name)
 {
     if (temporary_.empty()) {
         return Link(name);
@@ -134,7 +134,7 @@ int NewFile::TakeName(const std::string& name)
     return error;
 }
 
-int NewFile::TakeNameOf(const std::string& name)
+int NewFile::CommitOver(const std::string& name)
 {
     if (temporary_.empty()) {
         const int error = MakeTemporary(directory_, temporary_, [this](const char* free_name) {

@@ -21,9 +21,9 @@ public:
     int Get() const { return file_.Get(); }
 
     /// Gives the complete file its name, once. 0 or an errno; EEXIST when something has that name.
-    int TakeName(const std::string& name);
+    int CommitAs(const std::string& name);
     /// The same in place of whatever has that name; what was there goes in that instant.
-    int TakeNameOf(const std::string& name);
+    int CommitOver(const std::string& name);
 
 private:
     int Link(const std::string& name);

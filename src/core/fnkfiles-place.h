@@ -39,7 +39,7 @@ private:
 std::string WithoutSlash(std::string path);
 
 /// lstat. False, with errno, when there is nothing.
-bool GetStatus(const Place& place, struct stat* st);
+bool ReadStatus(const Place& place, struct stat* st);
 bool IsDirectory(const Place& place);
 /// Whether both records are of one object.
 bool IsSameObject(const struct stat& one, const struct stat& other);

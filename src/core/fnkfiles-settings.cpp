@@ -181,7 +181,7 @@ struct Writer {
     }
 };
 
-void TakeLayout(GTable& table, const LiveLayout& layout)
+void StoreLayout(GTable& table, const LiveLayout& layout)
 {
     if (layout.HasWindow) {
         table.WindowX = layout.WindowX;
@@ -250,7 +250,7 @@ FileResult SetGTable(const LiveLayout& layout)
     if (pGTable == nullptr) {
         return FILE_NO_ARGUMENT;
     }
-    TakeLayout(*pGTable, layout);
+    StoreLayout(*pGTable, layout);
     std::string text = FormatText(kHeader, kRights);
     for (const Setting& setting : kSettings) {
         if (!std::visit(Writer{text, setting, *pGTable}, setting.value)) {

@@ -81,7 +81,7 @@ bool IsWritableFile(const std::string& path)
 
 /// Gives a new file the owner and permissions of the old one. Keeping the owner matters to a user
 /// whose settings the super-user's session wrote; where it is refused the writer owns the file.
-bool TakeOver(int fd, const struct stat& old)
+bool CopyOwnerAndMode(int fd, const struct stat& old)
 {
     if (old.st_uid != geteuid() || old.st_gid != getegid()) {
         if (fchown(fd, old.st_uid, old.st_gid) != 0 && errno != EPERM) {
@@ -141,8 +141,8 @@ FileResult WriteFile(const std::string& path, std::string_view data)
         return FILE_NOT_OPENED;
     }
     const bool is_complete =
-        (!exists || TakeOver(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
-    if (!is_complete || file.TakeNameOf(place.Get().name) != 0) {
+        (!exists || CopyOwnerAndMode(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
+    if (!is_complete || file.CommitOver(place.Get().name) != 0) {
         return FILE_NOT_WRITTEN;
     }
     sync();

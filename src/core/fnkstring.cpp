@@ -71,7 +71,7 @@ std::string Translate(const std::array<const char*, kCount>& table, int index)
 }
 
 /// In any language. The directory belongs to everybody, so that it being there says nothing.
-bool HasCatalogue(const std::string& directory)
+bool HasAnyCatalogue(const std::string& directory)
 {
     const DirectoryStream stream(opendir(directory.c_str()));
     const dirent* entry = nullptr;
@@ -83,7 +83,7 @@ bool HasCatalogue(const std::string& directory)
     return false;
 }
 
-std::string UnlessTooLong(const std::string& tip)
+std::string EmptyIfTooLong(const std::string& tip)
 {
     return tip.size() <= kMaxTipBytes ? tip : std::string();
 }
@@ -92,12 +92,12 @@ std::string UnlessTooLong(const std::string& tip)
 
 std::string GetMenuTipsString(int index)
 {
-    return UnlessTooLong(Translate(kMenuTips, index));
+    return EmptyIfTooLong(Translate(kMenuTips, index));
 }
 
 std::string GetToolTipsString(int slot)
 {
-    return UnlessTooLong(Translate(kToolTips, slot));
+    return EmptyIfTooLong(Translate(kToolTips, slot));
 }
 
 std::string GetListColumnString(int id)
@@ -123,7 +123,7 @@ std::string FindCatalogues(const std::string& program_directory)
         // Where it was installed, be it moved since, and in the build.
         for (const std::string& beside :
              {GetParentDirectory(program_directory) + "share/locale", program_directory + "locale"}) {
-            if (HasCatalogue(beside)) {
+            if (HasAnyCatalogue(beside)) {
                 return beside;
             }
         }

@@ -214,7 +214,7 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts)
 }
 
 /// As it was when the process started; 0 while it has not been changed.
-struct rlimit open_file_limit = {};
+struct rlimit initial_file_limit = {};
 
 // From here to the start of the program everything runs between fork and exec, where another
 // thread may have left any lock taken: system calls only.
@@ -247,13 +247,13 @@ void CloseDescriptors()
 
 /// Starts the first of the files that is a program. A file that is one but for a first line that
 /// says whose script it is is not handed to the shell: it may be anything.
-[[noreturn]] void Become(char* const* files, char* const* arguments)
+[[noreturn]] void ExecFirst(char* const* files, char* const* arguments)
 {
     setsid();
     ResetSignals();
     CloseDescriptors();
-    if (open_file_limit.rlim_max != 0) {
-        setrlimit(RLIMIT_NOFILE, &open_file_limit);
+    if (initial_file_limit.rlim_max != 0) {
+        setrlimit(RLIMIT_NOFILE, &initial_file_limit);
     }
     for (; *files != nullptr; ++files) {
         execve(*files, arguments, environ);
@@ -261,11 +261,11 @@ void CloseDescriptors()
     _exit(0);
 }
 
-[[noreturn]] void StartAndEnd(char* const* files, char* const* arguments)
+[[noreturn]] void ForkAndExit(char* const* files, char* const* arguments)
 {
     const pid_t child = _Fork();
     if (child == 0) {
-        Become(files, arguments);
+        ExecFirst(files, arguments);
     }
     if (child < 0) {
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kForkFailed, sizeof kForkFailed - 1);
@@ -286,7 +286,7 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t helper = fork();
     if (helper == 0) {
-        StartAndEnd(file_pointers.data(), argument_pointers.data());
+        ForkAndExit(file_pointers.data(), argument_pointers.data());
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (helper < 0) {
@@ -346,7 +346,7 @@ void RaiseOpenFileLimit()
     constexpr rlim_t kManyFiles = 65536;
     struct rlimit limit = {};
     if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
-        open_file_limit = limit;
+        initial_file_limit = limit;
         limit.rlim_cur = std::min(limit.rlim_max, std::max(limit.rlim_cur, kManyFiles));
         setrlimit(RLIMIT_NOFILE, &limit);
     }

@@ -190,8 +190,8 @@ DisplaySize RoundSize(std::uint64_t size)
 {
     constexpr std::uint64_t kKilo = 1024;
     constexpr std::uint64_t kMega = kKilo * kKilo;
-    const bool mega = size >= kMega;
-    const std::uint64_t divisor = mega ? kMega : kKilo;
+    const bool is_mega = size >= kMega;
+    const std::uint64_t divisor = is_mega ? kMega : kKilo;
     const std::uint64_t tenths = size % divisor * 10;
     std::uint64_t whole = size / divisor;
     auto tenth = static_cast<unsigned>(tenths / divisor);
@@ -205,7 +205,7 @@ DisplaySize RoundSize(std::uint64_t size)
     if (size != 0 && whole == 0 && tenth == 0) {
         tenth = 1;  // Nothing that holds a byte is shown as empty.
     }
-    return {whole, tenth, mega};
+    return {whole, tenth, is_mega};
 }
 
 std::string ConvertSize(std::uint64_t size)
@@ -216,7 +216,7 @@ std::string ConvertSize(std::uint64_t size)
         text += '.';
         text += static_cast<char>('0' + shown.tenth);
     }
-    return text + (shown.mega ? "MByte" : "KByte");
+    return text + (shown.is_mega ? "MByte" : "KByte");
 }
 
 int CheckFileName(std::string_view name)
@@ -425,7 +425,7 @@ bool MatchPattern(const std::string& pattern, const char* name)
     return fnmatch(pattern.c_str(), name, 0) == 0;
 }
 
-bool IsPattern(const std::string& text)
+bool IsUsablePattern(const std::string& text)
 {
     return !text.empty() && text.size() <= kMaxFilterBytes;
 }

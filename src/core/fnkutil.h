@@ -89,7 +89,7 @@ int IsDirectory(const std::string& path);
 struct DisplaySize {
     std::uint64_t whole;
     unsigned tenth;  ///< 0 to 9.
-    bool mega;       ///< Whether the unit is 1024 * 1024 bytes, else 1024.
+    bool is_mega;    ///< Whether the unit is 1024 * 1024 bytes, else 1024.
 };
 DisplaySize RoundSize(std::uint64_t size);
 /// Whether an entry read from the open directory is a directory; asks the disk only where reading
@@ -112,7 +112,7 @@ PathStatus CheckFileExist(std::string* path);
 /// it does where names are shown.
 bool MatchPattern(const std::string& pattern, const char* name);
 /// Whether a typed text can be a pattern: it is not empty, and short enough to be stored.
-bool IsPattern(const std::string& text);
+bool IsUsablePattern(const std::string& text);
 
 /// Class of an entry of CurrentDir, st being its lstat record.
 FileType GetFileType(const std::string& path, const struct stat& st);

@@ -68,7 +68,7 @@ public:
     explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
     {
         const Place& target = transfer.target;
-        exists_ = !transfer.to_free_name && GetStatus(target, &st_);
+        exists_ = !transfer.to_free_name && ReadStatus(target, &st_);
         if (!exists_) {
             return;
         }
@@ -173,11 +173,11 @@ int Publish(NewFile& file, const Source& source, const std::string& name, bool r
     // Where the file system keeps no such bits the file has those of all files there.
     static_cast<void>(fchmod(file.Get(), source.st.st_mode & 07777));
     if (!replace) {
-        return file.TakeName(name);
+        return file.CommitAs(name);
     }
     // What is replaced must not be gone before the new one is safe from a failing machine.
     const int error = WriteOut(file.Get());
-    return error != 0 ? error : file.TakeNameOf(name);
+    return error != 0 ? error : file.CommitOver(name);
 }
 
 Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
@@ -310,7 +310,7 @@ bool GoesWhole(const Transfer& transfer)
 {
     struct stat st = {};
     return !S_ISDIR(transfer.st.st_mode) ||
-           (transfer.command.kind == OPERATION_MOVE && !GetStatus(transfer.target, &st));
+           (transfer.command.kind == OPERATION_MOVE && !ReadStatus(transfer.target, &st));
 }
 
 /// A directory would go into itself, and then on for ever.
@@ -334,14 +334,14 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
             return FileErrorMessage(command.kind, place.path, ENAMETOOLONG);
         }
     }
-    if (!GetStatus(source, &transfer.st)) {
+    if (!ReadStatus(source, &transfer.st)) {
         return ReportMissing(source.path);
     }
     if (GoesWhole(transfer)) {
         return TransferWhole(transfer);
     }
     struct stat there = {};
-    if (GetStatus(target, &there) && IsSameObject(there, transfer.st)) {
+    if (ReadStatus(target, &there) && IsSameObject(there, transfer.st)) {
         return ReportStep();  // A mount shows one directory in both places.
     }
     if (IsSameObject(transfer.st, command.made)) {
@@ -424,7 +424,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     }
     const PathPlace source_place(source);
     struct stat st = {};
-    if (!source_place || !GetStatus(source_place.Get(), &st)) {
+    if (!source_place || !ReadStatus(source_place.Get(), &st)) {
         return ReportMissing(source);
     }
     struct stat destination_st = {};

@@ -92,7 +92,7 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 Result RemoveTree(const Place& place, Result* answer)
 {
     struct stat st = {};
-    if (!GetStatus(place, &st)) {
+    if (!ReadStatus(place, &st)) {
         return ConcludeUnlessGone(place.path, errno, STEP_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
@@ -111,7 +111,7 @@ Result RemoveTree(const Place& place, Result* answer)
 Result RemoveFileInternal(const Place& place, StepCount counted)
 {
     struct stat st = {};
-    return GetStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
+    return ReadStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
                                  : ConcludeUnlessGone(place.path, errno, counted);
 }
 

@@ -45,7 +45,7 @@ void CreatePatternDlg(const PatternDlgTexts& texts, const std::string& pattern, 
 bool TakePattern(GtkWidget* combo, const char* complaint, std::string* pattern)
 {
     *pattern = GetEntryBytes(ComboEntry(combo));
-    if (!IsPattern(*pattern)) {
+    if (!IsUsablePattern(*pattern)) {
         EntryMessageBox(complaint, ComboEntry(combo));
         return false;
     }

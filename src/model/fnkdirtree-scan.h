@@ -8,7 +8,7 @@ struct Subdirectory {
     std::string name;
     /// A subdirectory of it, the first one met; empty when there is none. It is why the tree can
     /// draw an expander without reading the directory whole.
-    std::string early_child;
+    std::string any_child;
 };
 
 enum ScanResult {

@@ -38,7 +38,7 @@ void FoundTree::AdoptChildren(FoundEntry& parent, std::vector<FoundEntry>& child
     }
 }
 
-void FindProgress::Pass(const char* name)
+void FindProgress::ReportName(const char* name)
 {
     if (is_wanted_.load(std::memory_order_relaxed)) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -47,7 +47,7 @@ void FindProgress::Pass(const char* name)
     }
 }
 
-std::string FindProgress::PassedName()
+std::string FindProgress::CurrentName()
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     is_wanted_ = true;
@@ -70,13 +70,13 @@ private:
         std::string name;
         struct stat st;
         DirectoryStream stream;
-        std::vector<FoundEntry> kept;
+        std::vector<FoundEntry> entries;
     };
 
     bool Matches(const char* name) const { return MatchPattern(request_.Pattern, name); }
-    void Keep(const std::string& name, bool is_directory)
+    void AddEntry(const std::string& name, bool is_directory)
     {
-        levels_.back().kept.push_back(found_.NewEntry(name, is_directory));
+        levels_.back().entries.push_back(found_.NewEntry(name, is_directory));
     }
     bool Enter(const Place& place);
     void Leave();
@@ -108,10 +108,10 @@ void FindWalk::Leave()
     Level level = std::move(levels_.back());
     levels_.pop_back();
     if (levels_.empty()) {
-        found_.AdoptChildren(found_.entries_[FoundTree::kTop], level.kept);
-    } else if (!level.kept.empty() || Matches(level.name.c_str())) {
-        Keep(level.name, true);
-        found_.AdoptChildren(levels_.back().kept.back(), level.kept);
+        found_.AdoptChildren(found_.entries_[FoundTree::kTop], level.entries);
+    } else if (!level.entries.empty() || Matches(level.name.c_str())) {
+        AddEntry(level.name, true);
+        found_.AdoptChildren(levels_.back().entries.back(), level.entries);
     }
 }
 
@@ -119,7 +119,7 @@ void FindWalk::VisitDirectory(const std::string& name)
 {
     const bool is_entered = request_.SubDir && Enter({dirfd(levels_.back().stream.get()), name, name});
     if (!is_entered && Matches(name.c_str())) {
-        Keep(name, true);
+        AddEntry(name, true);
     }
 }
 
@@ -128,11 +128,11 @@ void FindWalk::Visit(const struct dirent& entry)
     if (IsDotOrDotDot(entry.d_name)) {
         return;
     }
-    progress_.Pass(entry.d_name);
+    progress_.ReportName(entry.d_name);
     if (IsDirectoryEntry(dirfd(levels_.back().stream.get()), entry)) {
         VisitDirectory(entry.d_name);
     } else if (Matches(entry.d_name)) {
-        Keep(entry.d_name, false);
+        AddEntry(entry.d_name, false);
     }
 }
 

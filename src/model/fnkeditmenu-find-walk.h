@@ -53,9 +53,9 @@ public:
     void Stop() { stop_ = true; }
     bool IsStopped() const { return stop_; }
     /// The search comes past a name. Kept only if somebody asked since the last: cheap.
-    void Pass(const char* name);
+    void ReportName(const char* name);
     /// The name passed when this was last called; empty before there is one.
-    std::string PassedName();
+    std::string CurrentName();
 
 private:
     std::atomic<bool> stop_ = false;
@@ -80,7 +80,7 @@ public:
 
     void Stop() { state_->progress.Stop(); }
     bool IsStopped() const { return state_->progress.IsStopped(); }
-    std::string PassedName() { return state_->progress.PassedName(); }
+    std::string CurrentName() { return state_->progress.CurrentName(); }
     bool IsDone() const { return state_->is_done; }
     /// Once it is done.
     FoundTree TakeResult() { return std::move(state_->result); }

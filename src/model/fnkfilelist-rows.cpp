@@ -34,7 +34,7 @@ const std::string& GroupName(std::map<std::uint32_t, std::string>& known, std::u
     return entry->second;
 }
 
-std::string Signed(std::uint32_t number)
+std::string SignedText(std::uint32_t number)
 {
     return std::to_string(static_cast<std::int32_t>(number));
 }
@@ -53,11 +53,11 @@ std::string FileRows::CellText(const FileRow& row, int column_id) const
     case COLUMN_USER:
         return UserName(users_, row.uid);
     case COLUMN_USER_ID:
-        return Signed(row.uid);
+        return SignedText(row.uid);
     case COLUMN_GROUP:
         return GroupName(groups_, row.gid);
     case COLUMN_GROUP_ID:
-        return Signed(row.gid);
+        return SignedText(row.gid);
     case COLUMN_ACCESS_TIME:
         return GetFormatTime(row.access_time, false).value_or("");
     case COLUMN_MODIFICATION_TIME:

@@ -47,7 +47,7 @@ int EffectiveSortColumn()
     return column >= 0 && column <= pGTable->ColumnCount ? column : pGTable->NameColumn;
 }
 
-bool IsSortedUpwards()
+bool IsShownAscending()
 {
     const int column = EffectiveSortColumn();
     const bool reversed_kind = column != kIconColumn && IsNumberKind(SortKind());
@@ -169,7 +169,7 @@ struct SortKey {
     std::uint32_t index;
 };
 
-std::uint64_t Ordered(std::int64_t number)
+std::uint64_t OrderedBits(std::int64_t number)
 {
     return static_cast<std::uint64_t>(number) ^ (std::uint64_t{1} << 63);
 }
@@ -193,7 +193,7 @@ std::uint64_t SizeKey(std::int64_t size)
 {
     const DisplaySize shown = RoundSize(static_cast<std::uint64_t>(size));
     const auto number = static_cast<float>(static_cast<double>(shown.whole * 10 + shown.tenth) / 10.0);
-    return (shown.mega ? std::uint64_t{1} << 32 : 0) | std::bit_cast<std::uint32_t>(number);
+    return (shown.is_mega ? std::uint64_t{1} << 32 : 0) | std::bit_cast<std::uint32_t>(number);
 }
 
 /// Gives texts that few rows differ in (permissions, owners) the number of their place among each
@@ -304,11 +304,11 @@ bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     case COLUMN_SIZE:
         return fill([](const FileRow& row) { return SizeKey(row.size); });
     case COLUMN_USER_ID:
-        return fill([](const FileRow& row) { return ~Ordered(static_cast<std::int32_t>(row.uid)); });
+        return fill([](const FileRow& row) { return ~OrderedBits(static_cast<std::int32_t>(row.uid)); });
     case COLUMN_GROUP_ID:
-        return fill([](const FileRow& row) { return ~Ordered(static_cast<std::int32_t>(row.gid)); });
+        return fill([](const FileRow& row) { return ~OrderedBits(static_cast<std::int32_t>(row.gid)); });
     case COLUMN_INODE:
-        return fill([](const FileRow& row) { return ~Ordered(row.inode); });
+        return fill([](const FileRow& row) { return ~OrderedBits(row.inode); });
     case COLUMN_ACCESS_TIME:
     case COLUMN_MODIFICATION_TIME:
     case COLUMN_CHANGE_TIME:

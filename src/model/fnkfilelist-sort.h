@@ -25,4 +25,4 @@ std::vector<std::uint32_t> SortFileRows(FileRows& rows);
 /// SortColumn, or NameColumn when it stands for no column of the list.
 int EffectiveSortColumn();
 /// Whether the values of the sorted column grow downwards as displayed.
-bool IsSortedUpwards();
+bool IsShownAscending();

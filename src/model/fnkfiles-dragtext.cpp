@@ -13,12 +13,12 @@ constexpr std::string_view kMarker = "file:";
 constexpr std::string_view kUriStart = "file://";
 
 /// All or nothing: half of what somebody dropped is not what they meant.
-std::vector<std::string> OnlyWorkable(std::vector<std::string> paths)
+std::vector<std::string> KeepIfAllUsable(std::vector<std::string> paths)
 {
-    const bool workable = std::all_of(paths.begin(), paths.end(), [](const std::string& path) {
+    const bool all_usable = std::all_of(paths.begin(), paths.end(), [](const std::string& path) {
         return path.starts_with('/') && path.size() <= kMaxPathBytes && path.find('\0') == std::string::npos;
     });
-    return workable ? paths : std::vector<std::string>();
+    return all_usable ? paths : std::vector<std::string>();
 }
 
 /// Some programs send the zero byte that ends their strings along.
@@ -27,7 +27,7 @@ std::string_view WithoutTerminator(std::string_view text)
     return text.ends_with('\0') ? text.substr(0, text.size() - 1) : text;
 }
 
-bool IsThisMachine(const char* host)
+bool IsLocalHost(const char* host)
 {
     return host == nullptr || *host == '\0' || g_ascii_strcasecmp(host, "localhost") == 0 ||
            g_ascii_strcasecmp(host, g_get_host_name()) == 0;
@@ -39,7 +39,7 @@ std::string PathOfUri(const std::string& uri)
     char* host = nullptr;
     const GlibPointer<char> path(g_filename_from_uri(uri.c_str(), &host, nullptr));
     const GlibPointer<char> host_owner(host);
-    if (path == nullptr || !IsThisMachine(host)) {
+    if (path == nullptr || !IsLocalHost(host)) {
         return {};
     }
     return IsDirectory(path.get()) ? WithSlash(path.get()) : path.get();
@@ -76,7 +76,7 @@ std::vector<std::string> SplitDragText(std::string_view text)
         paths.emplace_back(text.substr(begin, end - begin));
         begin = is_last ? marker : marker + kMarker.size();
     }
-    return OnlyWorkable(std::move(paths));
+    return KeepIfAllUsable(std::move(paths));
 }
 
 std::string MakeUriList(const std::vector<std::string>& paths)
@@ -104,5 +104,5 @@ std::vector<std::string> SplitUriList(std::string_view list)
             paths.push_back(PathOfUri(line));
         }
     }
-    return OnlyWorkable(std::move(paths));
+    return KeepIfAllUsable(std::move(paths));
 }
