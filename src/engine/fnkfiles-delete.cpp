@@ -112,7 +112,7 @@ Result RemoveFileInternal(const Place& place, StepCount counted)
 {
     struct stat st = {};
     return ReadStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
-                                 : ConcludeUnlessGone(place.path, errno, counted);
+                                  : ConcludeUnlessGone(place.path, errno, counted);
 }
 
 Result RemoveFileInternal(const std::string& path, StepCount counted)
