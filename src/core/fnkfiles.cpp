@@ -1,7 +1,6 @@
 #include "core/fnkfiles.h"
 
 #include <fcntl.h>
-#include <limits.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,13 +61,9 @@ bool WriteAll(int fd, std::string_view data)
 std::string FollowLinks(std::string path)
 {
     for (int links = 0; links <= kMaxLinks; ++links) {
-        char target[PATH_MAX];
-        const ssize_t length = readlink(path.c_str(), target, sizeof target);
-        if (length < 0) {
+        if (!FollowLink(path)) {
             return path;
         }
-        const std::string link(target, static_cast<std::size_t>(length));
-        path = link.starts_with('/') ? link : path.substr(0, path.rfind('/') + 1) + link;
     }
     return {};
 }

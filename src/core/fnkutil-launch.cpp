@@ -74,10 +74,10 @@ Location LocateInRoot(std::string& path)
     if (real.empty() || root.empty()) {
         return CheckChildDirectory(path) == 0 ? LOCATION_MISSING : LOCATION_OUTSIDE;
     }
-    if (!WithSlash(real).starts_with(root)) {
+    if (!SpellFromRoot(real, root)) {
         return LOCATION_OUTSIDE;
     }
-    path = pGTable->RootDir + (real.size() > root.size() ? real.substr(root.size()) : "");
+    path = real;
     return LOCATION_INSIDE;
 }
 
@@ -125,12 +125,9 @@ Launch DecideLaunch(const std::string& path)
         if (!S_ISLNK(st.st_mode)) {
             return Classify(place, st);
         }
-        std::string target;
-        if (!ReadLink(place, target)) {
+        if (!FollowLink(place)) {
             break;
         }
-        // What is relative counts from where the link is; only the first is in CurrentDir.
-        place = target.starts_with('/') ? target : place.substr(0, place.rfind('/') + 1) + target;
     }
     return {};
 }

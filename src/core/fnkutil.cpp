@@ -155,6 +155,18 @@ bool ReadLink(const std::string& path, std::string& target)
     return true;
 }
 
+bool FollowLink(std::string& path)
+{
+    char buffer[PATH_MAX];
+    const ssize_t length = readlink(path.c_str(), buffer, sizeof buffer);
+    if (length < 0) {
+        return false;
+    }
+    const std::string target(buffer, static_cast<std::size_t>(length));
+    path = target.starts_with('/') ? target : path.substr(0, path.rfind('/') + 1) + target;
+    return true;
+}
+
 bool IsRootDirectory(const std::string& path)
 {
     return WithSlash(path) == pGTable->RootDir;
@@ -164,6 +176,15 @@ std::string GetRealDirectory(const std::string& path)
 {
     char real[PATH_MAX];
     return realpath(path.c_str(), real) != nullptr ? WithSlash(real) : std::string();
+}
+
+bool SpellFromRoot(std::string& path, const std::string& real_root)
+{
+    if (real_root.empty() || !WithSlash(path).starts_with(real_root)) {
+        return false;
+    }
+    path = pGTable->RootDir + (path.size() > real_root.size() ? path.substr(real_root.size()) : "");
+    return true;
 }
 
 int IsDirectory(const std::string& path)
@@ -311,17 +332,6 @@ bool HasDoubleSlash(const std::string& path)
     return slash != nullptr;
 }
 
-/// A canonical path as the tree spells it: a home that is reached through a link has two names, and
-/// all that is inside is told from the one by which the root was named.
-std::string SpellFromRoot(const std::string& path)
-{
-    const std::string root = GetRealDirectory(pGTable->RootDir);
-    if (root.empty() || root == pGTable->RootDir || !WithSlash(path).starts_with(root)) {
-        return path;
-    }
-    return pGTable->RootDir + (path.size() > root.size() ? path.substr(root.size()) : "");
-}
-
 PathStatus JudgeResolvedPath(const std::string& path)
 {
     if (CheckChildDirectory(path) != 0) {
@@ -366,7 +376,10 @@ PathStatus CheckFileExist(std::string* path)
     if (resolved.error == ENOENT && GetLastPath(*path) != GetLastPath(resolved.path)) {
         return PATH_INVALID;
     }
-    *path = SpellFromRoot(resolved.path);
+    *path = resolved.path;
+    if (const std::string root = GetRealDirectory(pGTable->RootDir); root != pGTable->RootDir) {
+        SpellFromRoot(*path, root);
+    }
     return JudgeResolvedPath(*path);
 }
 
@@ -495,19 +508,8 @@ FileType GetFileType(const std::string& path, const struct stat& st)
     if (strcasecmp(name.c_str(), "core") == 0) {
         return FT_CORE;
     }
-    if (!S_ISLNK(st.st_mode)) {
-        return GetFileTypeAt(AT_FDCWD, path.c_str(), st, GetUserIds());
-    }
-    std::string target;
-    if (!ReadLink(path, target) || target.empty()) {
-        return FT_STALLED_LINK;
-    }
-    if (target.front() != '/') {
-        target.insert(0, pGTable->CurrentDir);
-    }
-    struct stat target_st = {};
-    const bool leads_somewhere = target.size() <= kMaxPathBytes && lstat(target.c_str(), &target_st) == 0;
-    return leads_somewhere ? FT_SYMLINK : FT_STALLED_LINK;
+    const Descriptor directory(open(pGTable->CurrentDir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return GetFileTypeAt(directory.Get(), path.c_str(), st, GetUserIds());
 }
 
 void AddHistoryListS(History& list, const std::string& text)

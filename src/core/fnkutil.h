@@ -79,10 +79,16 @@ int CheckChildDirectory(const std::string& path);
 /// Reads where a symbolic link points; false, with errno set, when it cannot be read or points to
 /// more than kMaxPathBytes.
 bool ReadLink(const std::string& path, std::string& target);
+/// Replaces the path of a symbolic link by its target. A relative target counts from the directory
+/// of the link. False, with errno, if path is no link or cannot be read.
+bool FollowLink(std::string& path);
 /// Whether path is RootDir, with or without its "/".
 bool IsRootDirectory(const std::string& path);
 /// The path of a directory without links and "..", ending in "/"; empty when it cannot be reached.
 std::string GetRealDirectory(const std::string& path);
+/// Makes a canonical path inside real_root, the canonical form of RootDir, begin with RootDir. The
+/// two differ if the root was given by a path through a link. False if path is outside.
+bool SpellFromRoot(std::string& path, const std::string& real_root);
 /// 1 when path is a directory; a symbolic link to one is not, unless a "/" follows its name.
 int IsDirectory(const std::string& path);
 /// A byte count in the unit it is shown in, rounded to a tenth.
