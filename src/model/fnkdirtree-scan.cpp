@@ -11,7 +11,6 @@
 
 namespace {
 
-/// max_name_bytes is how many bytes a name may have.
 bool IsShownDirectory(int directory, const struct dirent& entry, std::size_t max_name_bytes)
 {
     const char* const name = entry.d_name;
@@ -21,6 +20,7 @@ bool IsShownDirectory(int directory, const struct dirent& entry, std::size_t max
     return IsDirectoryEntry(directory, entry) && std::strlen(name) <= max_name_bytes;
 }
 
+/// The longest name with which a path below one of path_length bytes still fits, with its "/".
 std::size_t MaxNameBytesBelow(std::size_t path_length)
 {
     return path_length < kMaxPathBytes ? kMaxPathBytes - path_length - 1 : 0;

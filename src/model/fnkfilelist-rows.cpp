@@ -98,8 +98,8 @@ void FileRows::Clear()
 
 void FileRows::Permute(const std::vector<std::uint32_t>& order)
 {
-    // In place, cycle after cycle: a second block for a million rows takes longer to get than all
-    // of the moving.
+    // In place, cycle by cycle: allocating a second block for a million rows would take longer than
+    // moving them.
     std::vector<bool> placed(order.size());
     for (std::size_t start = 0; start < order.size(); ++start) {
         if (placed[start]) {
@@ -220,7 +220,7 @@ std::string SetPermission(mode_t mode)
 
 std::optional<std::string> GetFormatTime(std::int64_t time, bool seconds)
 {
-    // Never translated: the sort reads them back.
+    // Not translated, because CompareTime parses them.
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::time_t stamp = time;

@@ -67,7 +67,8 @@ private:
 /// cannot be read has only "..". False, with rows unchanged, if path is not a directory.
 bool ReadFileRows(const std::string& path, FileRows& rows);
 
-/// 1 if the name filter is off or matches, else 0. Directories are not filtered.
+/// 1 if the name filter is off or lets a file of this name pass, else 0. The filter is not meant for
+/// directories.
 int CheckFilter(const char* name);
 /// Type and permissions in 10 characters, such as "drwxr-xr-x".
 std::string SetPermission(mode_t mode);
