@@ -77,7 +77,7 @@ int RenameIfFree(const Place& from, const Place& to)
     if (errno != EINVAL && errno != ENOSYS) {
         return errno;
     }
-    // A file system that cannot promise it: the moment between look and rename has to do.
+    // The file system lacks RENAME_NOREPLACE. Accept the race between the check and the rename.
     struct stat st = {};
     if (ReadStatus(to, &st)) {
         return EEXIST;

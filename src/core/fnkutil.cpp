@@ -26,7 +26,7 @@ bool IsUtf8Locale()
     return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
 }
 
-/// Bytes of the well-formed UTF-8 sequence at position, 0 when there is none.
+/// Length in bytes of the UTF-8 sequence at position, 0 if it is invalid.
 std::ptrdiff_t SequenceLength(const char* position, const char* end)
 {
     const gunichar character = g_utf8_get_char_validated(position, end - position);
@@ -65,8 +65,8 @@ const char* CharStepper::Next(const char* position)
 
 bool CharStepper::IsWellFormedFrom(const char* position)
 {
-    // Where validation stopped, no earlier position can start a well-formed rest: on a sequence
-    // boundary it would run into the same bad byte, off one it starts with a bad byte itself.
+    // Validation that fails at valid_end would fail from any position up to there: it either reaches
+    // the same bad byte or starts inside a sequence.
     if (well_formed_ == nullptr && position > ill_formed_) {
         const char* valid_end = nullptr;
         if (g_utf8_validate(position, end_ - position, &valid_end)) {
@@ -224,7 +224,7 @@ DisplaySize RoundSize(std::uint64_t size)
         ++whole;
     }
     if (size != 0 && whole == 0 && tenth == 0) {
-        tenth = 1;  // Nothing that holds a byte is shown as empty.
+        tenth = 1;  // Only an empty file is shown as 0.
     }
     return {whole, tenth, is_mega};
 }
@@ -259,11 +259,11 @@ int CheckFileName(std::string_view name)
 namespace {
 
 struct Resolution {
-    std::string path;  ///< Canonical; on failure up to and with the component that failed.
+    std::string path;  ///< Canonical; on failure it ends with the component that failed.
     int error = 0;     ///< errno of the failed lookup.
 };
 
-/// The next component of rest, taken off it together with the "/" around it.
+/// Removes and returns the first component of rest. Empty if there is none.
 std::string TakeComponent(std::string& rest)
 {
     const std::size_t begin = rest.find_first_not_of('/');
@@ -278,8 +278,8 @@ std::string TakeComponent(std::string& rest)
     return component;
 }
 
-/// Like realpath, but what could be resolved is kept when a lookup fails: the one missing
-/// component of a path that is about to be created must survive.
+/// Like realpath, but also returns the part resolved before a failed lookup. The last component of
+/// a path that is about to be created does not exist yet.
 Resolution ResolvePath(const std::string& absolute)
 {
     Resolution result{"/", 0};
@@ -385,8 +385,7 @@ PathStatus CheckFileExist(std::string* path)
 
 namespace {
 
-/// UTF-8 of the text in which each byte that is part of no character is one of the characters at
-/// the very end of the code, which are nobody's.
+/// Replaces each invalid byte by a private-use character at the end of Unicode.
 std::string WithBytesAsCharacters(const std::string& text)
 {
     constexpr gunichar kByteCharacters = 0x10FF00;
@@ -412,7 +411,7 @@ bool IsAscii(std::string_view text)
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// The comparison with every byte a character.
+/// Matches in the C locale, where every byte is a character.
 bool MatchBytes(const std::string& pattern, const char* name)
 {
     static const locale_t kBytes = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -426,12 +425,12 @@ bool MatchBytes(const std::string& pattern, const char* name)
 
 bool MatchPattern(const std::string& pattern, const char* name)
 {
-    // As most names are; comparing them as letters takes several times as long.
+    // The common case. Matching in a UTF-8 locale is several times slower.
     if (IsAscii(name) && IsAscii(pattern)) {
         return MatchBytes(pattern, name);
     }
-    // The system's own comparison takes a text with one broken byte for bytes throughout, or for no
-    // text at all: "?" would then match a part of a letter, or nothing match anything.
+    // For a text with an invalid byte, fnmatch either treats all of it as bytes, so that "?" matches
+    // part of a character, or matches nothing.
     if (IsUtf8Locale() && !(IsWellFormed(name) && IsWellFormed(pattern))) {
         return fnmatch(WithBytesAsCharacters(pattern).c_str(), WithBytesAsCharacters(name).c_str(), 0) == 0;
     }
@@ -456,8 +455,8 @@ bool MayExecute(const struct stat& st, const UserIds& user)
     return (st.st_mode & S_IXOTH) != 0;
 }
 
-/// directory is where a relative target counts from, base_length the length of its path: a target
-/// that would make a path too long to work with leads nowhere.
+/// A relative target counts from directory, whose path is base_length bytes long. A target whose
+/// full path would exceed kMaxPathBytes counts as missing.
 FileType GetLinkType(int directory, const char* name, std::size_t base_length)
 {
     char target[kMaxPathBytes + 2] = {};
