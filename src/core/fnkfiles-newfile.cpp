@@ -21,13 +21,13 @@ struct NamedTemporary {
 /// program while the engine has a temporary, and quitting writes the settings file.
 std::vector<NamedTemporary> temporaries;
 
-/// For the newest one, once it is renamed.
+/// Drops the newest entry once its file is renamed.
 void ForgetTemporary()
 {
     temporaries.pop_back();
 }
 
-/// For the newest one.
+/// Deletes the newest file.
 void RemoveTemporary()
 {
     unlinkat(temporaries.back().directory, temporaries.back().name.c_str(), 0);

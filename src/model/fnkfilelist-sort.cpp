@@ -261,7 +261,7 @@ std::uint64_t MinuteKey(const struct tm& local)
     return (days * 24 + static_cast<std::uint64_t>(local.tm_hour)) * 60 + static_cast<std::uint64_t>(local.tm_min);
 }
 
-/// False if a year has not four digits. The fields of its text are then shifted, and only comparing
+/// False if a year does not have four digits. That shifts the fields of the text, so only comparing
 /// the texts gives the defined order.
 bool MakeTimeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
 {
