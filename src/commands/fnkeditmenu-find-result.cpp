@@ -54,7 +54,7 @@ gboolean on_Search_timeout(gpointer data)
 {
     auto* const info = static_cast<FindResultInfo*>(data);
     if (!info->Search->IsDone()) {
-        const std::string name = DisplayText(info->Search->PassedName());
+        const std::string name = DisplayText(info->Search->CurrentName());
         gtk_label_set_text(GTK_LABEL(info->Label), FormatText(_("Find...%s"), name.c_str()).c_str());
         return G_SOURCE_CONTINUE;
     }

@@ -71,7 +71,7 @@ bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
     start = WithSlash(start);
     SetEntryBytes(start_entry, start);
     const std::string pattern = GetEntryBytes(name_entry);
-    if (!IsPattern(pattern)) {
+    if (!IsUsablePattern(pattern)) {
         EntryMessageBox(_("Invalid find string."), name_entry);
         return false;
     }

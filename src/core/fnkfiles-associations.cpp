@@ -12,7 +12,7 @@ constexpr const char* kFileName = ".extension";
 constexpr std::size_t kMaxLineBytes = 2047;
 constexpr std::size_t kMaxKeyBytes = 255;
 
-/// A cut line would start a program that nobody named; it is left out.
+/// Skips a line that is too long. Cut off, it could name a different program.
 void AppendEntry(const std::string& line, std::vector<AppInfo>& list)
 {
     const char* const separator = line.size() <= kMaxLineBytes ? CharNext(line.c_str(), '=') : nullptr;
@@ -25,7 +25,6 @@ void AppendEntry(const std::string& line, std::vector<AppInfo>& list)
     }
 }
 
-/// Takes lines off the text one by one.
 class LineReader {
 public:
     explicit LineReader(const char* text) : position_(text), end_(text + std::strlen(text)), stepper_(position_, end_)

@@ -1,16 +1,15 @@
 #pragma once
-// The user's associations, "$HOME/.extension": which program opens a file, and which programs
-// there are to choose from. The file is only ever read.
+// The user's associations, "$HOME/.extension": which program opens a file, and which programs the
+// user can choose from. The file is never written.
 
 #include <vector>
 
 #include "core/fnktable.h"
 
-/// Appends the entries of a section, "[Extension]" or "[Application]", in the order of the file:
-/// lines "key=value" behind the first line that holds the section's name, up to an empty line, one
-/// that begins with "[", or the end. Nothing is trimmed. A line of more than 2047 bytes, or one
-/// with a key of more than 255, is left out. -1 when an argument is missing, else 0, also when
-/// there is no file or no section.
+/// Appends the "key=value" lines of a section, "[Extension]" or "[Application]", in file order.
+/// The section begins after the first line that contains its name, and ends at an empty line, at a
+/// line that begins with "[", or at the end. Blanks are kept. Lines of more than 2047 bytes and
+/// keys of more than 255 are skipped. -1 if an argument is null, else 0, even without a file.
 int ReadAppInfo(const char* section, std::vector<AppInfo>* list);
 
 void FreeAppInfo(std::vector<AppInfo>& list);

@@ -17,25 +17,25 @@ struct NamedTemporary {
     int directory = -1;
     std::string name;
 };
-/// The temporaries that now have a name, the newest last. The engine makes one at a time, but a
-/// signal that ends it there has the settings written.
+/// The temporary files that exist now, the newest last. A stack, because a signal may quit the
+/// program while the engine has a temporary, and quitting writes the settings file.
 std::vector<NamedTemporary> temporaries;
 
-/// The newest one has been renamed.
+/// Drops the newest entry once its file is renamed.
 void ForgetTemporary()
 {
     temporaries.pop_back();
 }
 
-/// The newest one.
+/// Deletes the newest file.
 void RemoveTemporary()
 {
     unlinkat(temporaries.back().directory, temporaries.back().name.c_str(), 0);
     ForgetTemporary();
 }
 
-/// Signals end the process from within a main loop that the engine runs: nothing is unwound then,
-/// but exit handlers run.
+/// An exit handler. A signal can end the process inside a main loop that the engine runs. The stack
+/// is not unwound then, so no destructor removes the files.
 void RemoveTemporaries()
 {
     while (!temporaries.empty()) {
@@ -49,7 +49,8 @@ void RegisterTemporary(int directory, const std::string& name)
     temporaries.push_back({directory, name});
 }
 
-/// Calls make with one name after the other until one is free. 0 or an errno.
+/// Calls make(name) with new names until one is free. make returns false and sets errno on failure.
+/// 0 or an errno.
 template <typename Make>
 int MakeTemporary(int directory, std::string& name, Make make)
 {
@@ -69,7 +70,7 @@ int MakeTemporary(int directory, std::string& name, Make make)
     return errno;
 }
 
-/// Renames the temporary to name, or removes it. 0 or an errno.
+/// Renames the newest temporary file, or removes it if that fails. 0 or an errno.
 int RenameTemporary(int directory, const std::string& from, const std::string& name)
 {
     if (renameat(directory, from.c_str(), directory, name.c_str()) != 0) {
@@ -81,8 +82,8 @@ int RenameTemporary(int directory, const std::string& from, const std::string& n
     return 0;
 }
 
-/// Files without a name get one through a link under /proc.
-bool CanNameUnnamedFiles()
+/// Linking an unnamed file to a name goes through /proc.
+bool CanLinkUnnamedFiles()
 {
     static const bool can = access("/proc/self/fd", X_OK) == 0;
     return can;
@@ -94,10 +95,10 @@ constexpr mode_t kWriterOnly = 0600;
 
 NewFile::NewFile(int directory) : directory_(directory)
 {
-    if (CanNameUnnamedFiles()) {
+    if (CanLinkUnnamedFiles()) {
         file_ = Descriptor(openat(directory, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kWriterOnly));
         error_ = file_ ? 0 : errno;
-        // What systems say that know no such files.
+        // The errors that mean that the kernel or the file system has no unnamed files.
         if (error_ != EOPNOTSUPP && error_ != EISDIR && error_ != EINVAL && error_ != ENOENT) {
             return;
         }
@@ -121,7 +122,7 @@ int NewFile::Link(const std::string& name)
     return linkat(AT_FDCWD, unnamed.c_str(), directory_, name.c_str(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
 }
 
-int NewFile::TakeName(const std::string& name)
+int NewFile::CommitAs(const std::string& name)
 {
     if (temporary_.empty()) {
         return Link(name);
@@ -134,7 +135,7 @@ int NewFile::TakeName(const std::string& name)
     return error;
 }
 
-int NewFile::TakeNameOf(const std::string& name)
+int NewFile::CommitOver(const std::string& name)
 {
     if (temporary_.empty()) {
         const int error = MakeTemporary(directory_, temporary_, [this](const char* free_name) {

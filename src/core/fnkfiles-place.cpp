@@ -31,7 +31,7 @@ PathPlace::PathPlace(const std::string& path, const std::string& directory)
 {
 }
 
-bool GetStatus(const Place& place, struct stat* st)
+bool ReadStatus(const Place& place, struct stat* st)
 {
     return fstatat(place.directory, place.name.c_str(), st, AT_SYMLINK_NOFOLLOW) == 0;
 }
@@ -39,7 +39,7 @@ bool GetStatus(const Place& place, struct stat* st)
 bool IsDirectory(const Place& place)
 {
     struct stat st = {};
-    return GetStatus(place, &st) && S_ISDIR(st.st_mode);
+    return ReadStatus(place, &st) && S_ISDIR(st.st_mode);
 }
 
 bool IsSameObject(const struct stat& one, const struct stat& other)
@@ -77,9 +77,9 @@ int RenameIfFree(const Place& from, const Place& to)
     if (errno != EINVAL && errno != ENOSYS) {
         return errno;
     }
-    // A file system that cannot promise it: the moment between look and rename has to do.
+    // The file system lacks RENAME_NOREPLACE. Accept the race between the check and the rename.
     struct stat st = {};
-    if (GetStatus(to, &st)) {
+    if (ReadStatus(to, &st)) {
         return EEXIST;
     }
     if (errno != ENOENT) {

@@ -1,6 +1,6 @@
 #pragma once
-// Objects on the disk by the directory that holds them, for walks that no exchange of a directory
-// for a link can lead astray.
+// Names objects on disk by an open directory and a name in it. Walks that do so cannot be led
+// astray by someone who replaces a directory with a link.
 
 #include <sys/stat.h>
 
@@ -9,21 +9,20 @@
 
 #include "core/fnkraii.h"
 
-/// An object by its directory and its name there; path is what messages call it. The directory is
-/// open, the caller owns all three.
+/// An object on disk. The caller owns all three fields.
 struct Place {
-    int directory;
-    const std::string& name;
-    const std::string& path;
+    int directory;            ///< Open.
+    const std::string& name;  ///< Within directory.
+    const std::string& path;  ///< For messages.
 };
 
-/// The place of an absolute path of which only the last component is not followed if it is a link.
+/// The place of an absolute path. Links among its directories are followed.
 class PathPlace {
 public:
     explicit PathPlace(const std::string& path);
-    /// The place that path names in directory, which is no link: it may have become one.
+    /// For a path whose parent is directory. Fails if directory has become a link.
     PathPlace(const std::string& path, const std::string& directory);
-    /// False when the directory cannot be entered; Error says why.
+    /// False if the parent cannot be opened; Error says why.
     explicit operator bool() const { return static_cast<bool>(parent_); }
     int Error() const { return error_; }
     Place Get() const { return {parent_.Get(), name_, path_}; }
@@ -35,24 +34,24 @@ private:
     int error_ = 0;
 };
 
-/// A path without the "/" at its end; "/" stays as it is.
+/// path without a trailing "/"; "/" stays as it is.
 std::string WithoutSlash(std::string path);
 
-/// lstat. False, with errno, when there is nothing.
-bool GetStatus(const Place& place, struct stat* st);
+/// lstat. False, with errno, on failure.
+bool ReadStatus(const Place& place, struct stat* st);
 bool IsDirectory(const Place& place);
-/// Whether both records are of one object.
+/// Whether both records describe the same object.
 bool IsSameObject(const struct stat& one, const struct stat& other);
 
-/// Opens a directory for reading without following a link. Null, with errno, when that fails.
+/// Opens a directory for reading, unless it is a link. Null, with errno, on failure.
 DirectoryStream OpenDirectory(const Place& place);
-/// Adds the names in a directory but "." and "..". Read whole before anything is changed: file
-/// systems differ in what a directory that is being read makes of its entries' removal. False,
-/// with errno, when reading failed.
+/// Appends the names in a directory except "." and "..". Read all names before you change the
+/// directory: file systems differ in what they return if entries are removed during reading.
+/// False, with errno, on failure.
 bool ListEntries(DIR* stream, std::vector<std::string>& names);
 
-/// Renames, across directories too, unless something has the new name. 0 or an errno.
+/// Renames, also across directories. 0 or an errno: EEXIST if the new name is taken.
 int RenameIfFree(const Place& from, const Place& to);
 
-/// Names an open file to calls that take no descriptor.
+/// A path to an open file, for calls that take no descriptor.
 std::string DescriptorPath(int fd);

@@ -58,14 +58,14 @@ std::string Indexed(const char* key, std::size_t index)
     return key + std::to_string(index);
 }
 
-/// Empty without "HOME": there is no home directory to keep settings in.
+/// Empty without "HOME".
 std::string GetSettingsPath()
 {
     const std::string home = GetHomeDirectory();
     return home.empty() ? home : WithSlash(home) + kFileName;
 }
 
-/// How one kind of setting is read.
+/// Reads one setting from the text into the record.
 struct Reader {
     const char* text;
     const Setting& setting;
@@ -93,7 +93,7 @@ struct Reader {
     void operator()(const HistorySetting& value) const { GetHistoryList(text, setting.section, table.*value.field); }
 };
 
-/// Every id known and there once, and one column that shows the names.
+/// Whether the columns are known and distinct, and one of them shows the name.
 bool IsUsableLayout(const GTable& table)
 {
     std::array<bool, kColumnKinds> seen = {};
@@ -114,7 +114,7 @@ void Reader::operator()(const ColumnsSetting&) const
     for (std::size_t i = 0; usable && i < static_cast<std::size_t>(table.ColumnCount); ++i) {
         const std::string position_key = Indexed("ColumnPosition", i);
         if (GetNumeric(text, setting.section, position_key.c_str(), table.ColumnPosition[i]) != FILE_DONE) {
-            // The widths that were read stay.
+            // Keep the widths read so far.
             table.ColumnCount = defaults.ColumnCount;
             table.ColumnPosition = defaults.ColumnPosition;
             break;
@@ -129,7 +129,7 @@ void Reader::operator()(const ColumnsSetting&) const
     table.NameColumn = FindNameColumn(table);
 }
 
-/// How one kind of setting is written; false when the text cannot be made.
+/// Appends one setting to the text. False if it cannot be written.
 struct Writer {
     std::string& text;
     const Setting& setting;
@@ -141,7 +141,7 @@ struct Writer {
     }
     bool operator()(const TextSetting& value) const
     {
-        // A directory whose name holds a newline has no place in a file of lines.
+        // The file cannot store a newline, which the name of a directory may contain.
         const std::string& stored = table.*value.field;
         const bool one_line = stored.find('\n') == std::string::npos;
         return SetString(text, setting.section, setting.key, one_line ? stored : GTable().*value.field);
@@ -181,7 +181,7 @@ struct Writer {
     }
 };
 
-void TakeLayout(GTable& table, const LiveLayout& layout)
+void StoreLayout(GTable& table, const LiveLayout& layout)
 {
     if (layout.HasWindow) {
         table.WindowX = layout.WindowX;
@@ -250,7 +250,7 @@ FileResult SetGTable(const LiveLayout& layout)
     if (pGTable == nullptr) {
         return FILE_NO_ARGUMENT;
     }
-    TakeLayout(*pGTable, layout);
+    StoreLayout(*pGTable, layout);
     std::string text = FormatText(kHeader, kRights);
     for (const Setting& setting : kSettings) {
         if (!std::visit(Writer{text, setting, *pGTable}, setting.value)) {

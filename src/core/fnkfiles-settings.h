@@ -1,6 +1,6 @@
 #pragma once
-// The settings file ".fennick" of the home directory: one table says what is in it, and reading,
-// writing and the defaults all walk that table.
+// The settings file "$HOME/.fennick". One table describes its content; reading, writing and
+// resetting all walk that table.
 
 #include <span>
 #include <string>
@@ -15,8 +15,8 @@ struct ConstantSetting {
 };
 struct TextSetting {
     std::string GTable::*field;
-    std::size_t size;  ///< One more than the bytes it may have.
-    bool has_default;  ///< Whether DefaultGTable resets it.
+    std::size_t size;  ///< Longer than the longest value, in bytes.
+    bool has_default;  ///< DefaultGTable resets it.
 };
 struct NumberSetting {
     int GTable::*field;
@@ -24,7 +24,7 @@ struct NumberSetting {
 struct FlagSetting {
     int GTable::*field;
 };
-/// ColumnCount, ColumnPosition and ColumnSize, which make sense only together.
+/// The keys ColumnPosition and ColumnSize of every column. They are valid only as a whole.
 struct ColumnsSetting {};
 struct ColorsSetting {};
 struct HistorySetting {
@@ -33,38 +33,38 @@ struct HistorySetting {
 
 struct Setting {
     const char* section;
-    const char* key;  ///< Null for settings of several keys.
+    const char* key;  ///< Null for a setting of several keys.
     std::variant<ConstantSetting, TextSetting, NumberSetting, FlagSetting, ColumnsSetting, ColorsSetting,
                  HistorySetting>
         value;
 };
 
-/// In file order: a key that is the beginning of another of its section stands before it.
+/// In file order. A lookup finds the first line that begins with the key, so a key must precede
+/// longer ones that begin with it ("Filter" before "FilterName").
 extern const std::span<const Setting> kSettings;
 
-/// What the file remembers of the widgets; pixels.
+/// Sizes and positions of the widgets, in pixels, for the file.
 struct LiveLayout {
     bool HasWindow = false;
     int WindowX = 0;
     int WindowY = 0;
     int WindowWidth = 0;
     int WindowHeight = 0;
-    int PandPosition = 0;         ///< 0 while there is no divider.
-    std::vector<int> ColumnSize;  ///< Of the detail columns; empty while there is no list.
+    int PandPosition = 0;         ///< 0 if there is no divider.
+    std::vector<int> ColumnSize;  ///< Of the detail columns; empty if there is no list.
 };
 
-/// Reads the live widgets; set by the main window, null while there is none.
+/// Reads the layout of the widgets. Set by the main window, else null.
 extern LiveLayout (*ReadLiveLayout)();
 
-/// Puts every stored setting back to its default, the histories and CurrentDir excepted.
-/// Nothing happens without a record.
+/// Resets all stored settings but the histories and CurrentDir. Does nothing without a record.
 void DefaultGTable();
 
-/// Puts the defaults and then the stored values into the record; where the file cannot be read, a
-/// new one is written. Without "HOME" only the defaults. -1 without a record, else 0.
+/// Sets the record to the defaults, then to the stored values. If the file cannot be read, writes
+/// a new one. Without "HOME", sets only the defaults. -1 without a record, else 0.
 int GetGTable();
 
-/// Writes the file from the record, which first takes over the layout.
+/// Stores the layout in the record and writes the record to the file.
 FileResult SetGTable(const LiveLayout& layout);
-/// The same with the layout of the live widgets, if there are any.
+/// The same with the current layout of the widgets, if there are any.
 FileResult SetGTable();

@@ -1,7 +1,6 @@
 #include "core/fnkfiles.h"
 
 #include <fcntl.h>
-#include <limits.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -20,7 +19,7 @@
 
 namespace {
 
-/// No per-user file is anywhere near this large; one that is would only exhaust the memory.
+/// Far beyond any real per-user file. The limit keeps a broken one from exhausting the memory.
 constexpr off_t kMaxFileBytes = 64 << 20;
 constexpr std::size_t kMaxValueBytes = 4095;
 constexpr std::size_t kNumberSize = 63;
@@ -58,30 +57,27 @@ bool WriteAll(int fd, std::string_view data)
     return true;
 }
 
-/// Where a chain of symbolic links ends, whether anything is there or not; empty for a loop.
+/// The end of a chain of symbolic links, which need not exist. Empty for a loop.
 std::string FollowLinks(std::string path)
 {
     for (int links = 0; links <= kMaxLinks; ++links) {
-        char target[PATH_MAX];
-        const ssize_t length = readlink(path.c_str(), target, sizeof target);
-        if (length < 0) {
+        if (!FollowLink(path)) {
             return path;
         }
-        const std::string link(target, static_cast<std::size_t>(length));
-        path = link.starts_with('/') ? link : path.substr(0, path.rfind('/') + 1) + link;
     }
     return {};
 }
 
-/// Whether the old file lets itself be written: a new file in its place must not get around that.
+/// Replacing a file needs no write permission for it, so ask for that separately.
 bool IsWritableFile(const std::string& path)
 {
     return static_cast<bool>(Descriptor(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW)));
 }
 
-/// Gives a new file the owner and permissions of the old one. Keeping the owner matters to a user
-/// whose settings the super-user's session wrote; where it is refused the writer owns the file.
-bool TakeOver(int fd, const struct stat& old)
+/// Gives a new file the owner and permissions of the old one. When root writes the settings of a
+/// user, the file must still belong to that user. If changing the owner is not permitted, the writer
+/// owns the file.
+bool CopyOwnerAndMode(int fd, const struct stat& old)
 {
     if (old.st_uid != geteuid() || old.st_gid != getegid()) {
         if (fchown(fd, old.st_uid, old.st_gid) != 0 && errno != EPERM) {
@@ -106,7 +102,7 @@ FileResult ReadFile(const std::string& path, std::string* text)
         text->clear();
         return FILE_DONE;
     }
-    // Without O_NONBLOCK a pipe of this name would wait for a writer for ever.
+    // Without O_NONBLOCK, opening a FIFO would block until it has a writer.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) {
         return FILE_NOT_OPENED;
@@ -141,8 +137,8 @@ FileResult WriteFile(const std::string& path, std::string_view data)
         return FILE_NOT_OPENED;
     }
     const bool is_complete =
-        (!exists || TakeOver(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
-    if (!is_complete || file.TakeNameOf(place.Get().name) != 0) {
+        (!exists || CopyOwnerAndMode(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
+    if (!is_complete || file.CommitOver(place.Get().name) != 0) {
         return FILE_NOT_WRITTEN;
     }
     sync();
@@ -159,8 +155,8 @@ const char* FindLineEnd(CharStepper& stepper, const char* position, const char* 
     return position;
 }
 
-/// The section line; a line that merely mentions the section, such as the path of a directory of
-/// that name, counts only where there is no better.
+/// The first line that begins with the section, else its first occurrence. Values may contain the
+/// section name, too, for example as a directory name.
 const char* FindSection(const char* text, const char* section)
 {
     const char* const first = std::strstr(text, section);
@@ -171,8 +167,8 @@ const char* FindSection(const char* text, const char* section)
     return found != nullptr ? found : first;
 }
 
-/// Calls use(line begin, line end) for the lines of a section until it returns true, and returns
-/// whether it did.
+/// Calls use(line begin, line end) for each line of a section until it returns true. Returns whether
+/// it did.
 template <typename Use>
 bool WalkSection(const char* text, const char* section, Use use)
 {
@@ -201,8 +197,8 @@ const char* SkipSeparators(const char* position)
     return position + std::strspn(position, " =\t");
 }
 
-/// Every number of a history that the line answers for, with its value: keys match as prefixes,
-/// so a line of number 12 is also one of number 1, unless an earlier line was.
+/// Records the values that a line has for history keys. A key matches any line that it is a prefix
+/// of, so a line "History12" is also the value of "History1" unless an earlier line matched that.
 void CollectHistoryLine(std::string_view line, std::map<int, std::string>& values)
 {
     constexpr std::string_view kKey = "History";
@@ -218,7 +214,7 @@ void CollectHistoryLine(std::string_view line, std::map<int, std::string>& value
         const std::size_t value = std::min(line.find_first_not_of(" =\t", i + 1), line.size());
         values.emplace(number, line.substr(value));
         if (number == 0) {
-            return;  // No number is written with a leading zero.
+            return;  // Numbers have no leading zeros.
         }
     }
 }
@@ -303,7 +299,7 @@ void GetHistoryList(const char* text, const char* section, History& list)
     if (GetNumeric(text, section, "HistoryCount", count) != FILE_DONE) {
         return;
     }
-    // One pass over the section: a count of billions must not cost a search for each number.
+    // The file may claim billions of entries, so do not search the section for each number.
     std::map<int, std::string> values;
     WalkSection(text, section, [&](const char* begin, const char* end) {
         CollectHistoryLine(std::string_view(begin, static_cast<std::size_t>(end - begin)), values);

@@ -1,5 +1,5 @@
 #pragma once
-// Owners for what the C libraries hand out.
+// Owners of resources from C libraries.
 
 #include <dirent.h>
 #include <glib.h>
@@ -11,7 +11,7 @@
 struct GFree {
     void operator()(void* memory) const { g_free(memory); }
 };
-/// Memory to be released with g_free.
+/// Memory to release with g_free.
 template <typename T>
 using GlibPointer = std::unique_ptr<T, GFree>;
 
@@ -20,7 +20,7 @@ struct CloseDirectory {
 };
 using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
 
-/// An open file descriptor, or -1.
+/// Owns a file descriptor, or none (-1).
 class Descriptor {
 public:
     Descriptor() = default;

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A status or tip line is not longer than this many bytes.
+/// Longest status or tip line.
 constexpr std::size_t kMaxTipBytes = 1023;
 
 constexpr std::array<const char*, kMenuEntryCount> kMenuTips = {
@@ -63,15 +63,16 @@ constexpr std::array<const char*, kColumnKinds> kColumnTitles = {
 template <std::size_t kCount>
 std::string Translate(const std::array<const char*, kCount>& table, int index)
 {
-    // The catalogue answers an empty message id with its own header.
+    // gettext translates the empty string to the header of the catalogue.
     if (index < 0 || index >= static_cast<int>(kCount) || *table[static_cast<std::size_t>(index)] == '\0') {
         return {};
     }
     return gettext(table[static_cast<std::size_t>(index)]);
 }
 
-/// In any language. The directory belongs to everybody, so that it being there says nothing.
-bool HasCatalogue(const std::string& directory)
+/// Whether the directory has a catalogue of this program in any language. Other programs use the
+/// same directory, so its existence proves nothing.
+bool HasAnyCatalogue(const std::string& directory)
 {
     const DirectoryStream stream(opendir(directory.c_str()));
     const dirent* entry = nullptr;
@@ -83,7 +84,7 @@ bool HasCatalogue(const std::string& directory)
     return false;
 }
 
-std::string UnlessTooLong(const std::string& tip)
+std::string EmptyIfTooLong(const std::string& tip)
 {
     return tip.size() <= kMaxTipBytes ? tip : std::string();
 }
@@ -92,12 +93,12 @@ std::string UnlessTooLong(const std::string& tip)
 
 std::string GetMenuTipsString(int index)
 {
-    return UnlessTooLong(Translate(kMenuTips, index));
+    return EmptyIfTooLong(Translate(kMenuTips, index));
 }
 
 std::string GetToolTipsString(int slot)
 {
-    return UnlessTooLong(Translate(kToolTips, slot));
+    return EmptyIfTooLong(Translate(kToolTips, slot));
 }
 
 std::string GetListColumnString(int id)
@@ -120,10 +121,10 @@ int GetListStringColumn(const char* title)
 std::string FindCatalogues(const std::string& program_directory)
 {
     if (!program_directory.empty()) {
-        // Where it was installed, be it moved since, and in the build.
+        // The installed tree, even if it was moved, and the build tree.
         for (const std::string& beside :
              {GetParentDirectory(program_directory) + "share/locale", program_directory + "locale"}) {
-            if (HasCatalogue(beside)) {
+            if (HasAnyCatalogue(beside)) {
                 return beside;
             }
         }

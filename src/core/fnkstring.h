@@ -1,5 +1,5 @@
 #pragma once
-// User-visible texts that are addressed by number, and the mark of every other one.
+// User-visible texts that are looked up by number, and the macros that mark all others.
 
 #include <libintl.h>
 
@@ -7,23 +7,23 @@
 
 /// Translates now.
 #define _(text) gettext(text)
-/// Marks a text in a table; it is translated where it is fetched.
+/// Marks a text in a table for translation when it is looked up.
 #define N_(text) text
 
 constexpr int kMenuEntryCount = 27;
 constexpr int kToolSlotCount = 9;
 
-/// The functions below translate at every call. An index outside the table gives an empty text.
+/// These functions translate on every call. Indices out of range give an empty text.
 
 /// Help text of a menu entry; empty for separators.
 std::string GetMenuTipsString(int index);
 /// Tooltip of a toolbar slot; empty for spaces.
 std::string GetToolTipsString(int slot);
-/// Title of a detail column, addressed by its ColumnId.
+/// Title of a detail column by its ColumnId.
 std::string GetListColumnString(int id);
-/// The ColumnId of which title is the translated title; 11 when there is none, 0 for null.
+/// The ColumnId with this translated title; 11 if there is none, 0 for null.
 int GetListStringColumn(const char* title);
 
-/// The directory of the message catalogues: those that belong to the program in that directory, or
-/// else where they are installed.
+/// The directory of the message catalogues: the one beside program_directory, which is also found
+/// in a build or after a move, else the installed one.
 std::string FindCatalogues(const std::string& program_directory);

@@ -1,6 +1,6 @@
 #pragma once
-// The one record of settings and shared state. Every module reads and writes its fields directly;
-// there is exactly one per process, alive from InitGlobalTable to TerminateGlobalTable.
+// The record of settings and shared state. There is one per process, from InitGlobalTable to
+// TerminateGlobalTable, and every module reads and writes its fields directly.
 
 #include <array>
 #include <cstddef>
@@ -11,17 +11,18 @@
 typedef struct _GdkPixbuf GdkPixbuf;
 typedef struct _GtkWidget GtkWidget;
 
-/// Longest path in bytes the program works with, "/" of a directory included.
+/// Longest path in bytes, including the "/" of a directory.
 constexpr std::size_t kMaxPathBytes = 2047;
 /// Longest name pattern in bytes.
 constexpr std::size_t kMaxFilterBytes = 511;
-/// Number of detail column kinds (see ColumnId).
+/// Number of ColumnIds.
 constexpr int kColumnKinds = 11;
-/// Number of row colours, one per file type; FIFOs share the colour of normal files.
+/// One per file type, except that FIFOs share the colour of normal files.
 constexpr int kColorCount = 8;
+/// Pixels.
 constexpr int kDefaultDivider = 200;
 
-/// What a detail column shows; the numbers stand in the settings file.
+/// What a detail column shows. The settings file stores these numbers.
 enum ColumnId {
     COLUMN_NAME,
     COLUMN_SIZE,
@@ -38,74 +39,73 @@ enum ColumnId {
 
 enum SortDirection { SORT_ASCENDING = 0, SORT_DESCENDING = 1 };
 
-/// 16-bit components; the settings file keeps their high bytes.
+/// 16-bit components. The settings file stores only their high bytes.
 struct Color {
     std::uint16_t red = 0;
     std::uint16_t green = 0;
     std::uint16_t blue = 0;
 };
 
-/// A line "key=value" of the associations: a file name extension or the name of an application, and
-/// the program it stands for. Bytes.
+/// A "key=value" line of the associations: an extension or the name of an application, and its
+/// program.
 struct AppInfo {
     std::string Key;
     std::string Value;
 };
 
-/// Texts of a history, newest first.
+/// Newest first.
 using History = std::vector<std::string>;
 
-/// Fields with an initialiser below "stored" carry the default of their key in the settings file.
-/// Flags are 0 or 1. Directory paths are bytes, never longer than kMaxPathBytes, ending in "/".
+/// Flags are 0 or 1. Directory paths end in "/" and have at most kMaxPathBytes bytes.
 struct GTable {
-    int JapaneseLocale = 0;  ///< Chooses the Japanese date format.
-    char** ArgV = nullptr;   ///< Command line as the toolkit left it; not owned.
-    std::string StartDir;    ///< Directory named on the command line; empty when none was valid.
+    int JapaneseLocale = 0;  ///< Flag: use the Japanese date format.
+    char** ArgV = nullptr;   ///< Command line without the toolkit's options; not owned.
+    std::string StartDir;    ///< Valid directory from the command line, or empty.
 
     GdkPixbuf* OpenDirPixmap = nullptr;   ///< Expanded folder; owned.
     GdkPixbuf* CloseDirPixmap = nullptr;  ///< Collapsed folder; owned.
 
-    std::string StatusText;              ///< What the status bar says while no tip is shown.
+    std::string StatusText;              ///< Status bar text while no tip is shown.
     std::string RootDir;                 ///< Top of the tree; the user cannot leave it.
-    int HistoryIndex = 0;                ///< Entry of LocationDirHistory now shown; 0 is the newest.
-    int HistoryWalk = 0;                 ///< Flag: Back or Forward is under way, do not record the directory.
-    int NameColumn = 1;                  ///< List column (the icon column is 0) that shows the name.
+    int HistoryIndex = 0;                ///< Shown entry of LocationDirHistory; 0 is the newest.
+    int HistoryWalk = 0;                 ///< Flag: Back or Forward is running, do not record the directory.
+    int NameColumn = 1;                  ///< List column of the name; column 0 is the icon.
     unsigned long TreeSelectSignal = 0;  ///< Handler of the tree selection; 0 while disconnected.
 
-    std::vector<AppInfo> ExtensionList;    ///< Which program opens a file; the first that fits counts.
-    std::vector<AppInfo> ApplicationList;  ///< What the user can choose from when none does.
+    std::vector<AppInfo> ExtensionList;    ///< Which program opens a file; the first match counts.
+    std::vector<AppInfo> ApplicationList;  ///< Offered to the user if ExtensionList has no match.
 
     unsigned ScrollTimer = 0;  ///< Scrolls the tree during a drag over its edge; 0 for none.
-    unsigned ExpandTimer = 0;  ///< Expands the node that a drag rests on; 0 for none.
+    unsigned ExpandTimer = 0;  ///< Expands the node under a resting drag; 0 for none.
 
-    GtkWidget* ProgressDlg = nullptr;  ///< While a file operation shows one.
+    GtkWidget* ProgressDlg = nullptr;  ///< Null unless a file operation shows it.
     GtkWidget* ProgressBar = nullptr;
-    int ProgressDone = 0;    ///< Steps reported.
-    int ProgressTotal = 0;   ///< Steps counted beforehand.
-    int ProgressCancel = 0;  ///< Flag: the dialog's Cancel was pressed.
+    int ProgressDone = 0;    ///< Steps done.
+    int ProgressTotal = 0;   ///< Steps in total.
+    int ProgressCancel = 0;  ///< Flag: the user pressed Cancel.
 
-    // Stored.
+    // Stored in the settings file; the initialisers are its defaults.
     std::string CurrentDir;  ///< Directory shown in the file list.
-    int WindowX = 50;        ///< Pixels, of the window manager's frame.
+    int WindowX = 50;        ///< Pixels. The position is that of the window manager's frame.
     int WindowY = 50;
     int WindowWidth = 600;
     int WindowHeight = 400;
     int PandPosition = kDefaultDivider;  ///< Width of the tree pane in pixels; 0 means unset.
-    int SortColumn = 1;                  ///< List column: 0 the icon, detail column i is i + 1.
+    int SortColumn = 1;                  ///< List column: 0 for the icon, i + 1 for detail column i.
     int SortType = SORT_ASCENDING;
-    int Filter = 0;  ///< Flag: FilterName chooses the files that are listed.
+    int Filter = 0;  ///< Flag: list only files that match FilterName.
     std::string FilterName = "*";
     int ShowBackup = 0;
     int ShowHidden = 0;
-    int SortCase = 0;    ///< Flag: ignore case when sorting texts.
-    int MixFileDir = 0;  ///< Flag: directories are sorted among the files.
+    int SortCase = 0;    ///< Flag: ignore case when sorting.
+    int MixFileDir = 0;  ///< Flag: sort directories among the files.
     int ConfilmDel = 1;
     int ConfilmOverwrite = 1;
     int ConfilmExec = 0;
     int ShowProgress = 1;
     int ColumnCount = 3;  ///< 1 to kColumnKinds.
     std::array<int, kColumnKinds> ColumnPosition = {COLUMN_NAME, COLUMN_SIZE, COLUMN_MODIFICATION_TIME};
-    std::array<int, kColumnKinds> ColumnSize = {150, 70, 0};        ///< Pixels; 0: natural width.
+    std::array<int, kColumnKinds> ColumnSize = {150, 70, 0};        ///< Pixels; 0 for natural width.
     std::array<Color, kColorCount> Colors = {{{0, 0, 0xff00},       // directory
                                               {0, 0xff00, 0},       // executable
                                               {0, 0, 0},            // normal
@@ -119,9 +119,9 @@ struct GTable {
     History FilterHistory;
 };
 
-/// Null before InitGlobalTable and after TerminateGlobalTable: callbacks that may run while the
-/// window is torn down look here first.
+/// Null before InitGlobalTable and after TerminateGlobalTable. Callbacks that may run while the
+/// window is destroyed must check it.
 extern GTable* pGTable;
 
-/// NameColumn as ColumnPosition says; 1 when no column shows names.
+/// The NameColumn that follows from ColumnPosition; 1 if no column shows names.
 int FindNameColumn(const GTable& table);

@@ -53,10 +53,10 @@ namespace {
 
 enum Location { LOCATION_INSIDE, LOCATION_OUTSIDE, LOCATION_MISSING };
 
-/// Replaces path by the place that it names, told from RootDir on; a link at its end is not
-/// followed. What it says cannot be compared with RootDir as it stands: "..", or a link among its
-/// directories, leads out of a root that the text begins with, and a root that is itself reached
-/// through links has more than one name.
+/// Makes path canonical, but does not follow a link at its end, and makes it begin with RootDir.
+///
+/// Comparing the text with RootDir is not enough. A path that begins with RootDir can leave it by
+/// ".." or through a link, and a RootDir that contains links has other names.
 Location LocateInRoot(std::string& path)
 {
     while (path.size() > 1 && path.back() == '/') {
@@ -74,10 +74,10 @@ Location LocateInRoot(std::string& path)
     if (real.empty() || root.empty()) {
         return CheckChildDirectory(path) == 0 ? LOCATION_MISSING : LOCATION_OUTSIDE;
     }
-    if (!WithSlash(real).starts_with(root)) {
+    if (!SpellFromRoot(real, root)) {
         return LOCATION_OUTSIDE;
     }
-    path = pGTable->RootDir + (real.size() > root.size() ? real.substr(root.size()) : "");
+    path = real;
     return LOCATION_INSIDE;
 }
 
@@ -86,7 +86,7 @@ bool MayRead(const struct stat& st)
     return (st.st_mode & (st.st_uid == getuid() ? S_IRUSR : S_IROTH)) != 0;
 }
 
-/// What is to be done with something that is no link.
+/// How to open something that is not a link.
 Launch Classify(const std::string& path, const struct stat& st)
 {
     if (S_ISDIR(st.st_mode)) {
@@ -125,12 +125,9 @@ Launch DecideLaunch(const std::string& path)
         if (!S_ISLNK(st.st_mode)) {
             return Classify(place, st);
         }
-        std::string target;
-        if (!ReadLink(place, target)) {
+        if (!FollowLink(place)) {
             break;
         }
-        // What is relative counts from where the link is; only the first is in CurrentDir.
-        place = target.starts_with('/') ? target : place.substr(0, place.rfind('/') + 1) + target;
     }
     return {};
 }
@@ -149,7 +146,7 @@ int GetStatus(const char* key, const char* text, std::string& value, std::size_t
 
 namespace {
 
-/// The first lines of the status of a process that belongs to this user; empty for any other.
+/// The beginning of a process status file; empty if the process belongs to another user.
 std::string ReadOwnStatus(const std::string& path)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -185,7 +182,7 @@ pid_t CheckWebProcess(const std::string& processes)
 
 namespace {
 
-/// The files that the name of a program may stand for.
+/// The files to try for a program name, in the order of PATH.
 std::vector<std::string> FindCandidates(const std::string& program)
 {
     if (program.empty() || program.find('/') != std::string::npos) {
@@ -213,13 +210,13 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
-/// As it was when the process started; 0 while it has not been changed.
-struct rlimit open_file_limit = {};
+/// The limit at the start of this process; all 0 until RaiseOpenFileLimit changes it.
+struct rlimit initial_file_limit = {};
 
-// From here to the start of the program everything runs between fork and exec, where another
-// thread may have left any lock taken: system calls only.
+// The procedures from here to ForkAndExit run between fork and exec. Other threads may have held
+// locks at the fork, so only async-signal-safe calls are allowed.
 
-/// What this process does with signals is none of the program's business.
+/// The program must not inherit ignored or blocked signals.
 void ResetSignals()
 {
     struct sigaction action = {};
@@ -238,22 +235,22 @@ void CloseDescriptors()
     if (close_range(kFirst, UINT_MAX, 0) == 0) {
         return;
     }
-    // A kernel that does not know the call yet.
+    // The kernel is too old for close_range.
     const long limit = sysconf(_SC_OPEN_MAX);
     for (int fd = kFirst; fd < limit; ++fd) {
         close(fd);
     }
 }
 
-/// Starts the first of the files that is a program. A file that is one but for a first line that
-/// says whose script it is is not handed to the shell: it may be anything.
-[[noreturn]] void Become(char* const* files, char* const* arguments)
+/// Executes the first of the files that the kernel accepts. Unlike execvp, does not run a file
+/// without a "#!" line in the shell: it may contain anything.
+[[noreturn]] void ExecFirst(char* const* files, char* const* arguments)
 {
     setsid();
     ResetSignals();
     CloseDescriptors();
-    if (open_file_limit.rlim_max != 0) {
-        setrlimit(RLIMIT_NOFILE, &open_file_limit);
+    if (initial_file_limit.rlim_max != 0) {
+        setrlimit(RLIMIT_NOFILE, &initial_file_limit);
     }
     for (; *files != nullptr; ++files) {
         execve(*files, arguments, environ);
@@ -261,11 +258,11 @@ void CloseDescriptors()
     _exit(0);
 }
 
-[[noreturn]] void StartAndEnd(char* const* files, char* const* arguments)
+[[noreturn]] void ForkAndExit(char* const* files, char* const* arguments)
 {
     const pid_t child = _Fork();
     if (child == 0) {
-        Become(files, arguments);
+        ExecFirst(files, arguments);
     }
     if (child < 0) {
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kForkFailed, sizeof kForkFailed - 1);
@@ -273,20 +270,20 @@ void CloseDescriptors()
     _exit(child < 0 ? 1 : 0);
 }
 
-/// Starts the program from a helper process that ends at once, so that it becomes the child of the
-/// system's first process and is waited for there.
+/// Starts the program from a helper process that ends at once. The program is then a child of init,
+/// which reaps it. Returns the id of the helper.
 pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arguments)
 {
     const std::vector<char*> file_pointers = PointersTo(files);
     const std::vector<char*> argument_pointers = PointersTo(arguments);
-    // A signal that came between fork and exec would run our handler in the wrong process.
+    // Block signals, or our handlers could run in the child before exec.
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t helper = fork();
     if (helper == 0) {
-        StartAndEnd(file_pointers.data(), argument_pointers.data());
+        ForkAndExit(file_pointers.data(), argument_pointers.data());
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (helper < 0) {
@@ -297,7 +294,7 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
     return helper;
 }
 
-/// The words of the command that starts the program.
+/// The program and its arguments; ExecProcess describes the case of the browser.
 std::vector<std::string> MakeCommand(const std::string& program, const std::string& argument, const Browser& browser)
 {
     if (argument.empty()) {
@@ -342,11 +339,12 @@ std::string GetProgramDirectory()
 
 void RaiseOpenFileLimit()
 {
-    // Two for each directory of the deepest path there can be, many times over.
+    // Ample: a path of kMaxPathBytes has about 1,000 directories, and a walk needs two descriptors for
+    // each.
     constexpr rlim_t kManyFiles = 65536;
     struct rlimit limit = {};
     if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
-        open_file_limit = limit;
+        initial_file_limit = limit;
         limit.rlim_cur = std::min(limit.rlim_max, std::max(limit.rlim_cur, kManyFiles));
         setrlimit(RLIMIT_NOFILE, &limit);
     }

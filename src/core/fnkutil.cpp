@@ -26,7 +26,7 @@ bool IsUtf8Locale()
     return std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
 }
 
-/// Bytes of the well-formed UTF-8 sequence at position, 0 when there is none.
+/// Length in bytes of the UTF-8 sequence at position, 0 if it is invalid.
 std::ptrdiff_t SequenceLength(const char* position, const char* end)
 {
     const gunichar character = g_utf8_get_char_validated(position, end - position);
@@ -65,8 +65,8 @@ const char* CharStepper::Next(const char* position)
 
 bool CharStepper::IsWellFormedFrom(const char* position)
 {
-    // Where validation stopped, no earlier position can start a well-formed rest: on a sequence
-    // boundary it would run into the same bad byte, off one it starts with a bad byte itself.
+    // Validation that fails at valid_end would fail from any position up to there: it either reaches
+    // the same bad byte or starts inside a sequence.
     if (well_formed_ == nullptr && position > ill_formed_) {
         const char* valid_end = nullptr;
         if (g_utf8_validate(position, end_ - position, &valid_end)) {
@@ -155,6 +155,18 @@ bool ReadLink(const std::string& path, std::string& target)
     return true;
 }
 
+bool FollowLink(std::string& path)
+{
+    char buffer[PATH_MAX];
+    const ssize_t length = readlink(path.c_str(), buffer, sizeof buffer);
+    if (length < 0) {
+        return false;
+    }
+    const std::string target(buffer, static_cast<std::size_t>(length));
+    path = target.starts_with('/') ? target : path.substr(0, path.rfind('/') + 1) + target;
+    return true;
+}
+
 bool IsRootDirectory(const std::string& path)
 {
     return WithSlash(path) == pGTable->RootDir;
@@ -164,6 +176,15 @@ std::string GetRealDirectory(const std::string& path)
 {
     char real[PATH_MAX];
     return realpath(path.c_str(), real) != nullptr ? WithSlash(real) : std::string();
+}
+
+bool SpellFromRoot(std::string& path, const std::string& real_root)
+{
+    if (real_root.empty() || !WithSlash(path).starts_with(real_root)) {
+        return false;
+    }
+    path = pGTable->RootDir + (path.size() > real_root.size() ? path.substr(real_root.size()) : "");
+    return true;
 }
 
 int IsDirectory(const std::string& path)
@@ -190,8 +211,8 @@ DisplaySize RoundSize(std::uint64_t size)
 {
     constexpr std::uint64_t kKilo = 1024;
     constexpr std::uint64_t kMega = kKilo * kKilo;
-    const bool mega = size >= kMega;
-    const std::uint64_t divisor = mega ? kMega : kKilo;
+    const bool is_mega = size >= kMega;
+    const std::uint64_t divisor = is_mega ? kMega : kKilo;
     const std::uint64_t tenths = size % divisor * 10;
     std::uint64_t whole = size / divisor;
     auto tenth = static_cast<unsigned>(tenths / divisor);
@@ -203,9 +224,9 @@ DisplaySize RoundSize(std::uint64_t size)
         ++whole;
     }
     if (size != 0 && whole == 0 && tenth == 0) {
-        tenth = 1;  // Nothing that holds a byte is shown as empty.
+        tenth = 1;  // Only an empty file is shown as 0.
     }
-    return {whole, tenth, mega};
+    return {whole, tenth, is_mega};
 }
 
 std::string ConvertSize(std::uint64_t size)
@@ -216,7 +237,7 @@ std::string ConvertSize(std::uint64_t size)
         text += '.';
         text += static_cast<char>('0' + shown.tenth);
     }
-    return text + (shown.mega ? "MByte" : "KByte");
+    return text + (shown.is_mega ? "MByte" : "KByte");
 }
 
 int CheckFileName(std::string_view name)
@@ -238,11 +259,11 @@ int CheckFileName(std::string_view name)
 namespace {
 
 struct Resolution {
-    std::string path;  ///< Canonical; on failure up to and with the component that failed.
+    std::string path;  ///< Canonical; on failure it ends with the component that failed.
     int error = 0;     ///< errno of the failed lookup.
 };
 
-/// The next component of rest, taken off it together with the "/" around it.
+/// Removes and returns the first component of rest. Empty if there is none.
 std::string TakeComponent(std::string& rest)
 {
     const std::size_t begin = rest.find_first_not_of('/');
@@ -257,8 +278,8 @@ std::string TakeComponent(std::string& rest)
     return component;
 }
 
-/// Like realpath, but what could be resolved is kept when a lookup fails: the one missing
-/// component of a path that is about to be created must survive.
+/// Like realpath, but also returns the part resolved before a failed lookup. The last component of
+/// a path that is about to be created does not exist yet.
 Resolution ResolvePath(const std::string& absolute)
 {
     Resolution result{"/", 0};
@@ -311,17 +332,6 @@ bool HasDoubleSlash(const std::string& path)
     return slash != nullptr;
 }
 
-/// A canonical path as the tree spells it: a home that is reached through a link has two names, and
-/// all that is inside is told from the one by which the root was named.
-std::string SpellFromRoot(const std::string& path)
-{
-    const std::string root = GetRealDirectory(pGTable->RootDir);
-    if (root.empty() || root == pGTable->RootDir || !WithSlash(path).starts_with(root)) {
-        return path;
-    }
-    return pGTable->RootDir + (path.size() > root.size() ? path.substr(root.size()) : "");
-}
-
 PathStatus JudgeResolvedPath(const std::string& path)
 {
     if (CheckChildDirectory(path) != 0) {
@@ -366,14 +376,16 @@ PathStatus CheckFileExist(std::string* path)
     if (resolved.error == ENOENT && GetLastPath(*path) != GetLastPath(resolved.path)) {
         return PATH_INVALID;
     }
-    *path = SpellFromRoot(resolved.path);
+    *path = resolved.path;
+    if (const std::string root = GetRealDirectory(pGTable->RootDir); root != pGTable->RootDir) {
+        SpellFromRoot(*path, root);
+    }
     return JudgeResolvedPath(*path);
 }
 
 namespace {
 
-/// UTF-8 of the text in which each byte that is part of no character is one of the characters at
-/// the very end of the code, which are nobody's.
+/// Replaces each invalid byte by a private-use character at the end of Unicode.
 std::string WithBytesAsCharacters(const std::string& text)
 {
     constexpr gunichar kByteCharacters = 0x10FF00;
@@ -399,7 +411,7 @@ bool IsAscii(std::string_view text)
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// The comparison with every byte a character.
+/// Matches in the C locale, where every byte is a character.
 bool MatchBytes(const std::string& pattern, const char* name)
 {
     static const locale_t kBytes = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -413,19 +425,19 @@ bool MatchBytes(const std::string& pattern, const char* name)
 
 bool MatchPattern(const std::string& pattern, const char* name)
 {
-    // As most names are; comparing them as letters takes several times as long.
+    // The common case. Matching in a UTF-8 locale is several times slower.
     if (IsAscii(name) && IsAscii(pattern)) {
         return MatchBytes(pattern, name);
     }
-    // The system's own comparison takes a text with one broken byte for bytes throughout, or for no
-    // text at all: "?" would then match a part of a letter, or nothing match anything.
+    // For a text with an invalid byte, fnmatch either treats all of it as bytes, so that "?" matches
+    // part of a character, or matches nothing.
     if (IsUtf8Locale() && !(IsWellFormed(name) && IsWellFormed(pattern))) {
         return fnmatch(WithBytesAsCharacters(pattern).c_str(), WithBytesAsCharacters(name).c_str(), 0) == 0;
     }
     return fnmatch(pattern.c_str(), name, 0) == 0;
 }
 
-bool IsPattern(const std::string& text)
+bool IsUsablePattern(const std::string& text)
 {
     return !text.empty() && text.size() <= kMaxFilterBytes;
 }
@@ -443,8 +455,8 @@ bool MayExecute(const struct stat& st, const UserIds& user)
     return (st.st_mode & S_IXOTH) != 0;
 }
 
-/// directory is where a relative target counts from, base_length the length of its path: a target
-/// that would make a path too long to work with leads nowhere.
+/// A relative target counts from directory, whose path is base_length bytes long. A target whose
+/// full path would exceed kMaxPathBytes counts as missing.
 FileType GetLinkType(int directory, const char* name, std::size_t base_length)
 {
     char target[kMaxPathBytes + 2] = {};
@@ -495,19 +507,8 @@ FileType GetFileType(const std::string& path, const struct stat& st)
     if (strcasecmp(name.c_str(), "core") == 0) {
         return FT_CORE;
     }
-    if (!S_ISLNK(st.st_mode)) {
-        return GetFileTypeAt(AT_FDCWD, path.c_str(), st, GetUserIds());
-    }
-    std::string target;
-    if (!ReadLink(path, target) || target.empty()) {
-        return FT_STALLED_LINK;
-    }
-    if (target.front() != '/') {
-        target.insert(0, pGTable->CurrentDir);
-    }
-    struct stat target_st = {};
-    const bool leads_somewhere = target.size() <= kMaxPathBytes && lstat(target.c_str(), &target_st) == 0;
-    return leads_somewhere ? FT_SYMLINK : FT_STALLED_LINK;
+    const Descriptor directory(open(pGTable->CurrentDir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return GetFileTypeAt(directory.Get(), path.c_str(), st, GetUserIds());
 }
 
 void AddHistoryListS(History& list, const std::string& text)

@@ -1,6 +1,6 @@
 #pragma once
 // Paths, names, file types and histories: small functions without state of their own.
-// Paths are byte strings; what is shown of them goes through DisplayText.
+// Paths are byte strings. Convert them with DisplayText before showing them.
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -23,117 +23,122 @@ enum FileType : std::uint8_t {
     FT_FIFO,
 };
 
-/// As many links as the kernel follows before it gives up with ELOOP.
+/// The kernel, too, follows this many links before it fails with ELOOP.
 constexpr int kMaxLinks = 40;
 
 /// Verdict on a path that the user typed.
 enum PathStatus {
     PATH_EMPTY,
-    PATH_TOO_LONG,      ///< Longer than kMaxPathBytes, as typed or made absolute.
+    PATH_TOO_LONG,      ///< Longer than kMaxPathBytes, as typed or once absolute.
     PATH_OUTSIDE_ROOT,  ///< Resolves to a place outside RootDir.
-    PATH_INVALID,       ///< Holds "//", or a directory on the way is missing.
-    PATH_NO_PARENT,     ///< Its parent is not a directory.
+    PATH_INVALID,       ///< Contains "//", or a directory on the way is missing.
+    PATH_NO_PARENT,     ///< The parent is not a directory.
     PATH_NEW,           ///< Does not exist, but its parent directory does.
     PATH_DIRECTORY,
-    PATH_FILE,  ///< Something other than a directory.
-    PATH_NULL,  ///< No text at all.
+    PATH_FILE,  ///< Anything but a directory.
+    PATH_NULL,  ///< A null pointer.
 };
 
-/// Steps through text of which the encoding is not known for sure.
+/// Steps through text whose encoding is not known for sure.
 ///
-/// Text that is well-formed UTF-8 from the position to the end is stepped by its sequences.
-/// Otherwise a byte of 0x80 or above and the byte behind it are one character, as in the two-byte
-/// encodings of Japan; in a UTF-8 locale a byte that belongs to no sequence is a character alone.
-/// Positions handed to Next must not go backwards; a whole walk costs one pass over the text.
+/// If the rest of the text is well-formed UTF-8, a step is one UTF-8 sequence. Otherwise, in a
+/// UTF-8 locale, an invalid byte is a character of its own. In any other locale a byte of 0x80 or
+/// above forms one character with the byte after it, as in two-byte Japanese encodings.
 class CharStepper {
 public:
     /// The text is [begin, end) and must outlive the stepper.
     CharStepper(const char* begin, const char* end);
-    /// The character behind the one at position; never past the end.
+    /// The character after the one at position, at most end. Positions must not go backwards; then
+    /// a walk over the whole text takes linear time.
     const char* Next(const char* position);
 
 private:
     bool IsWellFormedFrom(const char* position);
 
     const char* end_;
-    const char* ill_formed_;             ///< No position up to this one starts a well-formed rest.
-    const char* well_formed_ = nullptr;  ///< From here on all is well-formed, once that is known.
+    const char* ill_formed_;             ///< The rest is ill-formed at every position up to here.
+    const char* well_formed_ = nullptr;  ///< The rest is well-formed from here on; null if not known yet.
     bool utf8_locale_;
 };
 
-/// With a delimiter: its first occurrence at a character boundary of text, text itself included.
-/// With delimiter 0: the second character. Null when there is none, or no text.
+/// With a delimiter: its first occurrence as a character of its own, possibly text itself.
+/// With delimiter 0: the second character. Null if there is none, or no text.
 const char* CharNext(const char* text, char delimiter);
 
-/// The parent of path, ending in "/"; "/" is its own parent. Empty for an empty path.
+/// The parent of path, ending in "/". The parent of "/" is "/". Empty for an empty path.
 std::string GetParentDirectory(const std::string& path);
-/// The last component without a trailing "/"; empty when there is none, as for "/".
+/// The last component without a trailing "/". Empty for "/".
 std::string GetLastPath(const std::string& path);
-/// path with a "/" at its end, whether it had one or not.
+/// path with "/" appended, unless it ends in one.
 std::string WithSlash(std::string path);
 
-/// The value of "HOME"; empty when it is unset, empty or too long to take a "/" at its end.
+/// The value of "HOME". Empty if unset, or too long for another "/" to fit.
 std::string GetHomeDirectory();
-/// 0 when path is RootDir, with or without its "/", or below it; 1 otherwise. Compares text only.
+/// 0 if path is RootDir, with or without its "/", or below it; else 1. Compares text only.
 int CheckChildDirectory(const std::string& path);
-/// Reads where a symbolic link points; false, with errno set, when it cannot be read or points to
-/// more than kMaxPathBytes.
+/// Reads the target of a symbolic link. False, with errno, on failure or if the target is longer
+/// than kMaxPathBytes.
 bool ReadLink(const std::string& path, std::string& target);
+/// Replaces the path of a symbolic link by its target. A relative target counts from the directory
+/// of the link. False, with errno, if path is no link or cannot be read.
+bool FollowLink(std::string& path);
 /// Whether path is RootDir, with or without its "/".
 bool IsRootDirectory(const std::string& path);
-/// The path of a directory without links and "..", ending in "/"; empty when it cannot be reached.
+/// The canonical path of a directory, ending in "/"; empty if it cannot be reached.
 std::string GetRealDirectory(const std::string& path);
-/// 1 when path is a directory; a symbolic link to one is not, unless a "/" follows its name.
+/// Makes a canonical path inside real_root, the canonical form of RootDir, begin with RootDir. The
+/// two differ if the root was given by a path through a link. False if path is outside.
+bool SpellFromRoot(std::string& path, const std::string& real_root);
+/// 1 if path is a directory, else 0. A symbolic link is followed only if path ends in "/".
 int IsDirectory(const std::string& path);
-/// A byte count in the unit it is shown in, rounded to a tenth.
+/// Whether entry, read from the open directory, is a directory itself.
+bool IsDirectoryEntry(int directory, const struct dirent& entry);
+/// Whether name is one of the two entries that every directory has.
+bool IsDotOrDotDot(const char* name);
+
+/// A byte count in its display unit, rounded to a tenth.
 struct DisplaySize {
     std::uint64_t whole;
     unsigned tenth;  ///< 0 to 9.
-    bool mega;       ///< Whether the unit is 1024 * 1024 bytes, else 1024.
+    bool is_mega;    ///< The unit is 1024 * 1024 bytes, else 1024.
 };
+/// At least a tenth for anything but 0.
 DisplaySize RoundSize(std::uint64_t size);
-/// Whether an entry read from the open directory is a directory; asks the disk only where reading
-/// did not tell.
-bool IsDirectoryEntry(int directory, const struct dirent& entry);
-/// The two entries that every directory has.
-bool IsDotOrDotDot(const char* name);
-/// Display form of a byte count, as "1.5KByte"; at least "0.1KByte" for anything but 0.
+/// The rounded size as text, such as "1.5KByte".
 std::string ConvertSize(std::uint64_t size);
-/// 1 when an entry of this name is shown under ShowHidden and ShowBackup, else 0.
+/// 1 if ShowHidden and ShowBackup let an entry of this name appear, else 0.
 int CheckFileName(std::string_view name);
 
-/// Judges a typed path and replaces it by its absolute form, for PATH_OUTSIDE_ROOT and from
-/// PATH_NO_PARENT to PATH_FILE by its canonical form, told from RootDir if it is inside. Relative text counts from
-/// CurrentDir.
+/// Judges a typed path. Relative text counts from CurrentDir. For PATH_OUTSIDE_ROOT and
+/// PATH_NO_PARENT to PATH_FILE, path becomes canonical, and begins with RootDir if it is inside.
 PathStatus CheckFileExist(std::string* path);
 
-/// Whether a name, bytes, matches a shell's wildcard pattern as a whole; case counts, and a leading
-/// "." is nothing special. In a UTF-8 locale a byte that is part of no character counts as one, as
-/// it does where names are shown.
+/// Whether the whole name matches a shell wildcard pattern. Case matters, and a leading "." is not
+/// special. In a UTF-8 locale an invalid byte counts as one character, as it does on the screen.
 bool MatchPattern(const std::string& pattern, const char* name);
-/// Whether a typed text can be a pattern: it is not empty, and short enough to be stored.
-bool IsPattern(const std::string& text);
+/// Whether a typed pattern is neither empty nor too long to be stored.
+bool IsUsablePattern(const std::string& text);
 
-/// Class of an entry of CurrentDir, st being its lstat record.
+/// Type of an entry of CurrentDir. path is absolute, st its lstat record.
 FileType GetFileType(const std::string& path, const struct stat& st);
 
-/// Who runs the program: what a file lets one execute depends on it.
+/// The real user and group of the process; they decide whether a file counts as executable.
 struct UserIds {
     uid_t uid;
     gid_t gid;
 };
 UserIds GetUserIds();
-/// The same for an entry called name of the open directory CurrentDir: no path is built, and a
-/// listing asks for the ids once.
+/// The same for the entry name of CurrentDir, which is open as directory. Faster for a listing:
+/// no paths, and the ids are looked up once.
 FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user);
 
-/// Records text at the front: an entry that is there already moves, a list of ten or more loses
-/// its tenth. An empty text or one longer than kMaxPathBytes is not recorded.
+/// Puts text at the front of a history of at most ten entries, moving an equal entry or dropping
+/// the tenth. Ignores empty texts and texts longer than kMaxPathBytes.
 void AddHistoryListS(History& list, const std::string& text);
 
-/// Bytes as valid UTF-8; what is not valid becomes the replacement character.
+/// Bytes as valid UTF-8; invalid bytes become the replacement character.
 std::string DisplayText(std::string_view bytes);
-/// The same on one line: what would end a line is shown as an arrow, as in the list.
+/// The same on one line: an arrow stands for each line break.
 std::string DisplayLine(std::string_view bytes);
-/// printf into a string of whatever length it takes.
+/// printf into a string.
 std::string FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));

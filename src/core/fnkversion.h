@@ -1,7 +1,7 @@
 #pragma once
-// What the program says about itself, on the command line and in its window.
+// The version, for the command line and the about box.
 
-/// Comes from the build, which has the number for its own purposes too.
+/// Defined by the build.
 constexpr const char* kVersion = FENNICK_VERSION;
 constexpr const char* kVersionDate = "2001/07/27";
 constexpr const char* kRights = "Copyright (C) 2026 The Fennick developers";

@@ -68,7 +68,7 @@ public:
     explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
     {
         const Place& target = transfer.target;
-        must_replace_ = !transfer.must_not_replace && GetStatus(target, &st_);
+        must_replace_ = !transfer.must_not_replace && ReadStatus(target, &st_);
         if (!must_replace_) {
             return;
         }
@@ -175,11 +175,11 @@ int Publish(NewFile& file, const Source& source, const std::string& name, bool r
     // Some file systems store no permission bits, so ignore failures.
     static_cast<void>(fchmod(file.Get(), source.st.st_mode & 07777));
     if (!replace) {
-        return file.TakeName(name);
+        return file.CommitAs(name);
     }
     // The old file must not go before the new one would survive a crash.
     const int error = SyncFileData(file.Get());
-    return error != 0 ? error : file.TakeNameOf(name);
+    return error != 0 ? error : file.CommitOver(name);
 }
 
 Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
@@ -316,7 +316,7 @@ bool IsTransferredWhole(const Transfer& transfer)
 {
     struct stat st = {};
     return !S_ISDIR(transfer.st.st_mode) ||
-           (transfer.command.kind == OPERATION_MOVE && !GetStatus(transfer.target, &st));
+           (transfer.command.kind == OPERATION_MOVE && !ReadStatus(transfer.target, &st));
 }
 
 /// Copying a directory into itself would never end.
@@ -340,14 +340,14 @@ Result TransferEntry(const Command& command, const Place& source, const Place& t
             return FileErrorMessage(command.kind, place.path, ENAMETOOLONG);
         }
     }
-    if (!GetStatus(source, &transfer.st)) {
+    if (!ReadStatus(source, &transfer.st)) {
         return ReportMissing(source.path);
     }
     if (IsTransferredWhole(transfer)) {
         return TransferWhole(transfer);
     }
     struct stat there = {};
-    if (GetStatus(target, &there) && IsSameObject(there, transfer.st)) {
+    if (ReadStatus(target, &there) && IsSameObject(there, transfer.st)) {
         return ReportStep();  // A bind mount shows the same directory in both places.
     }
     if (IsSameObject(transfer.st, command.target_root)) {
@@ -430,7 +430,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     }
     const PathPlace source_place(source);
     struct stat st = {};
-    if (!source_place || !GetStatus(source_place.Get(), &st)) {
+    if (!source_place || !ReadStatus(source_place.Get(), &st)) {
         return ReportMissing(source);
     }
     struct stat destination_st = {};

@@ -92,7 +92,7 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 Result RemoveTree(const Place& place, Result* answer)
 {
     struct stat st = {};
-    if (!GetStatus(place, &st)) {
+    if (!ReadStatus(place, &st)) {
         return FinishUnlessGone(place.path, errno, STEP_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
@@ -111,8 +111,8 @@ Result RemoveTree(const Place& place, Result* answer)
 Result RemoveFileInternal(const Place& place, StepCount counted)
 {
     struct stat st = {};
-    return GetStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
-                                 : FinishUnlessGone(place.path, errno, counted);
+    return ReadStatus(place, &st) ? RemoveObject(place, S_ISDIR(st.st_mode), counted)
+                                  : FinishUnlessGone(place.path, errno, counted);
 }
 
 Result RemoveFileInternal(const std::string& path, StepCount counted)

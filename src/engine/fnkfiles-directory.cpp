@@ -38,7 +38,7 @@ bool MayReplace(const Place& place, const struct stat& st, LinkRule rule)
 Result MakeDirectoryOfMode(const Place& place, mode_t mode, LinkRule rule, Descriptor* directory)
 {
     struct stat st = {};
-    if (GetStatus(place, &st) && !S_ISDIR(st.st_mode)) {
+    if (ReadStatus(place, &st) && !S_ISDIR(st.st_mode)) {
         if (!MayReplace(place, st, rule)) {
             return RESULT_OK;
         }

@@ -44,7 +44,7 @@ void CreatePatternDlg(const PatternDlgTexts& texts, const std::string& pattern, 
 bool AcceptPattern(GtkWidget* combo, const char* error_message, std::string* pattern)
 {
     *pattern = GetEntryBytes(ComboEntry(combo));
-    if (!IsPattern(*pattern)) {
+    if (!IsUsablePattern(*pattern)) {
         EntryMessageBox(error_message, ComboEntry(combo));
         return false;
     }

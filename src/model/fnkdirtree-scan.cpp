@@ -11,29 +11,29 @@
 
 namespace {
 
-/// room is how many bytes a name may have.
-bool IsEligible(int directory, const struct dirent& entry, std::size_t room)
+bool IsShownDirectory(int directory, const struct dirent& entry, std::size_t max_name_bytes)
 {
     const char* const name = entry.d_name;
     if (IsDotOrDotDot(name) || CheckFileName(name) == 0) {
         return false;
     }
-    return IsDirectoryEntry(directory, entry) && std::strlen(name) <= room;
+    return IsDirectoryEntry(directory, entry) && std::strlen(name) <= max_name_bytes;
 }
 
-std::size_t RoomBelow(std::size_t path_length)
+/// The longest name with which a path below one of path_length bytes still fits, with its "/".
+std::size_t MaxNameBytesBelow(std::size_t path_length)
 {
     return path_length < kMaxPathBytes ? kMaxPathBytes - path_length - 1 : 0;
 }
 
-std::string FindFirstSubdirectory(int parent, const std::string& name, std::size_t room)
+std::string FindFirstSubdirectory(int parent, const std::string& name, std::size_t max_name_bytes)
 {
     const DirectoryStream stream = OpenDirectory({parent, name, name});
     if (stream == nullptr) {
         return {};
     }
     while (const struct dirent* const entry = readdir(stream.get())) {
-        if (IsEligible(dirfd(stream.get()), *entry, room)) {
+        if (IsShownDirectory(dirfd(stream.get()), *entry, max_name_bytes)) {
             return entry->d_name;
         }
     }
@@ -51,9 +51,9 @@ ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirec
     const int descriptor = dirfd(stream.get());
     const std::size_t length = WithSlash(directory).size();
     while (const struct dirent* const entry = readdir(stream.get())) {
-        if (IsEligible(descriptor, *entry, RoomBelow(length))) {
-            const std::size_t room = RoomBelow(length + std::strlen(entry->d_name) + 1);
-            found.push_back({entry->d_name, FindFirstSubdirectory(descriptor, entry->d_name, room)});
+        if (IsShownDirectory(descriptor, *entry, MaxNameBytesBelow(length))) {
+            const std::size_t max_name_bytes = MaxNameBytesBelow(length + std::strlen(entry->d_name) + 1);
+            found.push_back({entry->d_name, FindFirstSubdirectory(descriptor, entry->d_name, max_name_bytes)});
         }
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });

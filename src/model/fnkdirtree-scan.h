@@ -1,22 +1,22 @@
 #pragma once
-// What the directory tree reads from the disk.
+// Reads subdirectories for the directory tree.
 
 #include <string>
 #include <vector>
 
 struct Subdirectory {
     std::string name;
-    /// A subdirectory of it, the first one met; empty when there is none. It is why the tree can
-    /// draw an expander without reading the directory whole.
-    std::string early_child;
+    /// Any subdirectory of this one, or empty. It tells the tree whether to draw an expander, without
+    /// reading the whole directory.
+    std::string any_child;
 };
 
 enum ScanResult {
-    SCAN_DONE,  ///< Also for a directory that may not be read: it has no children.
+    SCAN_DONE,  ///< Also without permission to read the directory; there are no children then.
     SCAN_FAILED = -65532,
 };
 
-/// Lists the subdirectories of directory that the tree shows, in ascending byte order. Links to
-/// directories, hidden and backup names (as the settings say) and paths that would grow longer
-/// than kMaxPathBytes are left out. Whatever goes wrong below directory counts as no child there.
+/// Appends the subdirectories that the tree shows and sorts found by bytes. Skips links, paths
+/// longer than kMaxPathBytes and, depending on the settings, hidden and backup names. A
+/// subdirectory that cannot be read has no child.
 ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirectory>& found);

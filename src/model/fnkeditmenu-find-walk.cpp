@@ -20,8 +20,8 @@ FoundEntry FoundTree::NewEntry(const std::string& name, bool is_directory)
     return entry;
 }
 
-/// Gives the children their places for good. Their own children have theirs already, and are told
-/// where their parent has come to stand; the top does not move.
+/// Appends the sorted children to entries_ and makes them children of parent. Their own children
+/// are there already and get their final parent index. Those of the top keep kTop.
 void FoundTree::AdoptChildren(FoundEntry& parent, std::vector<FoundEntry>& children)
 {
     std::sort(children.begin(), children.end(), [this](const FoundEntry& one, const FoundEntry& other) {
@@ -38,7 +38,7 @@ void FoundTree::AdoptChildren(FoundEntry& parent, std::vector<FoundEntry>& child
     }
 }
 
-void FindProgress::Pass(const char* name)
+void FindProgress::ReportName(const char* name)
 {
     if (is_wanted_.load(std::memory_order_relaxed)) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -47,15 +47,15 @@ void FindProgress::Pass(const char* name)
     }
 }
 
-std::string FindProgress::PassedName()
+std::string FindProgress::CurrentName()
 {
     const std::lock_guard<std::mutex> lock(mutex_);
     is_wanted_ = true;
     return name_;
 }
 
-/// Goes down by descriptor, so that a directory exchanged for a link under way leads nowhere else,
-/// and without recursion: how deep directories lie is for the disk to say, not for the stack.
+/// Descends by file descriptor, so a directory that is replaced with a link meanwhile cannot lead
+/// elsewhere. Not recursive, because the depth of directories must not be limited by the stack.
 class FindWalk {
 public:
     FindWalk(const FindRequest& request, FindProgress& progress)
@@ -65,18 +65,18 @@ public:
     FoundTree Run();
 
 private:
-    /// A directory that is being read.
+    /// A directory that is being searched.
     struct Level {
         std::string name;
         struct stat st;
         DirectoryStream stream;
-        std::vector<FoundEntry> kept;
+        std::vector<FoundEntry> entries;
     };
 
     bool Matches(const char* name) const { return MatchPattern(request_.Pattern, name); }
-    void Keep(const std::string& name, bool is_directory)
+    void AddEntry(const std::string& name, bool is_directory)
     {
-        levels_.back().kept.push_back(found_.NewEntry(name, is_directory));
+        levels_.back().entries.push_back(found_.NewEntry(name, is_directory));
     }
     bool Enter(const Place& place);
     void Leave();
@@ -86,10 +86,11 @@ private:
     const FindRequest& request_;
     FindProgress& progress_;
     FoundTree found_;
-    std::vector<Level> levels_;  ///< From StartPath to where the walk is.
+    std::vector<Level> levels_;  ///< From StartPath to the current directory.
 };
 
-/// False for what cannot be read, and for a directory mounted inside itself.
+/// False if the directory cannot be read or is already being searched, because it is mounted inside
+/// itself.
 bool FindWalk::Enter(const Place& place)
 {
     DirectoryStream stream = OpenDirectory(place);
@@ -102,16 +103,16 @@ bool FindWalk::Enter(const Place& place)
     return true;
 }
 
-/// A directory counts if it matches or holds something that counts.
+/// Adds a directory to the result if it matches or contains a match.
 void FindWalk::Leave()
 {
     Level level = std::move(levels_.back());
     levels_.pop_back();
     if (levels_.empty()) {
-        found_.AdoptChildren(found_.entries_[FoundTree::kTop], level.kept);
-    } else if (!level.kept.empty() || Matches(level.name.c_str())) {
-        Keep(level.name, true);
-        found_.AdoptChildren(levels_.back().kept.back(), level.kept);
+        found_.AdoptChildren(found_.entries_[FoundTree::kTop], level.entries);
+    } else if (!level.entries.empty() || Matches(level.name.c_str())) {
+        AddEntry(level.name, true);
+        found_.AdoptChildren(levels_.back().entries.back(), level.entries);
     }
 }
 
@@ -119,7 +120,7 @@ void FindWalk::VisitDirectory(const std::string& name)
 {
     const bool is_entered = request_.SubDir && Enter({dirfd(levels_.back().stream.get()), name, name});
     if (!is_entered && Matches(name.c_str())) {
-        Keep(name, true);
+        AddEntry(name, true);
     }
 }
 
@@ -128,17 +129,17 @@ void FindWalk::Visit(const struct dirent& entry)
     if (IsDotOrDotDot(entry.d_name)) {
         return;
     }
-    progress_.Pass(entry.d_name);
+    progress_.ReportName(entry.d_name);
     if (IsDirectoryEntry(dirfd(levels_.back().stream.get()), entry)) {
         VisitDirectory(entry.d_name);
     } else if (Matches(entry.d_name)) {
-        Keep(entry.d_name, false);
+        AddEntry(entry.d_name, false);
     }
 }
 
 FoundTree FindWalk::Run()
 {
-    // "/" has no name in its parent, but in itself.
+    // "/" has no name in its parent. As an absolute name, it needs none.
     const PathPlace start(request_.StartPath);
     const std::string name = request_.StartPath == "/" ? "/" : start.Get().name;
     Enter({start.Get().directory, name, request_.StartPath});
@@ -167,6 +168,6 @@ BackgroundSearch::BackgroundSearch(const FindRequest& request) : state_(std::mak
     try {
         std::thread(run).detach();
     } catch (const std::system_error&) {
-        run();  // No thread to be had: better slow than not at all.
+        run();  // No thread is available, so block the caller instead.
     }
 }

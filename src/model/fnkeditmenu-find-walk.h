@@ -1,6 +1,6 @@
 #pragma once
-// Searching directories for names. The walk knows no window and no record, so that it can have a
-// thread of its own and outlive both.
+// Searches directories for names. A search uses neither the window nor the record, so it can run in
+// its own thread and outlive both.
 
 #include <atomic>
 #include <cstdint>
@@ -12,26 +12,26 @@
 
 struct FindRequest {
     std::string StartPath;  ///< Absolute, canonical, ending in "/".
-    std::string Pattern;    ///< Of the shell's kind, for the whole name; "*" takes a leading "." too.
-    bool SubDir = false;    ///< Whether to look below the directories of StartPath as well.
+    std::string Pattern;    ///< For MatchPattern.
+    bool SubDir = false;    ///< Search subdirectories as well.
 };
 
-/// An entry of the result: a match, or a directory on the way to one.
+/// A match, or a directory that contains one at any depth.
 struct FoundEntry {
-    std::size_t name = 0;  ///< Where in the tree's text.
+    std::size_t name = 0;  ///< Offset into FoundTree::names_.
     std::uint32_t parent = 0;
-    std::uint32_t first_child = 0;  ///< The children follow one another.
+    std::uint32_t first_child = 0;  ///< The other children follow it.
     std::uint32_t child_count = 0;
     bool is_directory = false;
 };
 
-/// What was found, as a tree; children are in the order of their names' bytes. The top is
-/// StartPath, everything else a name.
+/// The result of a search. The name of the top entry is StartPath, all others are plain names.
+/// Siblings are sorted by the bytes of their names.
 class FoundTree {
 public:
     static constexpr std::uint32_t kTop = 0;
 
-    /// A tree of nothing but the top.
+    /// Contains only the top entry.
     explicit FoundTree(const std::string& top);
 
     const FoundEntry& Entry(std::uint32_t index) const { return entries_[index]; }
@@ -43,19 +43,20 @@ private:
     FoundEntry NewEntry(const std::string& name, bool is_directory);
     void AdoptChildren(FoundEntry& parent, std::vector<FoundEntry>& children);
 
-    std::string names_;  ///< Each ends in a zero byte.
+    std::string names_;  ///< Each ends in a NUL.
     std::vector<FoundEntry> entries_;
 };
 
-/// What a search and whoever waits for it tell each other, from a thread each.
+/// Connects a search with the thread that waits for it.
 class FindProgress {
 public:
     void Stop() { stop_ = true; }
     bool IsStopped() const { return stop_; }
-    /// The search comes past a name. Kept only if somebody asked since the last: cheap.
-    void Pass(const char* name);
-    /// The name passed when this was last called; empty before there is one.
-    std::string PassedName();
+    /// Called by the search for each name. Cheap: copies the name only if CurrentName was called since
+    /// the last copy.
+    void ReportName(const char* name);
+    /// A recent name: the first one reported after the previous call. Empty at first.
+    std::string CurrentName();
 
 private:
     std::atomic<bool> stop_ = false;
@@ -64,13 +65,12 @@ private:
     std::string name_;
 };
 
-/// Searches until all is seen or it is told to stop; what was found until then is the result.
-/// Links are not followed, directories that cannot be read are passed over, and one that is being
-/// searched already is not entered again.
+/// Searches until it is done or stopped, and returns what it has found. Does not follow links, and
+/// skips directories that it cannot read or that are mounted inside themselves.
 FoundTree FindFile(const FindRequest& request, FindProgress& progress);
 
-/// A search in a thread of its own. Destroying this gives it up without waiting for it: a disk
-/// that does not answer holds up nobody.
+/// A search in its own thread. The destructor abandons it without waiting, so a hung disk blocks
+/// nobody.
 class BackgroundSearch {
 public:
     explicit BackgroundSearch(const FindRequest& request);
@@ -80,9 +80,9 @@ public:
 
     void Stop() { state_->progress.Stop(); }
     bool IsStopped() const { return state_->progress.IsStopped(); }
-    std::string PassedName() { return state_->progress.PassedName(); }
+    std::string CurrentName() { return state_->progress.CurrentName(); }
     bool IsDone() const { return state_->is_done; }
-    /// Once it is done.
+    /// Call it once, and only when IsDone.
     FoundTree TakeResult() { return std::move(state_->result); }
 
 private:

@@ -34,7 +34,7 @@ const std::string& GroupName(std::map<std::uint32_t, std::string>& known, std::u
     return entry->second;
 }
 
-std::string Signed(std::uint32_t number)
+std::string SignedText(std::uint32_t number)
 {
     return std::to_string(static_cast<std::int32_t>(number));
 }
@@ -53,11 +53,11 @@ std::string FileRows::CellText(const FileRow& row, int column_id) const
     case COLUMN_USER:
         return UserName(users_, row.uid);
     case COLUMN_USER_ID:
-        return Signed(row.uid);
+        return SignedText(row.uid);
     case COLUMN_GROUP:
         return GroupName(groups_, row.gid);
     case COLUMN_GROUP_ID:
-        return Signed(row.gid);
+        return SignedText(row.gid);
     case COLUMN_ACCESS_TIME:
         return GetFormatTime(row.access_time, false).value_or("");
     case COLUMN_MODIFICATION_TIME:
@@ -98,8 +98,8 @@ void FileRows::Clear()
 
 void FileRows::Permute(const std::vector<std::uint32_t>& order)
 {
-    // In place, cycle after cycle: a second block for a million rows takes longer to get than all
-    // of the moving.
+    // In place, cycle by cycle: allocating a second block for a million rows would take longer than
+    // moving them.
     std::vector<bool> placed(order.size());
     for (std::size_t start = 0; start < order.size(); ++start) {
         if (placed[start]) {
@@ -220,7 +220,7 @@ std::string SetPermission(mode_t mode)
 
 std::optional<std::string> GetFormatTime(std::int64_t time, bool seconds)
 {
-    // Never translated: the sort reads them back.
+    // Not translated, because CompareTime parses them.
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::time_t stamp = time;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kIconColumn = 0;
 
-/// The kind of the column that decides the order; the icon column has none.
+/// The ColumnId of the sorted column, which must not be the icon column.
 int SortKind()
 {
     return pGTable->ColumnPosition[static_cast<std::size_t>(EffectiveSortColumn() - 1)];
@@ -27,7 +27,7 @@ bool IsNumberKind(int kind)
     return kind == COLUMN_USER_ID || kind == COLUMN_GROUP_ID || kind == COLUMN_INODE;
 }
 
-/// 0 to 11 for the abbreviation at the start of a time text, 12 for anything else.
+/// 0 to 11 for a text that begins with an abbreviated month, else 12.
 int MonthIndex(const char* text)
 {
     constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
@@ -47,7 +47,7 @@ int EffectiveSortColumn()
     return column >= 0 && column <= pGTable->ColumnCount ? column : pGTable->NameColumn;
 }
 
-bool IsSortedUpwards()
+bool IsShownAscending()
 {
     const int column = EffectiveSortColumn();
     const bool reversed_kind = column != kIconColumn && IsNumberKind(SortKind());
@@ -66,7 +66,7 @@ int CompareSize(const char* a, const char* b)
     if (a_mega != b_mega) {
         return a_mega ? 1 : 0;
     }
-    // The conversion stops at the unit; single precision decides what counts as equal.
+    // Parsing stops at the unit. Sizes that are equal in single precision count as equal.
     const auto a_number = static_cast<float>(std::strtod(a, nullptr));
     const auto b_number = static_cast<float>(std::strtod(b, nullptr));
     return a_number > b_number ? 1 : 0;
@@ -77,7 +77,7 @@ int CompareTime(const char* a, const char* b)
     if (pGTable->JapaneseLocale) {
         return CompareString(a, b);
     }
-    // A time without a calendar date has an empty cell; fields must not be looked for behind it.
+    // The cell of a time without a calendar date is empty. Do not read fields past its end.
     constexpr std::size_t kShortest = 17;
     if (std::strlen(a) < kShortest || std::strlen(b) < kShortest) {
         return static_cast<int>(std::strlen(a) >= kShortest) - static_cast<int>(std::strlen(b) >= kShortest);
@@ -121,7 +121,7 @@ int CompareCells(int kind, const char* a, const char* b)
     }
 }
 
-/// The text that is compared: names as they are, not as they can be shown.
+/// The text to compare. For names these are the bytes, not their UTF-8 form.
 std::string SortText(const FileRows& rows, const FileRow& row, int kind)
 {
     return kind == COLUMN_NAME ? rows.Name(row) : rows.CellText(row, kind);
@@ -162,20 +162,21 @@ int CompareFileListRow(const FileRows& rows, std::size_t a, std::size_t b)
 
 namespace {
 
-/// What stands in for the comparison of two cells: first value, then text where there is one.
+/// Replaces the cell in comparisons: by value first, then by text unless it is null.
 struct SortKey {
     std::uint64_t value;
     const char* text;
     std::uint32_t index;
 };
 
-std::uint64_t Ordered(std::int64_t number)
+/// Maps signed numbers to unsigned ones in the same order.
+std::uint64_t OrderedBits(std::int64_t number)
 {
     return static_cast<std::uint64_t>(number) ^ (std::uint64_t{1} << 63);
 }
 
-/// The first eight bytes, folded like the comparison folds them, so that most names are told
-/// apart without touching their text.
+/// The first eight bytes of text as a number, with ASCII letters in lower case if fold is set. It
+/// orders most names without reading their text.
 std::uint64_t TextPrefix(const char* text, bool fold)
 {
     std::uint64_t prefix = 0;
@@ -188,16 +189,16 @@ std::uint64_t TextPrefix(const char* text, bool fold)
     return prefix;
 }
 
-/// Displayed size: the unit decides first, then the number in single precision.
+/// Orders sizes as CompareSize does: by displayed unit, then by number in single precision.
 std::uint64_t SizeKey(std::int64_t size)
 {
     const DisplaySize shown = RoundSize(static_cast<std::uint64_t>(size));
     const auto number = static_cast<float>(static_cast<double>(shown.whole * 10 + shown.tenth) / 10.0);
-    return (shown.mega ? std::uint64_t{1} << 32 : 0) | std::bit_cast<std::uint32_t>(number);
+    return (shown.is_mega ? std::uint64_t{1} << 32 : 0) | std::bit_cast<std::uint32_t>(number);
 }
 
-/// Gives texts that few rows differ in (permissions, owners) the number of their place among each
-/// other, computed once for each distinct source.
+/// Ranks the texts of a column with few distinct values: permissions, users or groups. Each distinct
+/// source value (mode or id) is converted to text once.
 class TextRanks {
 public:
     TextRanks(const FileRows& rows, int kind) : kind_(kind)
@@ -251,8 +252,8 @@ std::int64_t RowTime(const FileRow& row, int kind)
     }
 }
 
-/// Displayed minute, which local time can put in another order than the clock: an hour is shown
-/// twice when summer ends.
+/// Orders times by their displayed minute. That may differ from the order of the timestamps: the end
+/// of summer time repeats an hour.
 std::uint64_t MinuteKey(const struct tm& local)
 {
     const std::uint64_t days = static_cast<std::uint64_t>((local.tm_year + 1900) * 12 + local.tm_mon) * 31 +
@@ -260,11 +261,11 @@ std::uint64_t MinuteKey(const struct tm& local)
     return (days * 24 + static_cast<std::uint64_t>(local.tm_hour)) * 60 + static_cast<std::uint64_t>(local.tm_min);
 }
 
-/// False when a time is not shown with a year of four digits; the fields of its text then stand
-/// elsewhere and only the texts themselves can be compared.
+/// False if a year does not have four digits. That shifts the fields of the text, so only comparing
+/// the texts gives the defined order.
 bool MakeTimeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
 {
-    // Files of one minute tend to come together, and converting to local time is slow.
+    // Converting to local time is slow, and files of the same minute are often adjacent.
     std::int64_t minute_begin = 0;
     std::int64_t minute_end = 0;
     std::uint64_t minute_key = 0;
@@ -285,7 +286,7 @@ bool MakeTimeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     return true;
 }
 
-/// False when this order cannot be reduced to keys.
+/// Fills in the keys. False if keys cannot express this order.
 bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
 {
     const auto fill = [&keys, &rows](auto make) {
@@ -304,11 +305,11 @@ bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     case COLUMN_SIZE:
         return fill([](const FileRow& row) { return SizeKey(row.size); });
     case COLUMN_USER_ID:
-        return fill([](const FileRow& row) { return ~Ordered(static_cast<std::int32_t>(row.uid)); });
+        return fill([](const FileRow& row) { return ~OrderedBits(static_cast<std::int32_t>(row.uid)); });
     case COLUMN_GROUP_ID:
-        return fill([](const FileRow& row) { return ~Ordered(static_cast<std::int32_t>(row.gid)); });
+        return fill([](const FileRow& row) { return ~OrderedBits(static_cast<std::int32_t>(row.gid)); });
     case COLUMN_INODE:
-        return fill([](const FileRow& row) { return ~Ordered(row.inode); });
+        return fill([](const FileRow& row) { return ~OrderedBits(row.inode); });
     case COLUMN_ACCESS_TIME:
     case COLUMN_MODIFICATION_TIME:
     case COLUMN_CHANGE_TIME:
@@ -320,8 +321,8 @@ bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     }
 }
 
-/// What stands before what, whatever the column says: "..", and then the directories, or by icon in
-/// a descending order the files.
+/// Rows are sorted only within their group. ".." always comes first. Next come the directories, if
+/// they are separate; but sorting mixed rows by icon in descending order puts the files first.
 enum Group : std::size_t { GROUP_PARENT, GROUP_FIRST, GROUP_LAST, GROUP_COUNT };
 
 Group GroupOf(const FileRows& rows, std::size_t index, bool by_icon)
@@ -338,8 +339,8 @@ Group GroupOf(const FileRows& rows, std::size_t index, bool by_icon)
 
 using GroupEnds = std::array<std::size_t, GROUP_COUNT>;
 
-/// Keys without values, group after group. In a descending order rows that are equal stand in
-/// reverse, so there the keys of a group begin with its last row, and a stable sort keeps them so.
+/// Makes keys without values, group by group. In descending order, equal rows must be reversed: the
+/// keys of a group then start out reversed, and a stable sort keeps equal ones so.
 std::vector<SortKey> GroupedKeys(const FileRows& rows, bool by_icon, GroupEnds& ends)
 {
     const std::size_t count = rows.Count();
@@ -373,7 +374,7 @@ void SortKeyRange(SortKeys begin, SortKeys end, bool descending)
     }
 }
 
-/// The slow way, for what keys cannot stand in for.
+/// Slow: for orders that keys cannot express.
 void SortTextRange(const FileRows& rows, int kind, SortKeys begin, SortKeys end, bool descending)
 {
     std::stable_sort(begin, end, [&](const SortKey& a, const SortKey& b) {

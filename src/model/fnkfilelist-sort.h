@@ -1,28 +1,28 @@
 #pragma once
-// The order of the file list, as SortColumn, SortType, SortCase and MixFileDir say.
+// Sorts the file list by SortColumn, SortType, SortCase and MixFileDir.
 
 #include <cstdint>
 #include <vector>
 
 #include "model/fnkfilelist-rows.h"
 
-/// Byte order; with SortCase on, ASCII letters count as small ones.
+/// Compares bytes; with SortCase, ignores the case of ASCII letters. Negative, 0 or positive.
 int CompareString(const char* a, const char* b);
-/// 1 when a, a text of ConvertSize, is larger than b, else 0.
+/// 1 if a is larger than b, else 0. Both are texts of ConvertSize.
 int CompareSize(const char* a, const char* b);
-/// Positive when a, a text of GetFormatTime without seconds, is later than b, else not.
+/// Positive if a is later than b, else 0 or negative. Both are texts of GetFormatTime without
+/// seconds.
 int CompareTime(const char* a, const char* b);
 
-/// 1 when row b goes before row a, 0 when a goes first or, in ascending order, both are equal.
-/// This is the definition of the order; it makes and parses the cell texts on every call.
+/// 1 if row b goes before row a, else 0. For equal rows, 0 in ascending and 1 in descending order.
+/// Slow: makes and parses the texts of the cells. Defines the order that SortFileRows produces.
 int CompareFileListRow(const FileRows& rows, std::size_t a, std::size_t b);
 
-/// Sorts by CompareFileListRow, but computes one key a row instead of comparing texts. Rows that
-/// compare equal keep their order ascending and reverse it descending. Returns the old place of
-/// each row.
+/// Sorts as CompareFileListRow does, but with one precomputed key per row. Equal rows keep their
+/// order if ascending and reverse it if descending. Returns the old index of each row.
 std::vector<std::uint32_t> SortFileRows(FileRows& rows);
 
-/// SortColumn, or NameColumn when it stands for no column of the list.
+/// SortColumn, or NameColumn if the list has no such column.
 int EffectiveSortColumn();
-/// Whether the values of the sorted column grow downwards as displayed.
-bool IsSortedUpwards();
+/// Whether the displayed values of the sorted column grow from top to bottom.
+bool IsShownAscending();

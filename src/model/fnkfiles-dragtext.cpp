@@ -12,34 +12,34 @@ namespace {
 constexpr std::string_view kMarker = "file:";
 constexpr std::string_view kUriStart = "file://";
 
-/// All or nothing: half of what somebody dropped is not what they meant.
-std::vector<std::string> OnlyWorkable(std::vector<std::string> paths)
+/// All paths or none: the user does not mean half of what they drop.
+std::vector<std::string> KeepIfAllUsable(std::vector<std::string> paths)
 {
-    const bool workable = std::all_of(paths.begin(), paths.end(), [](const std::string& path) {
+    const bool all_usable = std::all_of(paths.begin(), paths.end(), [](const std::string& path) {
         return path.starts_with('/') && path.size() <= kMaxPathBytes && path.find('\0') == std::string::npos;
     });
-    return workable ? paths : std::vector<std::string>();
+    return all_usable ? paths : std::vector<std::string>();
 }
 
-/// Some programs send the zero byte that ends their strings along.
+/// Some programs include the terminating NUL in the data.
 std::string_view WithoutTerminator(std::string_view text)
 {
     return text.ends_with('\0') ? text.substr(0, text.size() - 1) : text;
 }
 
-bool IsThisMachine(const char* host)
+bool IsLocalHost(const char* host)
 {
     return host == nullptr || *host == '\0' || g_ascii_strcasecmp(host, "localhost") == 0 ||
            g_ascii_strcasecmp(host, g_get_host_name()) == 0;
 }
 
-/// Empty for anything but a file of this machine.
+/// Empty if the URI is not a local file.
 std::string PathOfUri(const std::string& uri)
 {
     char* host = nullptr;
     const GlibPointer<char> path(g_filename_from_uri(uri.c_str(), &host, nullptr));
     const GlibPointer<char> host_owner(host);
-    if (path == nullptr || !IsThisMachine(host)) {
+    if (path == nullptr || !IsLocalHost(host)) {
         return {};
     }
     return IsDirectory(path.get()) ? WithSlash(path.get()) : path.get();
@@ -71,12 +71,12 @@ std::vector<std::string> SplitDragText(std::string_view text)
     for (std::size_t begin = kMarker.size(); begin != std::string_view::npos;) {
         const std::size_t marker = text.find(kMarker, begin);
         const bool is_last = marker == std::string_view::npos;
-        // The character before the next marker is the one between the items.
+        // The character before the next marker separates the items.
         const std::size_t end = is_last ? text.size() : std::max(marker - 1, begin);
         paths.emplace_back(text.substr(begin, end - begin));
         begin = is_last ? marker : marker + kMarker.size();
     }
-    return OnlyWorkable(std::move(paths));
+    return KeepIfAllUsable(std::move(paths));
 }
 
 std::string MakeUriList(const std::vector<std::string>& paths)
@@ -104,5 +104,5 @@ std::vector<std::string> SplitUriList(std::string_view list)
             paths.push_back(PathOfUri(line));
         }
     }
-    return OnlyWorkable(std::move(paths));
+    return KeepIfAllUsable(std::move(paths));
 }

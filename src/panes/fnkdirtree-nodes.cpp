@@ -62,13 +62,13 @@ void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<S
             existing.pop_back();
         }
         if (!existing.empty() && existing.back().name == child->name) {
-            AddEarlyChild(store, &existing.back().node, child->early_child);
+            AddEarlyChild(store, &existing.back().node, child->any_child);
             existing.pop_back();
             continue;
         }
         GtkTreeIter node = InsertNode(store, parent, existing.size(), child->name);
-        if (!child->early_child.empty()) {
-            InsertNode(store, &node, 0, child->early_child);
+        if (!child->any_child.empty()) {
+            InsertNode(store, &node, 0, child->any_child);
         }
     }
 }

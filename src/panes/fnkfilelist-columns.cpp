@@ -225,7 +225,7 @@ void UpdateSortArrows(GtkTreeView* list)
     for (int i = 0; i <= pGTable->ColumnCount; ++i) {
         GtkTreeViewColumn* const column = gtk_tree_view_get_column(list, i);
         gtk_tree_view_column_set_sort_indicator(column, i == sorted);
-        gtk_tree_view_column_set_sort_order(column, IsSortedUpwards() ? GTK_SORT_ASCENDING : GTK_SORT_DESCENDING);
+        gtk_tree_view_column_set_sort_order(column, IsShownAscending() ? GTK_SORT_ASCENDING : GTK_SORT_DESCENDING);
     }
     // The icon column is as wide as its title, sort arrow included.
     GtkTreeViewColumn* const icon = gtk_tree_view_get_column(list, 0);

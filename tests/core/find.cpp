@@ -125,10 +125,10 @@ TEST_F(Find, OnceStoppedItGoesNoFurther)
         files.File("d" + std::to_string(i) + "/file");
     }
     FindProgress progress;
-    EXPECT_EQ(progress.PassedName(), "");
+    EXPECT_EQ(progress.CurrentName(), "");
     progress.Stop();
     EXPECT_EQ(FindFile({files.Path(), "*", true}, progress).Entry(FoundTree::kTop).child_count, 0U);
-    EXPECT_EQ(progress.PassedName(), "");
+    EXPECT_EQ(progress.CurrentName(), "");
 }
 
 }  // namespace

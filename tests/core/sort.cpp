@@ -153,7 +153,7 @@ TEST_F(Sort, OrdersThatPeopleExpect)
             order += std::string(rows.Name(i)) + " ";
         }
         EXPECT_EQ(order, expected) << "column " << column << " type " << type;
-        EXPECT_EQ(IsSortedUpwards(), upwards) << "column " << column << " type " << type;
+        EXPECT_EQ(IsShownAscending(), upwards) << "column " << column << " type " << type;
     }
 }
 

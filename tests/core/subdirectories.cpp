@@ -58,13 +58,13 @@ TEST_F(Subdirectories, LooksOneLevelAhead)
     const Names in_c = files.ReadingOrder("c");
     const auto first_shown = std::find_if(in_c.begin(), in_c.end(), [](const auto& name) { return name[0] != '.'; });
     EXPECT_EQ(Scan(files.Path()), (Names{"a", "b", "c"}));
-    EXPECT_EQ(found[0].early_child, "only");
-    EXPECT_EQ(found[1].early_child, "");
-    EXPECT_EQ(found[2].early_child, *first_shown);
+    EXPECT_EQ(found[0].any_child, "only");
+    EXPECT_EQ(found[1].any_child, "");
+    EXPECT_EQ(found[2].any_child, *first_shown);
     table.ShowHidden = 1;
     Scan(files.Path());
-    EXPECT_EQ(found[1].early_child, ".hidden");
-    EXPECT_EQ(found[2].early_child, in_c[0]);
+    EXPECT_EQ(found[1].any_child, ".hidden");
+    EXPECT_EQ(found[2].any_child, in_c[0]);
 }
 
 TEST_F(Subdirectories, ClosedOrGone)
@@ -75,8 +75,8 @@ TEST_F(Subdirectories, ClosedOrGone)
     const auto scan = [this] {
         BecomeOrdinaryUser(files);
         EXPECT_EQ(Scan(files.Path()), (Names{"closed", "open"}));
-        EXPECT_EQ(found[0].early_child, "");
-        EXPECT_EQ(found[1].early_child, "child");
+        EXPECT_EQ(found[0].any_child, "");
+        EXPECT_EQ(found[1].any_child, "child");
     };
     EXPECT_EQ(RunInChild(scan), CHILD_PASSED);
     const auto scan_closed = [this] {
@@ -103,12 +103,12 @@ TEST_F(Subdirectories, PathsThatWouldGrowTooLongAreLeftOut)
         files.Directory(deep + name);
     }
     EXPECT_EQ(Scan(files.At(deep)), (Names{fits, half}));
-    EXPECT_EQ(found[0].early_child, "");
-    EXPECT_EQ(found[1].early_child, "123456789");
+    EXPECT_EQ(found[0].any_child, "");
+    EXPECT_EQ(found[1].any_child, "123456789");
     files.Remove(deep + half + "/123456789");
     files.Directory(deep + half + "/1234567890");
     Scan(files.At(deep));
-    EXPECT_EQ(found[1].early_child, "");
+    EXPECT_EQ(found[1].any_child, "");
 }
 
 TEST(Texts, AreAddressedByNumber)

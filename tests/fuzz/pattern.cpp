@@ -43,7 +43,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const auto texts = AsTwoTexts(data, size);
     const std::string& pattern = texts.first;
     const std::string name = texts.second.substr(0, 255);
-    if (!IsPattern(pattern)) {
+    if (!IsUsablePattern(pattern)) {
         Expect(pattern.empty() || pattern.size() > kMaxFilterBytes, "any other text is a pattern");
         return 0;
     }

@@ -173,7 +173,7 @@ TEST_F(Options, SwitchesTakeEffectWhenTheyAreConfirmed)
     During({Finish("OK")});
     EXPECT_EQ(pMainW->FileList, list);
     EXPECT_EQ(EffectiveSortColumn(), pGTable->NameColumn);
-    EXPECT_TRUE(IsSortedUpwards());
+    EXPECT_TRUE(IsShownAscending());
     ExpectConsistent();
 }
 
