@@ -32,37 +32,45 @@ struct Press {
     TreePath row;
     std::string path;  ///< Path of the row at that time, as the rows may change while the button is down.
 };
-Press press;
-std::vector<std::string> dragged_items;
 
-const DragPane& PaneOf(gpointer data)
+/// What a view keeps while something is dragged from or to it; lives as long as the view.
+struct ViewDrag {
+    const DragPane& pane;
+    Press press = {};
+    std::vector<std::string> items = {};  ///< Paths that are dragged from here.
+    std::string destination = {};         ///< Of the drop whose data has been requested.
+};
+constexpr const char* kViewDragKey = "fennick-drag";
+
+ViewDrag& DragOf(gpointer data)
 {
-    return *static_cast<const DragPane*>(data);
+    return *static_cast<ViewDrag*>(data);
 }
 
 gboolean on_Pane_button_press(GtkWidget* widget, GdkEventButton* event, gpointer data)
 {
     GtkTreeView* const view = GTK_TREE_VIEW(widget);
+    ViewDrag& drag = DragOf(data);
     GtkTreePath* row = nullptr;
-    press = {};
+    drag.press = {};
     if (event->type == GDK_BUTTON_PRESS &&
         (event->button == GDK_BUTTON_PRIMARY || event->button == GDK_BUTTON_SECONDARY) &&
         event->window == gtk_tree_view_get_bin_window(view) &&
         gtk_tree_view_get_path_at_pos(view, static_cast<int>(event->x), static_cast<int>(event->y), &row, nullptr,
                                       nullptr, nullptr)) {
-        press = {view,
-                 event->button,
-                 static_cast<int>(event->x),
-                 static_cast<int>(event->y),
-                 TreePath(row),
-                 PaneOf(data).PathOfRow(view, row)};
+        drag.press = {view,
+                      event->button,
+                      static_cast<int>(event->x),
+                      static_cast<int>(event->y),
+                      TreePath(row),
+                      drag.pane.PathOfRow(view, row)};
     }
     return FALSE;
 }
 
-gboolean on_Pane_button_release(GtkWidget*, GdkEventButton*, gpointer)
+gboolean on_Pane_button_release(GtkWidget*, GdkEventButton*, gpointer data)
 {
-    press = {};
+    DragOf(data).press = {};
     return FALSE;
 }
 
@@ -82,11 +90,11 @@ bool BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
     return context != nullptr;
 }
 
-void EndDrag(const DragPane& pane)
+void EndDrag(ViewDrag& drag)
 {
-    dragged_items.clear();
-    if (pGTable != nullptr && pane.Ended != nullptr) {
-        pane.Ended();
+    drag.items.clear();
+    if (pGTable != nullptr && drag.pane.Ended != nullptr) {
+        drag.pane.Ended();
     }
 }
 
@@ -98,6 +106,8 @@ bool IsHeld(guint button, guint state)
 
 gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointer data)
 {
+    ViewDrag& drag = DragOf(data);
+    Press& press = drag.press;
     if (press.view != nullptr && !IsHeld(press.button, event->state)) {
         press = {};
     }
@@ -107,35 +117,32 @@ gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointe
         return FALSE;
     }
     const Press start = std::exchange(press, {});
-    const DragPane& pane = PaneOf(data);
-    if (start.path.empty() || pane.PathOfRow(start.view, start.row.get()) != start.path) {
+    if (start.path.empty() || drag.pane.PathOfRow(start.view, start.row.get()) != start.path) {
         return TRUE;
     }
-    dragged_items = pane.PrepareDrag(start.view, start.row.get());
-    if (!dragged_items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
-        EndDrag(pane);  // There is no "drag-end" for a drag that did not begin.
+    drag.items = drag.pane.PrepareDrag(start.view, start.row.get());
+    if (!drag.items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
+        EndDrag(drag);  // There is no "drag-end" for a drag that did not begin.
     }
     return TRUE;
 }
 
-void on_Pane_drag_data_get(GtkWidget*, GdkDragContext*, GtkSelectionData* data, guint info, guint, gpointer)
+void on_Pane_drag_data_get(GtkWidget*, GdkDragContext*, GtkSelectionData* data, guint info, guint, gpointer view_drag)
 {
+    const std::vector<std::string>& items = DragOf(view_drag).items;
     constexpr int kBitsPerUnit = 8;
-    if (dragged_items.empty()) {
+    if (items.empty()) {
         return;
     }
-    const std::string text = info == TARGET_URIS ? MakeUriList(dragged_items) : MakeDragText(dragged_items);
+    const std::string text = info == TARGET_URIS ? MakeUriList(items) : MakeDragText(items);
     gtk_selection_data_set(data, gtk_selection_data_get_target(data), kBitsPerUnit,
                            reinterpret_cast<const guchar*>(text.data()), static_cast<int>(text.size()));
 }
 
 void on_Pane_drag_end(GtkWidget*, GdkDragContext*, gpointer data)
 {
-    EndDrag(PaneOf(data));
+    EndDrag(DragOf(data));
 }
-
-/// Destination of the drop whose data has been requested.
-std::string drop_destination;
 
 /// Keeps the signal from the tree view, which would look for a row to drop on. GTK_DEST_DEFAULT_MOTION
 /// has answered already.
@@ -156,7 +163,7 @@ gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, in
     if (target == GDK_NONE || !CanAcceptDrop()) {
         return FALSE;
     }
-    drop_destination = PaneOf(data).FindDestination(GTK_TREE_VIEW(widget), x, y);
+    DragOf(data).destination = DragOf(data).pane.FindDestination(GTK_TREE_VIEW(widget), x, y);
     gtk_drag_get_data(widget, context, target, time);
     return TRUE;
 }
@@ -202,11 +209,11 @@ void FreeDrop(gpointer data)
 }
 
 void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int, int, GtkSelectionData* data,
-                                guint info, guint time, gpointer)
+                                guint info, guint time, gpointer view_drag)
 {
     g_signal_stop_emission_by_name(widget, "drag-data-received");  // The tree view expects a row.
     auto* const drop = new Drop{GDK_DRAG_CONTEXT(g_object_ref(context)), ReadItems(data, info),
-                                std::exchange(drop_destination, {}), time};
+                                std::exchange(DragOf(view_drag).destination, {}), time};
     g_idle_add_full(G_PRIORITY_DEFAULT, RunDrop, drop, FreeDrop);
 }
 
@@ -215,7 +222,9 @@ void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int,
 void ConnectDragPane(GtkTreeView* view, const DragPane& pane)
 {
     GtkWidget* const widget = GTK_WIDGET(view);
-    gpointer const data = const_cast<DragPane*>(&pane);
+    auto* const data = new ViewDrag{pane};
+    g_object_set_data_full(G_OBJECT(view), kViewDragKey, data,
+                           [](gpointer view_drag) { delete static_cast<ViewDrag*>(view_drag); });
     // GTK_DEST_DEFAULT_DROP is left out: on_Pane_drag_drop requests the data itself.
     gtk_drag_dest_set(widget, static_cast<GtkDestDefaults>(GTK_DEST_DEFAULT_MOTION | GTK_DEST_DEFAULT_HIGHLIGHT),
                       kAccepted, G_N_ELEMENTS(kAccepted), kActions);
