@@ -3,6 +3,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "core/fnkraii.h"
 #include "core/fnkutil.h"
@@ -94,15 +95,14 @@ std::string MakeUriList(const std::vector<std::string>& paths)
 
 std::vector<std::string> SplitUriList(std::string_view list)
 {
-    list = WithoutTerminator(list);
+    const std::string text(WithoutTerminator(list));
+    if (text.find('\0') != std::string::npos) {
+        return {};
+    }
+    const std::unique_ptr<char*, decltype(&g_strfreev)> uris(g_uri_list_extract_uris(text.c_str()), &g_strfreev);
     std::vector<std::string> paths;
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find_first_of("\r\n"), list.size());
-        const std::string line(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-        if (!line.empty() && line.front() != '#') {
-            paths.push_back(PathOfUri(line));
-        }
+    for (char** uri = uris.get(); *uri != nullptr; ++uri) {
+        paths.push_back(PathOfUri(*uri));
     }
     return KeepIfAllUsable(std::move(paths));
 }
