@@ -17,9 +17,6 @@ namespace {
 
 constexpr int kStartError = -65533;
 
-/// Whether the settings file has been read. Until then it must not be written.
-bool settings_loaded = false;
-
 bool IsJapaneseLocale()
 {
     const char* const lang = std::getenv("LANG");
@@ -39,7 +36,6 @@ void HideMainWindow()
 
 int InitGlobalTable()
 {
-    settings_loaded = false;
     pMainW = new MainW;
     pGTable = new GTable;
     pGTable->JapaneseLocale = IsJapaneseLocale() ? 1 : 0;
@@ -49,7 +45,7 @@ int InitGlobalTable()
         return kStartError;
     }
     GetGTable();
-    settings_loaded = true;
+    pGTable->IsLoaded = true;
     ReadAppInfo("[Extension]", &pGTable->ExtensionList);
     ReadAppInfo("[Application]", &pGTable->ApplicationList);
     return 0;
@@ -57,12 +53,11 @@ int InitGlobalTable()
 
 void TerminateGlobalTable()
 {
-    if (pGTable != nullptr && settings_loaded) {
+    if (pGTable != nullptr && pGTable->IsLoaded) {
         const LiveLayout layout = ReadLiveLayout != nullptr ? ReadLiveLayout() : LiveLayout();
         HideMainWindow();
         SetGTable(layout);
     }
-    settings_loaded = false;
     // Clear the pointers first: callbacks can run while the contents are released.
     GTable* const table = std::exchange(pGTable, nullptr);
     MainW* const widgets = std::exchange(pMainW, nullptr);

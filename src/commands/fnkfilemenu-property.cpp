@@ -4,6 +4,7 @@
 
 #include "commands/fnkfilemenu-property-pages.h"
 #include "commands/fnkfilemenu-targets.h"
+#include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
@@ -175,7 +176,7 @@ int SetFileProperty(PropertyDlgData* data)
 
 void SetCurrentMode(const PropertyDlgData* data)
 {
-    gtk_label_set_text(GTK_LABEL(data->ModeLabel), FormatText("%04o", data->Stat.st_mode & 07777).c_str());
+    gtk_label_set_text(GTK_LABEL(data->ModeLabel), FormatText("%04o", data->Stat.st_mode & kPermissionBits).c_str());
 }
 
 void CheckPermission(const PropertyDlgData* data)

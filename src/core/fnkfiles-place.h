@@ -9,6 +9,9 @@
 
 #include "core/fnkraii.h"
 
+/// The bits of a mode that chmod sets.
+constexpr mode_t kPermissionBits = 07777;
+
 /// An object on disk. The caller owns all three fields.
 struct Place {
     int directory;            ///< Open.

@@ -84,7 +84,7 @@ bool CopyOwnerAndMode(int fd, const struct stat& old)
             return false;
         }
     }
-    return fchmod(fd, old.st_mode & 07777) == 0;
+    return fchmod(fd, old.st_mode & kPermissionBits) == 0;
 }
 
 }  // namespace

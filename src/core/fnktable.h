@@ -60,6 +60,7 @@ using History = std::vector<std::string>;
 struct GTable {
     int JapaneseLocale = 0;  ///< Flag: use the Japanese date format.
     char** ArgV = nullptr;   ///< Command line without the toolkit's options; not owned.
+    bool IsLoaded = false;   ///< The settings file has been read; until then it must not be written.
     std::string StartDir;    ///< Valid directory from the command line, or empty.
 
     GdkPixbuf* OpenDirPixmap = nullptr;   ///< Expanded folder; owned.

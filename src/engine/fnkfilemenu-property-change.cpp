@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr mode_t kPermissionBits = 07777;
-
 /// Opens an object, or the link itself, with O_PATH: this neither blocks on a pipe nor touches a
 /// device.
 Descriptor OpenAsPath(const std::string& path)

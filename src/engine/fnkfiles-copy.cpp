@@ -84,8 +84,8 @@ public:
     ClearedTarget& operator=(const ClearedTarget&) = delete;
     ~ClearedTarget()
     {
-        if (must_restore_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & 07777) == 0) {
-            fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & 07777, AT_SYMLINK_NOFOLLOW);
+        if (must_restore_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits) == 0) {
+            fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits, AT_SYMLINK_NOFOLLOW);
         }
     }
 
@@ -173,7 +173,7 @@ Source OpenSource(const Transfer& transfer)
 int Publish(NewFile& file, const Source& source, const std::string& name, bool replace)
 {
     // Some file systems store no permission bits, so ignore failures.
-    static_cast<void>(fchmod(file.Get(), source.st.st_mode & 07777));
+    static_cast<void>(fchmod(file.Get(), source.st.st_mode & kPermissionBits));
     if (!replace) {
         return file.CommitAs(name);
     }

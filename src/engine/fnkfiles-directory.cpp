@@ -97,7 +97,7 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
 
 void SetDirectoryMode(const Descriptor& directory, mode_t mode)
 {
-    const mode_t bits = mode & 07777;
+    const mode_t bits = mode & kPermissionBits;
     // fchmod refuses an O_PATH descriptor. The first way needs /proc, the second search permission.
     if (chmod(DescriptorPath(directory.Get()).c_str(), bits) == 0 || fchmodat(directory.Get(), ".", bits, 0) == 0) {
         NoteChange();
