@@ -93,22 +93,30 @@ bool FindMount(std::uint64_t wanted, Mount* mount)
     return false;
 }
 
-/// The path of an open directory in its file system, with a "/" at its end; empty if unknown. A
-/// part of a file system that is mounted a second time is below directories there that climbing
-/// from it never meets.
-std::string PathInFileSystem(int directory)
+/// Where an open directory is in its file system.
+struct InnerPlace {
+    std::string path;                  ///< Ends in "/"; empty if unknown.
+    std::uint64_t unlisted_mount = 0;  ///< 0 where the path starts at the root of the file system.
+};
+
+/// A part of a file system that is mounted a second time is below directories there that climbing
+/// from it never meets. The mount table does not list the mount of a root directory that is no
+/// mount point, as after chroot: only paths on that same mount compare with each other.
+InnerPlace FindInnerPlace(int directory)
 {
     struct statx status = {};
     char path[PATH_MAX] = {};
-    Mount mount;
-    if (statx(directory, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) != 0 ||
-        readlink(DescriptorPath(directory).c_str(), path, sizeof path - 1) <= 0 ||
-        !FindMount(status.stx_mnt_id, &mount)) {
+    if (statx(directory, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) != 0 || (status.stx_mask & STATX_MNT_ID) == 0 ||
+        readlink(DescriptorPath(directory).c_str(), path, sizeof path - 1) <= 0 || path[0] != '/') {
         return {};
     }
-    const std::string point = WithSlash(mount.point);
     const std::string full = WithSlash(path);
-    return full.starts_with(point) ? WithSlash(mount.root) + full.substr(point.size()) : std::string();
+    Mount mount;
+    if (!FindMount(status.stx_mnt_id, &mount)) {
+        return {full, status.stx_mnt_id};
+    }
+    const std::string point = WithSlash(mount.point);
+    return {full.starts_with(point) ? WithSlash(mount.root) + full.substr(point.size()) : std::string(), 0};
 }
 
 }  // namespace
@@ -132,10 +140,11 @@ int LookInside(const std::string& target, const std::string& source, bool* is_in
     }
     bool is_told_by_paths = false;
     if (target_st.st_dev == source_st.st_dev) {
-        const std::string inner_source = PathInFileSystem(source_directory.Get());
-        const std::string inner_target = PathInFileSystem(target_directory.Get());
-        is_told_by_paths = !inner_source.empty() && !inner_target.empty();
-        *is_inside = is_told_by_paths && inner_target.starts_with(inner_source);
+        const InnerPlace inner_source = FindInnerPlace(source_directory.Get());
+        const InnerPlace inner_target = FindInnerPlace(target_directory.Get());
+        is_told_by_paths = !inner_source.path.empty() && !inner_target.path.empty() &&
+                           inner_source.unlisted_mount == inner_target.unlisted_mount;
+        *is_inside = is_told_by_paths && inner_target.path.starts_with(inner_source.path);
     }
     const int error = *is_inside ? 0 : LookAbove(std::move(target_directory), source_st, is_inside);
     // From a directory that may not be searched there is no climbing.
