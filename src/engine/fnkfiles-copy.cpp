@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <tuple>
 #include <vector>
 
 #include "core/fnkfiles-newfile.h"
@@ -85,7 +86,9 @@ public:
     ~ClearedTarget()
     {
         if (must_restore_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits) == 0) {
-            fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits, AT_SYMLINK_NOFOLLOW);
+            // If even this fails there is nothing left to do.
+            std::ignore =
+                fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits, AT_SYMLINK_NOFOLLOW);
         }
     }
 

@@ -10,6 +10,7 @@
 #include "child.h"
 #include "enginetest.h"
 #include "engine/fnkfiles-delete.h"
+#include "engine/fnkfiles-inside.h"
 #include "core/fnkutil-launch.h"
 #include "core/fnkutil.h"
 
@@ -180,6 +181,34 @@ TEST_F(CopyRefused, NothingToCopyOrNowhereToPutItIsSaid)
     EXPECT_EQ(answers.asked, (Asked{Failure("copy", "gone/", "No such file or directory"),
                                     Failure("move", "file/", "Not a directory")}));
     EXPECT_EQ(files.Names(), std::vector<std::string>{"file"});
+}
+
+// After chroot the mount table does not list the mount of the root directory.
+TEST_F(CopyRefused, WhatIsInsideIsToldWhereTheRootIsNoMountPoint)
+{
+    const ChildResult result = RunInChild([this] {
+        if (geteuid() != 0) {
+            _exit(CHILD_SKIPPED);
+        }
+        files.Directory("moving");
+        files.Directory("unsearchable");
+        files.SetMode("", 0755);
+        files.SetMode("unsearchable", 0644);
+        MountSmallDisk(files.Directory("disk"), "size=1m");
+        Require(mount("/proc", files.Directory("proc").c_str(), nullptr, MS_BIND | MS_REC, nullptr) == 0 &&
+                    chroot(files.Path().c_str()) == 0 && chdir("/") == 0 && setresuid(65534, 65534, 65534) == 0,
+                "chroot");
+        bool is_inside = true;
+        EXPECT_EQ(CheckIsInside("/unsearchable/new", "/moving/", &is_inside), EACCES) << "it may be anything";
+        EXPECT_EQ(CheckIsInside("/unsearchable", "/moving/", &is_inside), 0);
+        EXPECT_FALSE(is_inside);
+        EXPECT_EQ(CheckIsInside("/disk/new", "/moving/", &is_inside), 0);
+        EXPECT_FALSE(is_inside);
+    });
+    if (result == CHILD_SKIPPED) {
+        GTEST_SKIP() << "no chroot allowed here";
+    }
+    EXPECT_EQ(result, CHILD_PASSED);
 }
 
 TEST_F(CopyRefused, TheDeepestTreeThereCanBeArrivesAndGoes)

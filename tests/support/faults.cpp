@@ -104,6 +104,12 @@ extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode)
     }
     return FailsNow(is_new ? "O_TMPFILE" : "openat") ? -1 : __real_openat(at, path, flags, mode);
 }
+// Hardened builds call openat by this name where they do not know the flags.
+extern "C" int __wrap___openat_2(int at, const char* path, int flags);
+extern "C" int __wrap___openat_2(int at, const char* path, int flags)
+{
+    return __wrap_openat(at, path, flags, 0);
+}
 extern "C" int __real_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
 extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
 extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags)

@@ -28,6 +28,7 @@ class ScratchDirectory {
 public:
     ScratchDirectory()
     {
+        umask(022);  // Whatever the caller's is.
         std::string pattern = std::filesystem::temp_directory_path() / "fennick-test.XXXXXX";
         Require(mkdtemp(pattern.data()) != nullptr, pattern);
         path_ = std::filesystem::canonical(pattern).string() + "/";
