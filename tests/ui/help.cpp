@@ -7,27 +7,7 @@
 
 namespace {
 
-class Help : public WindowTest {
-protected:
-    static void Choose(MenuEntry entry) { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); }
-};
-
-TEST_F(Help, TheNoticeIsShownUntilItIsClosed)
-{
-    Start();
-    for (const DialogAct& close : {PressButton("OK"), DialogAct(SendClose), PressEscape()}) {
-        DuringDialogs([] { Choose(MENU_ABORT); }, {[&close](GtkWidget* dialog) {
-                          EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Abort");
-                          EXPECT_FALSE(gtk_widget_get_sensitive(pMainW->MainWindow));
-                          EXPECT_NE(FindByText(dialog,
-                                               "Version 1.01\nCopyright (C) 2026 The Fennick developers\n"
-                                               "Free software under the MIT licence"),
-                                    nullptr);
-                          close(dialog);
-                      }});
-    }
-    ExpectConsistent();
-}
+class Help : public WindowTest {};
 
 TEST_F(Help, TheManualIsHandedToTheBrowser)
 {
@@ -38,15 +18,12 @@ TEST_F(Help, TheManualIsHandedToTheBrowser)
     if (access("/usr/lib/netscape/start", X_OK) == 0) {
         GTEST_SKIP() << "this machine has a browser of its own to start";
     }
-    Choose(MENU_MANUAL);
+    gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_MANUAL]));
     const std::vector<std::string> words = programs.Next();
     ASSERT_EQ(words.size(), 2U);
     EXPECT_EQ(words[0], browser);
     EXPECT_TRUE(words[1].starts_with("/") && words[1].ends_with("/fennick.htm")) << words[1];
-}
-
-TEST_F(Help, TheManualIsThatOfTheProgramItself)
-{
+    // It is the manual of the program that runs, wherever that is.
     const std::string program = files.At("bin/");
     EXPECT_TRUE(FindManual(program).ends_with("/share/fennick/Help/fennick.htm")) << FindManual(program);
     const std::string source = files.File("help/fennick.htm");
@@ -55,7 +32,7 @@ TEST_F(Help, TheManualIsThatOfTheProgramItself)
     EXPECT_EQ(FindManual(program), moved);
 }
 
-TEST_F(Help, TheManualTellsOfEveryEntryAndEverySetting)
+TEST_F(Help, TheManualMentionsEveryEntryAndEverySetting)
 {
     std::ifstream stream(FENNICK_MANUAL);
     const std::string manual{std::istreambuf_iterator<char>(stream), {}};
