@@ -1,10 +1,9 @@
-// That everything the program shows comes out of a catalogue. The one used here marks the end of
-// each line of its texts and changes nothing else.
+// Everything that is shown comes from the catalogue. The one used here marks the end of each line
+// of its texts.
 
 #include "acts.h"
 #include "fnkraii.h"
 #include "language.h"
-#include "windowtest.h"
 
 namespace {
 
@@ -23,8 +22,7 @@ protected:
         } else if (GTK_IS_MENU_ITEM(widget) && gtk_menu_item_get_submenu(GTK_MENU_ITEM(widget)) != nullptr) {
             LookAt(gtk_menu_item_get_submenu(GTK_MENU_ITEM(widget)));
         }
-        const GlibPointer<char> tip(gtk_widget_get_tooltip_text(widget));
-        Take(tip.get());
+        Take(GlibPointer<char>(gtk_widget_get_tooltip_text(widget)).get());
         if (GTK_IS_CONTAINER(widget)) {
             gtk_container_forall(
                 GTK_CONTAINER(widget),
@@ -32,14 +30,13 @@ protected:
         }
     }
     /// Looks at a dialog before it is acted on.
-    DialogAct Look(const DialogAct& act)
+    DialogAct Look(const DialogAct& act = SendClose)
     {
         return [this, act](GtkWidget* dialog) {
             LookAt(dialog);
             act(dialog);
         };
     }
-    DialogAct Look() { return Look(SendClose); }
     static DialogAct PressMarked(const std::string& label)
     {
         return [label](GtkWidget* dialog) { PressButton((label + kMark).c_str())(dialog); };
@@ -50,16 +47,15 @@ protected:
         DuringDialogs([entry] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); }, acts);
     }
 
-    /// What was shown without the mark, but for names, paths, dates and modes.
+    /// What was shown without the mark and is no name, path, date or mode.
     Names unmarked_;
 
 private:
     void Take(const char* text)
     {
-        constexpr const char* kNoWordPathDateOrMode = R"(^[^A-Za-z]*$|/|\d\d:\d\d|^[-rwx]{10}$|^Fennick$)";
         const std::string shown = text != nullptr ? text : "";
         if (shown.find(kMark) == std::string::npos &&
-            !g_regex_match_simple(kNoWordPathDateOrMode, shown.c_str(), {}, {})) {
+            !g_regex_match_simple(R"(^[^A-Za-z]*$|/|\d\d:\d\d|^[-rwx]{10}$|^Fennick$)", shown.c_str(), {}, {})) {
             unmarked_.push_back(shown);
         }
     }
@@ -80,7 +76,12 @@ TEST_F(Languages, EverythingThatIsShownComesFromTheCatalogue)
         Choose(entry, {Look()});
     }
     Choose(MENU_COPY, {EnterText("//"), Look(), PressMarked("Browse..."), Look(), SendClose});
-    Choose(MENU_FIND_FILE, {Look(PressMarked("OK")), Look(), SendClose});
+    Choose(MENU_FIND_FILE, {Look(PressMarked("OK")), [this](GtkWidget* dialog) {
+                                LookAt(dialog);
+                                const std::string found = std::string("Match file list") + kMark;
+                                EXPECT_TRUE(Await([&] { return FindByText(dialog, found) != nullptr; }));
+                                Look()(dialog);
+                            }});
     DuringDialogs([this] { Press(GDK_KEY_Return); }, {Look()});
     SelectNames({"2"});
     Choose(MENU_DELETE, {PressMarked("Yes"), Look()});
