@@ -155,7 +155,15 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
         ExpectConsistent();
     }
     // By keys alone: to the tree, down to the match, and there.
-    During({Ask("", "x*", true), [](GtkWidget* dialog) {
+    for (int i = 0; i < 200; ++i) {
+        files.File("d\xFF/e/" + std::to_string(i));
+    }
+    Visit("d\xFF");
+    During({[](GtkWidget* dialog) {
+                EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Start dir:")), pGTable->CurrentDir);
+                Ask("", "x*", true)(dialog);
+            },
+            [](GtkWidget* dialog) {
                 EXPECT_TRUE(Await([dialog] { return IsOver(dialog); }));
                 while (gtk_window_get_focus(GTK_WINDOW(dialog)) != GTK_WIDGET(TreeOf(dialog))) {
                     SendKey(dialog, GDK_KEY_Tab);
@@ -164,6 +172,7 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
                 SendKey(dialog, GDK_KEY_Return);
             }});
     EXPECT_EQ(pGTable->CurrentDir, files.At("d\xFF/e/"));
+    EXPECT_TRUE(Await([this] { return RowVisibilityOf(RowOf("x\xFE.c")) == ROW_VISIBLE; }));
     ExpectConsistent();
 }
 

@@ -43,24 +43,19 @@ protected:
     void Move(const Names& names, const DialogActs& acts) { On(names, MENU_MOVE, acts); }
     void Delete(const Names& names, const DialogActs& acts) { On(names, MENU_DELETE, acts); }
 
-    /// Presses Cancel while the files are counted.
-    static void CancelSoon()
-    {
-        g_idle_add(
-            [](gpointer) -> gboolean {
-                if (pGTable->ProgressDlg == nullptr) {
-                    return G_SOURCE_CONTINUE;
-                }
-                EXPECT_EQ(pGTable->ProgressTotal, 0);
-                PressButton("Cancel")(pGTable->ProgressDlg);
-                return G_SOURCE_REMOVE;
-            },
-            nullptr);
-    }
+    /// Then presses Cancel while the files are counted.
     static DialogAct CancelAfter(const DialogAct& act)
     {
         return [act](GtkWidget* dialog) {
-            CancelSoon();
+            g_idle_add(
+                [](gpointer) -> gboolean {
+                    if (pGTable->ProgressDlg != nullptr) {
+                        EXPECT_EQ(pGTable->ProgressTotal, 0);
+                        PressButton("Cancel")(pGTable->ProgressDlg);
+                    }
+                    return pGTable->ProgressDlg == nullptr;
+                },
+                nullptr);
             act(dialog);
         };
     }
@@ -114,7 +109,7 @@ TEST_F(Operations, ANewFileComesIntoViewUnlessItIsHidden)
         EXPECT_TRUE(Await([&] { return RowVisibilityOf(RowOf(name)) == ROW_VISIBLE; })) << name;
     }
     NewFile({EnterText(".hidden")});
-    EXPECT_TRUE(Exists("many\xFF/.hidden"));
+    EXPECT_EQ(files.Status("many\xFF/.hidden").st_mode & 07777U, 0644U);
     ExpectConsistent();
     NewFile({EnterText("../beside")});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
@@ -154,18 +149,21 @@ TEST_F(Operations, SeveralGoIntoADirectory)
     Start();
     // A missing directory is made, and goes again if nothing came into it.
     Move({"a", "b"}, {CancelAfter(EnterText("new"))});
+    Move({"a", "b"}, {CancelAfter(EnterText("dir"))});
     EXPECT_EQ(files.Names(), (Names{"a", "b", "dir"}));
-    Copy({"dir", "a", "b"}, {[](GtkWidget* dialog) {
-             EXPECT_NE(FindByText(dialog, "Copy 3 file/directory to:"), nullptr);
+    EXPECT_EQ(pGTable->CurrentDir, files.Path());
+    Copy({"dir", "a"}, {[](GtkWidget* dialog) {
+             EXPECT_NE(FindByText(dialog, "Copy 2 file/directory to:"), nullptr);
              EnterText("new")(dialog);
          }});
     EXPECT_EQ(pGTable->CurrentDir, files.At("new/"));
-    EXPECT_EQ(ListNames(), (Names{"..", "dir", "a", "b"}));
+    EXPECT_EQ(ListNames(), (Names{"..", "dir", "a"}));
     EXPECT_EQ(files.Contents("new/dir/sub/c") + files.Contents("a"), "dir/sub/ca");
     ExpectConsistent();
     // Back to where the same names are: asked once, for all.
     files.File("new/a", "4");
     files.File("new/b", "5");
+    ClickTool(TOOL_RESCAN);
     Move({"a", "b"}, {EnterText(files.Path()), PressButton("Yes")});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(files.Contents("a") + files.Contents("b"), "45");
@@ -203,11 +201,15 @@ TEST_F(Operations, OneTakesTheNameThatItIsGiven)
     EXPECT_EQ(ListNames(), (Names{"..", "file"}));
     EXPECT_FALSE(Exists("up/shown"));
     ExpectConsistent();
-    // To the top of the tree, where no parent can be read again.
     Visit("up");
-    Move({"dir"}, {EnterText(files.Path())});
+    Move({"dir"}, {EnterText("../here/dir")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("here/dir/"));
+    ExpectConsistent();
+    // To the top of the tree, where no parent can be read again.
+    Move({}, {EnterText(files.Path())});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(ListNames(), (Names{"..", "dir", "here", "up", "a\xFF"}));
+    ExpectConsistent();
     Move({"dir"}, {EnterText("dir/inside"), ReadBox("Cannot move to a sub directory.")});
 }
 
@@ -261,19 +263,26 @@ TEST_F(Operations, TheTopDirectoryIsNeitherCopiedNorMovedNorDeleted)
         EXPECT_EQ(gtk_widget_get_sensitive(pMainW->MenuItem[MENU_DELETE]), copy);
         return copy;
     };
+    // A drag over the tree leaves another directory selected there than the one that is shown.
+    const auto select = [](const std::string& path) {
+        DisconnectTreeSelectSignal();
+        SetTreeSelectPath(MainTree(), path);
+        ConnectTreeSelectSignal();
+    };
     EXPECT_FALSE(sensitive());
     SelectNames({"dir"});
     EXPECT_TRUE(sensitive());
+    UnselectAllListRows();
+    select(files.At("dir/"));
+    EXPECT_FALSE(sensitive());
+    select(files.Path());
     Visit("dir");
     EXPECT_TRUE(sensitive());
-    // As a drag over the tree leaves it.
-    DisconnectTreeSelectSignal();
-    SetTreeSelectPath(MainTree(), pGTable->RootDir);
-    ConnectTreeSelectSignal();
+    select(files.Path());
     EXPECT_FALSE(sensitive());
     gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_DELETE]));
     EXPECT_TRUE(Exists("dir/a"));
-    Visit("dir");
+    select(files.At("dir/"));
 }
 
 }  // namespace
