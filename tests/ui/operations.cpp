@@ -11,12 +11,7 @@ namespace {
 
 class Operations : public WindowTest {
 protected:
-    void TearDown() override
-    {
-        if (pMainW != nullptr) {
-            ExpectConsistent();
-        }
-    }
+    void TearDown() override { ExpectConsistent(); }
     static void OpenFileMenu()
     {
         GtkWidget* const menu = gtk_widget_get_parent(pMainW->MenuItem[MENU_COPY]);
@@ -38,7 +33,13 @@ protected:
     }
     static void NewDirectory(const DialogActs& acts) { ChooseNew(0, acts); }
     static void NewFile(const DialogActs& acts) { ChooseNew(1, acts); }
-    /// The commands for these rows; for the shown directory if there are none.
+    /// A command for these rows; for the shown directory if there are none.
+    void On(const Names& names, MenuEntry entry, const DialogActs& acts)
+    {
+        SelectNames(names);
+        Choose(pMainW->MenuItem[entry], acts);
+        EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    }
     void Copy(const Names& names, const DialogActs& acts) { On(names, MENU_COPY, acts); }
     void Move(const Names& names, const DialogActs& acts) { On(names, MENU_MOVE, acts); }
     void Delete(const Names& names, const DialogActs& acts) { On(names, MENU_DELETE, acts); }
@@ -59,46 +60,12 @@ protected:
             act(dialog);
         };
     }
-    static DialogAct YesToAll()
-    {
-        return [](GtkWidget* box) {
-            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(FindByText(box, "Do the same for the rest")), TRUE);
-            PressButton("Yes")(box);
-        };
-    }
     bool Exists(const std::string& name) const { return std::filesystem::exists(files.At(name)); }
-
-private:
-    void On(const Names& names, MenuEntry entry, const DialogActs& acts)
-    {
-        SelectNames(names);
-        Choose(pMainW->MenuItem[entry], acts);
-        EXPECT_EQ(pGTable->ProgressDlg, nullptr);
-    }
 };
 
-TEST_F(Operations, ANewDirectoryIsEntered)
+TEST_F(Operations, WhatIsNewIsShown)
 {
     umask(022);
-    files.Directory("a");
-    Start();
-    Visit("a");
-    NewDirectory({[&](GtkWidget* dialog) {
-        EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog)))), files.At("a/"));
-        EXPECT_EQ(gtk_window_get_default_widget(GTK_WINDOW(dialog)), FindByText(dialog, "Cancel"));
-        EnterText("b\xC3\xA4r")(dialog);
-    }});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("a/b\xC3\xA4r/"));
-    EXPECT_EQ(files.Status("a/b\xC3\xA4r").st_mode & 07777U, 0755U);
-    ExpectConsistent();
-    NewDirectory({EnterText("../c")});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("a/c/"));
-    NewDirectory({EnterText(files.At("d"))});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("d/"));
-}
-
-TEST_F(Operations, ANewFileComesIntoViewUnlessItIsHidden)
-{
     for (int i = 0; i < 200; ++i) {
         files.File("many\xFF/" + std::to_string(i));
     }
@@ -114,6 +81,15 @@ TEST_F(Operations, ANewFileComesIntoViewUnlessItIsHidden)
     NewFile({EnterText("../beside")});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(ListNames(), (Names{"..", "many\xFF", "beside"}));
+    NewDirectory({[&](GtkWidget* dialog) {
+        EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog)))), files.Path());
+        EnterText("b\u00e4r")(dialog);
+    }});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("b\u00e4r/"));
+    EXPECT_EQ(files.Status("b\u00e4r").st_mode & 07777U, 0755U);
+    ExpectConsistent();
+    NewDirectory({EnterText("../c")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("c/"));
 }
 
 TEST_F(Operations, WhatCannotBeMadeIsReported)
@@ -122,10 +98,8 @@ TEST_F(Operations, WhatCannotBeMadeIsReported)
     files.Directory("closed");
     Start();
     // A path that no command can use keeps the dialog open.
-    NewDirectory({EnterText("/elsewhere"), ReadBox("The specified path cannot be operated."), EnterText("no/such"),
-                  ReadBox("Path is inaccurate."), EnterText(""), ReadBox("Path is too short."), EnterText("closed"),
-                  ReadBox("The specified directory already exists.")});
-    NewFile({EnterText("taken"), ReadBox("The specified file already exists.")});
+    NewDirectory({EnterText("/elsewhere"), ReadBox("The specified path cannot be operated."), EnterText(""),
+                  ReadBox("Path is too short."), EnterText("closed"), ReadBox("The specified directory already exists.")});
     NewFile({EnterText("given//up"), ReadBox("Path is inaccurate."), PressEscape()});
     // It appeared after the dialog was closed.
     DuringDialogs([&] { EXPECT_FALSE(CreateNewFile(files.At("taken"))); },
@@ -230,15 +204,18 @@ TEST_F(Operations, OneYesDeletesOneFullDirectory)
            {PressButton("Yes"), PressButton("Yes"), PressButton("No"), PressButton("Yes")});
     EXPECT_EQ(ListNames(), (Names{"..", "tree2", "tree4", "b", "keep"}));
     ExpectConsistent();
-    Delete({"tree2", "tree4", "b"}, {PressButton("Yes"), YesToAll()});
+    Delete({"tree2", "tree4", "b"}, {PressButton("Yes"), [](GtkWidget* box) {
+                                         PressButton("Do the same for the rest")(box);
+                                         PressButton("Yes")(box);
+                                     }});
     EXPECT_EQ(ListNames(), (Names{"..", "keep"}));
 }
 
 TEST_F(Operations, DeletingTheShownDirectoryLeadsToItsParent)
 {
+    Settings("[Setting]\nConfilmDel=no\n");
     files.File("up/shown/file");
     Start();
-    pGTable->ConfilmDel = 0;
     Visit("up/shown");
     Delete({}, {PressButton("No")});
     EXPECT_EQ(pGTable->CurrentDir, files.At("up/shown/"));
