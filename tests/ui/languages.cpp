@@ -24,7 +24,8 @@ protected:
         }
         Take(GlibPointer<char>(gtk_widget_get_tooltip_text(widget)).get());
         if (GTK_IS_CONTAINER(widget)) {
-            gtk_container_forall(GTK_CONTAINER(widget), [](GtkWidget* child, gpointer) { LookAt(child); }, nullptr);
+            gtk_container_forall(
+                GTK_CONTAINER(widget), [](GtkWidget* child, gpointer) { LookAt(child); }, nullptr);
         }
     }
     static DialogAct Look(const DialogAct& act = SendClose)

@@ -99,7 +99,8 @@ TEST_F(Operations, WhatCannotBeMadeIsReported)
     Start();
     // A path that no command can use keeps the dialog open.
     NewDirectory({EnterText("/elsewhere"), ReadBox("The specified path cannot be operated."), EnterText(""),
-                  ReadBox("Path is too short."), EnterText("closed"), ReadBox("The specified directory already exists.")});
+                  ReadBox("Path is too short."), EnterText("closed"),
+                  ReadBox("The specified directory already exists.")});
     NewFile({EnterText("given//up"), ReadBox("Path is inaccurate."), PressEscape()});
     // It appeared after the dialog was closed.
     DuringDialogs([&] { EXPECT_FALSE(CreateNewFile(files.At("taken"))); },

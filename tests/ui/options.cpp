@@ -192,10 +192,9 @@ TEST_F(Options, ColumnsAreAddedRemovedAndMoved)
         EXPECT_FALSE(CanPress(dialog, "Add"));
         EXPECT_EQ(TitlesIn(displayed), (Names{"Name", "Modification time", "Group", "User"}));
         ClickTitleIn(displayed, "Modification time");
-        for (const guint state : {0U, guint(GDK_MOD1_MASK), guint(GDK_MOD1_MASK)}) {
-            SendKey(dialog, GDK_KEY_Up, state);
-            ClickTitleIn(displayed, "Modification time");
-        }
+        SendKey(dialog, GDK_KEY_Down);  // Moves the cursor alone.
+        ClickTitleIn(displayed, "Modification time");
+        SendKey(dialog, GDK_KEY_Up, GDK_MOD1_MASK);
         ClickTitleIn(displayed, "Group");
         SendKey(dialog, GDK_KEY_Down, GDK_MOD1_MASK);
         PressButton("OK")(dialog);

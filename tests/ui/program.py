@@ -22,9 +22,14 @@ PROGRAM = os.path.abspath(sys.argv.pop(1))
 DEADLINE = 60
 
 
-def wait_for(what, condition):
-    end = time.monotonic() + DEADLINE
+def wait_for(what, condition, act=None):
+    """Acts, and once more every ten seconds: what is done to a loaded machine may come to nothing."""
+    start = time.monotonic()
+    acted, end = start - 10, start + DEADLINE
     while True:
+        if act and time.monotonic() >= acted + 10:
+            act()
+            acted = time.monotonic()
         try:
             if result := condition():
                 return result
@@ -32,6 +37,10 @@ def wait_for(what, condition):
             pass
         assert time.monotonic() < end, f"waited in vain for {what() if callable(what) else what}"
         time.sleep(0.02)
+
+
+def children(node):
+    return filter(None, (node.get_child_at_index(index) for index in range(min(node.get_child_count(), 40))))
 
 
 class Fennick:
@@ -48,9 +57,8 @@ class Fennick:
         self.window = wait_for("a window", lambda: self.windows("Fennick"))[0]
 
     def look_for(self, *names):
-        desktop = Atspi.get_desktop(0)
         self.application = wait_for("the accessible program", lambda: next(
-            (child for child in self.children(desktop) if child.get_process_id() == self.process.pid), None))
+            (child for child in children(Atspi.get_desktop(0)) if child.get_process_id() == self.process.pid), None))
         self.bar, self.entry, self.list = (wait_for(name, lambda: self.find(name)) for name in names)
         self.xdotool("windowactivate", self.window)
         wait_for("the focus", lambda: self.xdotool("getactivewindow").split() == [self.window])
@@ -87,23 +95,18 @@ class Fennick:
         self.process.terminate()
         return self.ended()
 
-    @staticmethod
-    def children(node):
-        children = (node.get_child_at_index(index) for index in range(min(node.get_child_count(), 40)))
-        return [child for child in children if child]
-
     def find(self, name, node=None):
         """The first accessible of that name."""
         node = node or self.application
         if node.get_name() == name:
             return node
-        return next((found for child in self.children(node) if (found := self.find(name, child))), None)
+        return next((found for child in children(node) if (found := self.find(name, child))), None)
 
-    def expect(self, status=None, location=None):
+    def expect(self, status=None, location=None, act=None):
         def state():
             return self.bar.get_description(), Atspi.Text.get_text(self.entry, 0, -1)
         wait_for(lambda: f"{status}, {location}: {state()}", lambda: all(
-            wanted in (None, seen) for wanted, seen in zip((status, location), state())))
+            wanted in (None, seen) for wanted, seen in zip((status, location), state())), act)
 
     def place_of(self, name, node=None, below=0):
         def look():
@@ -187,13 +190,13 @@ class Program(unittest.TestCase):
         fennick.expect(f" {home}", home)
         fennick.click("b", node=fennick.list)
         fennick.expect(" b  2KByte")
-        fennick.click("dir", times=2, node=fennick.list)
-        fennick.expect(f" {home}dir/", home + "dir/")
+        fennick.expect(f" {home}dir/", home + "dir/", lambda: fennick.click("dir", times=2, node=fennick.list))
         fennick.keys("Tab", "Return")
         fennick.expect(" x  0KByte", home + "dir/inner/")
         fennick.click("Up")
         fennick.expect(location=home + "dir/")
-        fennick.click("Location", times=3)
+        fennick.click("Location")
+        fennick.keys("ctrl+a")
         fennick.xdotool("type", "--delay", "1", home + "dir/inner/nothing")
         fennick.keys("Return")
         fennick.expect(location=home + "dir/inner/")
@@ -232,8 +235,8 @@ class Program(unittest.TestCase):
         self.file(".extension", f"[Extension]\ntxt={viewer}\n")
         self.file("../other/.fennick", "[Main Window]\nWindowX=660\nWindowY=50\nWindowWidth=600\nWindowHeight=400\n")
         source = self.start()
-        source.click("a b.txt", times=2, node=source.list)
-        wait_for("the viewer", lambda: os.path.exists(viewer + ".seen"))
+        wait_for("the viewer", lambda: os.path.exists(viewer + ".seen"),
+                 lambda: source.click("a b.txt", times=2, node=source.list))
         with open(viewer + ".seen", encoding="utf-8") as file:
             self.assertEqual(file.read(), f"{self.home}/a b.txt")
         source.keys("alt+f")
@@ -255,10 +258,9 @@ class Program(unittest.TestCase):
                 start = source.place_of("a b.txt", source.list)
                 source.xdotool("mousemove", *start, "mousedown", "1", "mousemove_relative", "30", "30", *moves, "mouseup", "1")
                 end = time.monotonic() + 10
-                while not (done := os.path.exists(f"{target.home}/a b.txt")) and time.monotonic() < end:
+                while not os.path.exists(f"{target.home}/a b.txt") and time.monotonic() < end:
                     target.keys(key)  # Nothing takes it before the popup is there.
-                return done
-            wait_for("the file", drop)
+            wait_for("the file", lambda: os.path.exists(f"{target.home}/a b.txt"), drop)
             wait_for("the row", lambda: target.find("a b.txt", target.list))
             wait_for("its original", lambda: os.path.exists(f"{self.home}/a b.txt") == stays)
             os.remove(f"{target.home}/a b.txt")
@@ -266,7 +268,7 @@ class Program(unittest.TestCase):
         source.end()
 
     def test_a_day_abroad_and_at_home(self):
-        for name, charset in [("ja_JP", "UTF-8"), ("ja_JP", "EUC-JP"), ("de_DE", "UTF-8"), ("eo", "UTF-8")]:
+        for name, charset in [("ja_JP", "EUC-JP"), ("de_DE", "UTF-8")]:
             subprocess.run(["localedef", "-i", name, "-f", charset, f"{self.directory}/{name}.{charset}"], check=True)
         columns = dict(ColumnCount="3", ColumnPosition0="0", ColumnPosition1="8", ColumnPosition2="1")
         self.file(".fennick", "[Detailed View]\n" + "".join(f"{key}={value}\n" for key, value in columns.items()))
@@ -275,8 +277,7 @@ class Program(unittest.TestCase):
         japanese = ["ファイル(F)", "戻る", "名前", "更新日時", "2001/03/07 09:05"]
         english = ["File(F)", "Back", "Name", "Mar 07 2001 09:05"]
         german = ["Datei", "Zurück", "Größe", "Mar 07 2001 09:05"]
-        for locale, shown, key in [("ja_JP.UTF-8", japanese, "alt+e"), ("ja_JP.EUC-JP", japanese, "alt+e"),
-                                   ("de_DE.UTF-8", german, "alt+b"), ("eo.UTF-8", english, "alt+e"),
+        for locale, shown, key in [("ja_JP.EUC-JP", japanese, "alt+e"), ("de_DE.UTF-8", german, "alt+b"),
                                    ("xx_YY.UTF-8", english, "alt+e")]:
             text = gettext.translation("fennick", f"{os.path.dirname(PROGRAM)}/locale", [locale], fallback=True).gettext
             fennick = Fennick(self, LANG=locale, LC_ALL=locale, LOCPATH=self.directory)
@@ -290,33 +291,13 @@ class Program(unittest.TestCase):
             fennick.expect(" a  1KByte")
             self.assertLessEqual(columns.items(), fennick.close().items())
 
-    def test_a_bare_display_and_a_bare_home(self):
-        # No shared memory, as from another machine, and nobody who decorates or activates windows.
-        reading, writing = os.pipe()
-        server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writing), "-screen", "0", "1024x600x24", "-nolisten", "tcp", "-noreset",
-             "-extension", "MIT-SHM"], pass_fds=[writing], stderr=subprocess.DEVNULL)
-        self.addCleanup(server.wait)
-        self.addCleanup(server.terminate)
-        os.close(writing)
-        with os.fdopen(reading) as number:
-            self.variables["DISPLAY"] = f":{number.readline().strip()}"
-        os.mkdir(f"{self.home}/directory")
-        fennick = Fennick(self)
-        fennick.xdotool("mousemove", "--window", fennick.window, "300", "200")
-        fennick.keys("Tab")
-        fennick.keys("alt+s", "o")
-        wait_for("the options", lambda: fennick.windows("Option"))
-        fennick.keys("Escape")
-        wait_for("their end", lambda: not fennick.windows("Option"))
-        fennick.keys("Return", "ctrl+w")
-        self.assertEqual(fennick.ended()["CurrentDir"], f"{self.home}/directory/")
+    def test_a_home_that_is_missing_or_closed(self):
         Fennick(self, HOME=None).end()
-        variables = {**os.environ, **self.variables, "HOME": "/nowhere"}
-        done = subprocess.run([PROGRAM], env=variables, capture_output=True, text=True)
+        done = subprocess.run([PROGRAM], env={**os.environ, "HOME": "/nowhere"}, capture_output=True, text=True)
         self.assertEqual(done.stderr, "fennick: cannot read the directory /nowhere/\n")
         os.mkdir(f"{self.directory}/closed", 0o555)
-        Fennick(self, home=f"{self.directory}/closed", user=65534 if os.geteuid() == 0 else None).end()
+        user = 65534 if os.geteuid() == 0 else None
+        Fennick(self, home=f"{self.directory}/closed", user=user, NO_AT_BRIDGE="1").end()
         self.assertEqual(os.listdir(f"{self.directory}/closed"), [])
 
 

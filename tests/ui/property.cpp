@@ -148,8 +148,10 @@ TEST_F(Property, ANewNameMustBeFree)
     DialogActs acts;
     for (const auto& [name, message] :
          {std::pair<std::string, const char*>("dir", "The specified directory already exists."),
-          {"dangling", "The specified file already exists."}, {"", "Path is too short."},
-          {long_name, "Path is too long."}, {"../x", "The specified path cannot be operated."}}) {
+          {"dangling", "The specified file already exists."},
+          {"", "Path is too short."},
+          {long_name, "Path is too long."},
+          {"../no such name", "The specified path cannot be operated."}}) {
         acts.insert(acts.end(), {Rename(name), ReadBox(message)});
     }
     acts.push_back(EnterText("good"));  // The refused name has the focus and is selected.
