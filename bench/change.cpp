@@ -15,6 +15,7 @@
 
 #include "engine/fnkfiles-copy.h"
 #include "engine/fnkfiles-delete.h"
+#include "engine/fnkprogress-count.h"
 #include "kit/fnkprogress.h"
 #include "measure.h"
 

@@ -110,6 +110,11 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height)
     GtkWidget* const dialog = CreateDialogBox(&content, width, height);
     *notebook = gtk_notebook_new();
     gtk_box_pack_start(GTK_BOX(content), *notebook, TRUE, TRUE, 0);
+    // For assistive programs, the toolkit asks for the tab of each page that goes, even when the tab is
+    // gone already. It does not ask while tabs are hidden.
+    g_signal_connect(*notebook, "destroy",
+                     G_CALLBACK(+[](GtkNotebook* pages, gpointer) { gtk_notebook_set_show_tabs(pages, FALSE); }),
+                     nullptr);
     gtk_widget_show(*notebook);
     return dialog;
 }

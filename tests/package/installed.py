@@ -15,7 +15,6 @@ import unittest
 from pathlib import Path
 
 BUILD = os.path.abspath(sys.argv.pop(1))
-DEADLINE = 20
 SOURCES = Path(__file__).resolve().parents[2]
 PICTURES = re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text())
 LANGUAGES = (SOURCES / "po/LINGUAS").read_text().split()
@@ -44,16 +43,15 @@ class Installed(unittest.TestCase):
     def scratch(cls):
         directory = tempfile.mkdtemp(prefix="fennick-test.")
         cls.addClassCleanup(shutil.rmtree, directory)
-        return directory
+        return Path(directory)
 
     @classmethod
     def setUpClass(cls):
-        directory = cls.scratch()
-        cls.directory = Path(directory)
-        with open(f"{BUILD}/CMakeCache.txt", encoding="utf-8") as cache:
-            cls.prefix = re.search("^CMAKE_INSTALL_PREFIX:PATH=(.*)", cache.read(), re.MULTILINE)[1]
-        run("cmake", "--install", BUILD, env=dict(os.environ, DESTDIR=directory))
-        cls.root = Path(directory + cls.prefix)
+        os.umask(0o022)
+        cls.directory = cls.scratch()
+        cls.prefix = re.search("^CMAKE_INSTALL_PREFIX:PATH=(.*)", Path(BUILD, "CMakeCache.txt").read_text(), re.M)[1]
+        run("cmake", "--install", BUILD, env=dict(os.environ, DESTDIR=cls.directory))
+        cls.root = Path(f"{cls.directory}{cls.prefix}")
 
     def test_every_file_is_where_it_belongs(self):
         found = {str(path.relative_to(self.directory)): path.lstat().st_mode
@@ -66,15 +64,17 @@ class Installed(unittest.TestCase):
         for name, mode in found.items():
             program = name.startswith(prefix + "bin/")
             self.assertEqual(oct(mode), oct(stat.S_IFREG | (0o755 if program else 0o644)), name)
+        for path in self.root.glob("share/icons/hicolor/*x*/apps/*.png"):
+            size = struct.unpack(">II", path.read_bytes()[16:24])
+            self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
 
     def test_the_program_runs_and_knows_where_its_files_are(self):
         program = self.root / "bin/fennick"
         version = run(program, "--version", env={}).stdout
         self.assertTrue(version.startswith("Fennick  Version "), version)
-        with open(f"{BUILD}/compile_commands.json", encoding="utf-8") as file:
-            compiled = set(re.findall(r'-D(FENNICK_\w+)=\\+"(/[^\\"]*)', file.read()))
-        self.assertLessEqual({("FENNICK_HELP_DIR", f"{self.prefix}/share/fennick/Help"),
-                              ("FENNICK_LOCALE_DIR", f"{self.prefix}/share/locale")}, compiled)
+        text = program.read_bytes()
+        for name in ("fennick/Help", "locale"):
+            self.assertIn(f"{self.prefix}/share/{name}".encode(), text)
         page = (self.root / "share/man/man1/fennick.1").read_text()
         self.assertNotIn("@", page)
         for name in ("share/doc/fennick/extension.example", "share/fennick/Help/fennick.htm", "share/locale/"):
@@ -92,19 +92,11 @@ class Installed(unittest.TestCase):
         self.assertIn("alt.fennick.fennick", checked.stdout)
         found = re.findall("^ *[EW]: .*", checked.stdout, re.MULTILINE)
         self.assertEqual([line for line in found if "url-homepage-missing" not in line], [], "it has no homepage")
-        page = run("man", "--warnings", "--local-file", share / "man/man1/fennick.1", env=dict(os.environ, MANWIDTH="80"))
+        page = run("man", "--warnings", "--local-file", share / "man/man1/fennick.1", env=dict(os.environ, LC_ALL="C.UTF-8"))
         self.assertEqual(page.stderr, "")
-        for word in ("--root", "--home", "--version", "EXIT STATUS", "~/.fennick"):
-            self.assertIn(word, page.stdout)
-
-    def test_every_icon_has_its_size(self):
-        for path in self.root.glob("share/icons/hicolor/*x*/apps/*.png"):
-            header = path.read_bytes()[:24]
-            size = struct.unpack(">II", header[16:])
-            self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
 
     def test_a_directory_opens_from_another_program(self):
-        home = Path(self.scratch())
+        home = self.scratch()
         moved = home / "moved"
         # Not below DESTDIR: this way the index of programs is made as well.
         run("cmake", "--install", BUILD, "--prefix", moved)
@@ -119,7 +111,7 @@ class Installed(unittest.TestCase):
             directory = home / name
             directory.mkdir()
             run("gio", "open", directory, env=dict(os.environ, **variables))
-            end = time.monotonic() + DEADLINE
+            end = time.monotonic() + 20
             while not report.exists() and time.monotonic() < end:
                 time.sleep(0.01)
             self.assertEqual(report.read_text(), f"2\n--root\n{directory}\n")

@@ -1,4 +1,4 @@
-// The Help menu, and the manual itself.
+// The Help menu.
 
 #include "commands/fnkhelpmenu.h"
 
@@ -7,71 +7,28 @@
 
 namespace {
 
-class Help : public WindowTest {
-protected:
-    static void Choose(MenuEntry entry) { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); }
-};
+class Help : public WindowTest {};
 
-TEST_F(Help, TheNoticeIsShownUntilItIsClosed)
-{
-    Start();
-    for (const DialogAct& close : {PressButton("OK"), DialogAct(SendClose), PressEscape()}) {
-        DuringDialogs([] { Choose(MENU_ABORT); }, {[&close](GtkWidget* dialog) {
-                          EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Abort");
-                          EXPECT_FALSE(gtk_widget_get_sensitive(pMainW->MainWindow));
-                          EXPECT_NE(FindByText(dialog,
-                                               "Version 1.01\nCopyright (C) 2026 The Fennick developers\n"
-                                               "Free software under the MIT licence"),
-                                    nullptr);
-                          close(dialog);
-                      }});
-    }
-    ExpectConsistent();
-}
-
-TEST_F(Help, TheManualIsHandedToTheBrowser)
+TEST_F(Help, TheManualOfThisProgramIsHandedToTheBrowser)
 {
     ReportingPrograms programs;
     const std::string browser = programs.Make("xdg-open");
     const ScopedVariable path("PATH", programs.directory.Path().c_str());
     Start();
+    const std::string program = files.At("bin/");
+    EXPECT_TRUE(FindManual(program).ends_with("/share/fennick/Help/fennick.htm")) << FindManual(program);
+    for (const char* const beside : {"help/fennick.htm", "share/fennick/Help/fennick.htm"}) {
+        const std::string manual = files.File(beside);
+        EXPECT_EQ(FindManual(program), manual);
+    }
     if (access("/usr/lib/netscape/start", X_OK) == 0) {
         GTEST_SKIP() << "this machine has a browser of its own to start";
     }
-    Choose(MENU_MANUAL);
+    gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_MANUAL]));
     const std::vector<std::string> words = programs.Next();
     ASSERT_EQ(words.size(), 2U);
     EXPECT_EQ(words[0], browser);
     EXPECT_TRUE(words[1].starts_with("/") && words[1].ends_with("/fennick.htm")) << words[1];
-}
-
-TEST_F(Help, TheManualIsThatOfTheProgramItself)
-{
-    const std::string program = files.At("bin/");
-    EXPECT_TRUE(FindManual(program).ends_with("/share/fennick/Help/fennick.htm")) << FindManual(program);
-    const std::string source = files.File("help/fennick.htm");
-    EXPECT_EQ(FindManual(program), source);
-    const std::string moved = files.File("share/fennick/Help/fennick.htm");
-    EXPECT_EQ(FindManual(program), moved);
-}
-
-TEST_F(Help, TheManualTellsOfEveryEntryAndEverySetting)
-{
-    std::ifstream stream(FENNICK_MANUAL);
-    const std::string manual{std::istreambuf_iterator<char>(stream), {}};
-    Start();
-    for (GtkWidget* const item : pMainW->MenuItem) {
-        const std::string label = GTK_IS_SEPARATOR_MENU_ITEM(item) ? "" : gtk_menu_item_get_label(GTK_MENU_ITEM(item));
-        EXPECT_NE(manual.find(">" + label.substr(0, label.find('('))), std::string::npos) << label;
-    }
-    Close();
-    std::istringstream settings(home.Contents(".fennick"));
-    for (std::string line; std::getline(settings, line);) {
-        const std::string key = line.substr(0, line.find_first_of("=0123456789"));
-        if (line.find('=') != std::string::npos && !key.ends_with("History")) {
-            EXPECT_NE(manual.find("<code>" + key), std::string::npos) << line;
-        }
-    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// New directory, New file, Copy and Move, from the menu to what the window shows afterwards.
+// New directory, New file, Copy, Move and Delete, from the menu to what the window shows afterwards.
 
 #include "commands/fnkfilemenu-operation.h"
 
@@ -11,275 +11,223 @@ namespace {
 
 class Operations : public WindowTest {
 protected:
-    /// Chooses an entry of the File menu as a user does, who has to open the menu first.
-    static void Choose(GtkWidget* item)
-    {
-        OpenFileMenu();
-        ASSERT_TRUE(gtk_widget_is_sensitive(item));
-        gtk_menu_item_activate(GTK_MENU_ITEM(item));
-    }
+    void TearDown() override { ExpectConsistent(); }
     static void OpenFileMenu()
     {
         GtkWidget* const menu = gtk_widget_get_parent(pMainW->MenuItem[MENU_COPY]);
         gtk_menu_item_activate(GTK_MENU_ITEM(gtk_menu_get_attach_widget(GTK_MENU(menu))));
     }
-    static void Choose(MenuEntry entry) { Choose(pMainW->MenuItem[entry]); }
-    static void ChooseNew(int place)
+    static void Choose(GtkWidget* item, const DialogActs& acts)
+    {
+        OpenFileMenu();
+        ASSERT_TRUE(gtk_widget_is_sensitive(item));
+        DuringDialogs([item] { gtk_menu_item_activate(GTK_MENU_ITEM(item)); }, acts);
+    }
+    static void ChooseNew(guint place, const DialogActs& acts)
     {
         GtkWidget* const menu = gtk_menu_item_get_submenu(GTK_MENU_ITEM(pMainW->MenuItem[MENU_NEW]));
         GList* const items = gtk_container_get_children(GTK_CONTAINER(menu));
-        auto* const item = static_cast<GtkWidget*>(g_list_nth_data(items, static_cast<guint>(place)));
+        auto* const item = static_cast<GtkWidget*>(g_list_nth_data(items, place));
         g_list_free(items);
-        Choose(item);
+        Choose(item, acts);
     }
-    static void NewDirectory() { ChooseNew(0); }
-    static void NewFile() { ChooseNew(1); }
-    static void Copy() { Choose(MENU_COPY); }
-    static void Move() { Choose(MENU_MOVE); }
+    static void NewDirectory(const DialogActs& acts) { ChooseNew(0, acts); }
+    static void NewFile(const DialogActs& acts) { ChooseNew(1, acts); }
+    /// A command for these rows; for the shown directory if there are none.
+    void On(const Names& names, MenuEntry entry, const DialogActs& acts)
+    {
+        SelectNames(names);
+        Choose(pMainW->MenuItem[entry], acts);
+        EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    }
+    void Copy(const Names& names, const DialogActs& acts) { On(names, MENU_COPY, acts); }
+    void Move(const Names& names, const DialogActs& acts) { On(names, MENU_MOVE, acts); }
+    void Delete(const Names& names, const DialogActs& acts) { On(names, MENU_DELETE, acts); }
 
+    /// Then presses Cancel while the files are counted.
+    static DialogAct CancelAfter(const DialogAct& act)
+    {
+        return [act](GtkWidget* dialog) {
+            g_idle_add(
+                [](gpointer) -> gboolean {
+                    if (pGTable->ProgressDlg != nullptr) {
+                        EXPECT_EQ(pGTable->ProgressTotal, 0);
+                        PressButton("Cancel")(pGTable->ProgressDlg);
+                    }
+                    return pGTable->ProgressDlg == nullptr;
+                },
+                nullptr);
+            act(dialog);
+        };
+    }
     bool Exists(const std::string& name) const { return std::filesystem::exists(files.At(name)); }
 };
 
-TEST_F(Operations, ANewDirectoryIsMadeWhereTheUserIsAndEntered)
+TEST_F(Operations, WhatIsNewIsShown)
 {
-    files.Directory("a");
+    umask(022);
+    for (int i = 0; i < 200; ++i) {
+        files.File("many\xFF/" + std::to_string(i));
+    }
     Start();
-    Visit("a");
-    DuringDialogs(NewDirectory, {[&](GtkWidget* dialog) {
-                      EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Create a new directory");
-                      EXPECT_NE(FindByText(dialog, "New directory name:"), nullptr);
-                      GtkWidget* const entry = gtk_window_get_focus(GTK_WINDOW(dialog));
-                      EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(entry)), files.At("a/"));
-                      EXPECT_EQ(gtk_window_get_default_widget(GTK_WINDOW(dialog)), FindByText(dialog, "Cancel"));
-                      EnterText("b\xC3\xA4r")(dialog);
-                  }});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("a/b\xC3\xA4r/"));
-    const mode_t mask = umask(0);
-    umask(mask);
-    EXPECT_EQ(files.Status("a/b\xC3\xA4r").st_mode & 07777U, 0775U & ~mask);
+    Visit("many\xFF");
+    for (const char* const name : {"zz", "00"}) {
+        NewFile({EnterText(name)});
+        EXPECT_TRUE(Await([&] { return RowVisibilityOf(RowOf(name)) == ROW_VISIBLE; })) << name;
+    }
+    NewFile({EnterText(".hidden")});
+    EXPECT_EQ(files.Status("many\xFF/.hidden").st_mode & 07777U, 0644U);
     ExpectConsistent();
-    DuringDialogs(NewDirectory, {EnterText("../c")});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("a/c/"));
-    DuringDialogs(NewDirectory, {EnterText(files.At("d"))});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("d/"));
+    NewFile({EnterText("../beside")});
+    EXPECT_EQ(pGTable->CurrentDir, files.Path());
+    EXPECT_EQ(ListNames(), (Names{"..", "many\xFF", "beside"}));
+    NewDirectory({[&](GtkWidget* dialog) {
+        EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog)))), files.Path());
+        EnterText("b\u00e4r")(dialog);
+    }});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("b\u00e4r/"));
+    EXPECT_EQ(files.Status("b\u00e4r").st_mode & 07777U, 0755U);
     ExpectConsistent();
+    NewDirectory({EnterText("../c")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("c/"));
 }
 
-TEST_F(Operations, WhatCannotBeMadeIsSaidAndNothingChanges)
+TEST_F(Operations, WhatCannotBeMadeIsReported)
 {
     files.File("taken", "kept");
     files.Directory("closed");
     Start();
-    // A path that no command could use keeps the dialog open, to be typed anew.
-    DuringDialogs(NewDirectory,
-                  {EnterText("/elsewhere"), ReadBox("The specified path cannot be operated."), EnterText("no/such"),
-                   ReadBox("Path is inaccurate."), EnterText(""), ReadBox("Path is too short."), EnterText("closed"),
-                   ReadBox("The specified directory already exists.")});
-    DuringDialogs(NewFile, {EnterText("taken"), ReadBox("The specified file already exists.")});
-    DuringDialogs(NewFile, {EnterText("given//up"), ReadBox("Path is inaccurate."), PressEscape()});
-    DuringDialogs(NewFile, {SendClose});
-    // It appeared since the dialog was closed.
+    // A path that no command can use keeps the dialog open.
+    NewDirectory({EnterText("/elsewhere"), ReadBox("The specified path cannot be operated."), EnterText(""),
+                  ReadBox("Path is too short."), EnterText("closed"),
+                  ReadBox("The specified directory already exists.")});
+    NewFile({EnterText("given//up"), ReadBox("Path is inaccurate."), PressEscape()});
+    // It appeared after the dialog was closed.
     DuringDialogs([&] { EXPECT_FALSE(CreateNewFile(files.At("taken"))); },
                   {ReadBox("Cannot create file " + files.At("taken") + "\ncause:" + g_strerror(EEXIST))});
     EXPECT_EQ(files.Contents("taken"), "kept");
     const OrdinaryUser user({&files, &home});
     files.SetMode("closed", 0555);
     const std::string cause = std::string("\ncause:") + g_strerror(EACCES);
-    DuringDialogs(NewFile, {EnterText("closed/x"), ReadBox("Cannot create file " + files.At("closed/x") + cause)});
-    DuringDialogs(NewDirectory,
-                  {EnterText("closed/x"), ReadBox("Cannot create directory " + files.At("closed/x/") + cause)});
+    NewFile({EnterText("closed/x"), ReadBox("Cannot create file " + files.At("closed/x") + cause)});
+    NewDirectory({EnterText("closed/x"), ReadBox("Cannot create directory " + files.At("closed/x/") + cause)});
+    Move({"closed", "taken"},
+         {EnterText("closed/x"), ReadBox("Cannot create directory " + files.At("closed/x") + cause)});
     EXPECT_EQ(files.Names(), (Names{"closed", "taken"}));
-    ExpectConsistent();
 }
 
-TEST_F(Operations, ANewFileComesIntoViewUnlessItIsHidden)
+TEST_F(Operations, SeveralGoIntoADirectory)
 {
-    for (int i = 0; i < 200; ++i) {
-        files.File("many\xFF/" + std::to_string(i));
+    for (const char* const name : {"a", "b", "dir/sub/c"}) {
+        files.File(name, name);
     }
     Start();
-    Visit("many\xFF");
-    DuringDialogs(NewFile, {EnterText("zz")});
-    EXPECT_EQ(files.Status("many\xFF/zz").st_size, 0);
-    EXPECT_TRUE(Await([&] { return RowVisibilityOf(RowOf("zz")) == ROW_VISIBLE; }));
-    DuringDialogs(NewFile, {EnterText("00")});
-    EXPECT_TRUE(Await([&] { return RowVisibilityOf(RowOf("00")) == ROW_VISIBLE; }));
-    DuringDialogs(NewFile, {EnterText(".hidden")});
-    EXPECT_TRUE(Exists("many\xFF/.hidden"));
-    ExpectConsistent();
-    // In another directory it is shown there.
-    DuringDialogs(NewFile, {EnterText("../beside")});
+    // A missing directory is made, and goes again if nothing came into it.
+    Move({"a", "b"}, {CancelAfter(EnterText("new"))});
+    Move({"a", "b"}, {CancelAfter(EnterText("dir"))});
+    EXPECT_EQ(files.Names(), (Names{"a", "b", "dir"}));
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
-    EXPECT_EQ(ListNames(), (Names{"..", "many\xFF", "beside"}));
-    ExpectConsistent();
-}
-
-TEST_F(Operations, SeveralGoIntoADirectoryWhichIsMadeWhenItIsMissing)
-{
-    files.File("a", "1");
-    files.File("b", "2");
-    files.File("dir/sub/c", "3");
-    Start();
-    SelectNames({"dir", "a", "b"});
-    DuringDialogs(Copy, {[](GtkWidget* dialog) {
-                      EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Copy");
-                      EXPECT_NE(FindByText(dialog, "Copy 3 file/directory to:"), nullptr);
-                      EnterText("new")(dialog);
-                  }});
+    Copy({"dir", "a"}, {[](GtkWidget* dialog) {
+             EXPECT_NE(FindByText(dialog, "Copy 2 file/directory to:"), nullptr);
+             EnterText("new")(dialog);
+         }});
     EXPECT_EQ(pGTable->CurrentDir, files.At("new/"));
-    EXPECT_EQ(ListNames(), (Names{"..", "dir", "a", "b"}));
-    EXPECT_EQ(files.Contents("new/dir/sub/c"), "3");
-    EXPECT_EQ(files.Contents("a"), "1");
+    EXPECT_EQ(ListNames(), (Names{"..", "dir", "a"}));
+    EXPECT_EQ(files.Contents("new/dir/sub/c") + files.Contents("a"), "dir/sub/ca");
     ExpectConsistent();
     // Back to where the same names are: asked once, for all.
-    SelectNames({"a", "b"});
     files.File("new/a", "4");
     files.File("new/b", "5");
-    DuringDialogs(Move, {EnterText(files.Path()), PressButton("Yes")});
+    ClickTool(TOOL_RESCAN);
+    Move({"a", "b"}, {EnterText(files.Path()), PressButton("Yes")});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
     EXPECT_EQ(files.Contents("a") + files.Contents("b"), "45");
     EXPECT_EQ(files.Names("new"), Names{"dir"});
     ExpectConsistent();
     // Onto a file they would replace one another.
-    SelectNames({"dir", "b"});
-    DuringDialogs(Move, {EnterText("a"), ReadBox("The specified file already exists.")});
+    Move({"dir", "b"}, {EnterText("a"), ReadBox("The specified file already exists.")});
     EXPECT_EQ(files.Contents("a") + files.Contents("b"), "45");
     EXPECT_EQ(SelectedNames(), (Names{"dir", "b"}));
-    ExpectConsistent();
-}
-
-TEST_F(Operations, WhatGoesWhereNothingIsShownIsGoneFromTheList)
-{
-    files.File("a", "1");
-    files.File("b", "2");
-    files.Directory(".hidden");
-    Start();
-    SelectNames({"a"});
-    DuringDialogs(Move, {EnterText(".hidden")});
-    EXPECT_EQ(files.Contents(".hidden/a"), "1");
-    EXPECT_EQ(ListNames(), (Names{"..", "b"}));
-    ExpectConsistent();
-}
-
-TEST_F(Operations, ADirectoryMadeForNothingGoesAgain)
-{
-    files.File("a", "1");
-    files.File("b", "2");
-    Start();
-    SelectNames({"a", "b"});
-    const auto type_and_cancel = [](GtkWidget* dialog) {
-        // Its turn comes while the files are counted.
-        g_idle_add(
-            [](gpointer) -> gboolean {
-                if (pGTable->ProgressDlg == nullptr) {
-                    return G_SOURCE_CONTINUE;
-                }
-                gtk_button_clicked(GTK_BUTTON(FindByText(pGTable->ProgressDlg, "Cancel")));
-                return G_SOURCE_REMOVE;
-            },
-            nullptr);
-        EnterText("new")(dialog);
-    };
-    DuringDialogs(Move, {type_and_cancel});
-    EXPECT_EQ(files.Names(), (Names{"a", "b"}));
-    ExpectConsistent();
-}
-
-TEST_F(Operations, ADirectoryForSeveralThatCannotBeMadeStopsThem)
-{
-    files.File("a");
-    files.File("b");
-    files.Directory("closed");
-    Start();
-    const OrdinaryUser user({&files, &home});
-    files.SetMode("closed", 0555);
-    SelectNames({"a", "b"});
-    DuringDialogs(Move, {EnterText("closed/x"),
-                         ReadBox("Cannot create directory " + files.At("closed/x") + "\ncause:" + g_strerror(EACCES))});
-    EXPECT_EQ(files.Names(), (Names{"a", "b", "closed"}));
-    ExpectConsistent();
 }
 
 TEST_F(Operations, OneTakesTheNameThatItIsGiven)
 {
     files.File("a\xFF", "1");
     files.File("up/shown/file");
+    files.Directory("up/dir");
+    files.Directory(".hidden");
     Start();
-    SelectNames({"a\xFF"});
-    DuringDialogs(Copy, {EnterText("copy")});
+    for (const DialogAct& give_up : {DialogAct(SendClose), PressEscape(), PressButton("Cancel")}) {
+        Copy({"a\xFF", "up"}, {give_up});
+        EXPECT_EQ(SelectedNames(), (Names{"up", "a\xFF"}));
+    }
+    Copy({"a\xFF"}, {EnterText("copy")});
     EXPECT_EQ(ListNames(), (Names{"..", "up", "a\xFF", "copy"}));
-    EXPECT_EQ(files.Contents("copy"), "1");
-    ExpectConsistent();
-    SelectNames({"copy"});
-    DuringDialogs(Move, {EnterText("moved")});
+    Move({"copy"}, {EnterText("moved")});
     EXPECT_EQ(ListNames(), (Names{"..", "up", "a\xFF", "moved"}));
+    EXPECT_EQ(files.Contents("moved"), "1");
+    Move({"moved"}, {EnterText(".hidden")});
+    EXPECT_EQ(ListNames(), (Names{"..", "up", "a\xFF"}));
     ExpectConsistent();
-    // The directory that is shown: the window goes along.
+    // The window goes along with the shown directory.
     Visit("up/shown");
-    DuringDialogs(Move, {EnterText(files.At("here"))});
+    Move({}, {EnterText(files.At("here"))});
     EXPECT_EQ(pGTable->CurrentDir, files.At("here/"));
     EXPECT_EQ(ListNames(), (Names{"..", "file"}));
     EXPECT_FALSE(Exists("up/shown"));
     ExpectConsistent();
-    // To the top of the tree, where no parent can be read anew.
-    files.Directory("up/dir");
     Visit("up");
-    SelectNames({"dir"});
-    DuringDialogs(Move, {EnterText(files.Path())});
+    Move({"dir"}, {EnterText("../here/dir")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("here/dir/"));
+    ExpectConsistent();
+    // To the top of the tree, where no parent can be read again.
+    Move({}, {EnterText(files.Path())});
     EXPECT_EQ(pGTable->CurrentDir, files.Path());
-    EXPECT_EQ(ListNames(), (Names{"..", "dir", "here", "up", "a\xFF", "moved"}));
+    EXPECT_EQ(ListNames(), (Names{"..", "dir", "here", "up", "a\xFF"}));
     ExpectConsistent();
-    // Into itself: refused by the engine.
-    SelectNames({"dir"});
-    DuringDialogs(Move, {EnterText("dir/inside"), ReadBox("Cannot move to a sub directory.")});
-    EXPECT_TRUE(Exists("dir"));
-    ExpectConsistent();
+    Move({"dir"}, {EnterText("dir/inside"), ReadBox("Cannot move to a sub directory.")});
 }
 
-TEST_F(Operations, GivingUpChangesNothing)
+TEST_F(Operations, OneYesDeletesOneFullDirectory)
 {
-    files.File("a");
-    files.File("b");
-    files.Directory("dir");
-    Start();
-    SelectNames({"a", "b"});
-    for (const DialogAct& act : {DialogAct(SendClose), PressEscape(), PressButton("Cancel")}) {
-        DuringDialogs(Copy, {act});
-        DuringDialogs(Move, {act});
-        EXPECT_EQ(SelectedNames(), (Names{"a", "b"}));
+    for (const char* const name : {"a", "b", "tree1/x", "tree2/y", "tree3/z", "tree4/z", "keep"}) {
+        files.File(name);
     }
-    // Cancel while the files are counted: its turn comes when the dialog is painted first.
-    DuringDialogs(Move, {[](GtkWidget* dialog) {
-                      g_idle_add(
-                          [](gpointer) -> gboolean {
-                              if (pGTable->ProgressDlg != nullptr) {
-                                  gtk_button_clicked(GTK_BUTTON(FindByText(pGTable->ProgressDlg, "Cancel")));
-                                  return G_SOURCE_REMOVE;
-                              }
-                              return G_SOURCE_CONTINUE;
-                          },
-                          nullptr);
-                      EnterText("dir")(dialog);
-                  }});
-    EXPECT_EQ(files.Names(), (Names{"a", "b", "dir"}));
-    EXPECT_TRUE(files.Names("dir").empty());
-    EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    files.Directory("empty");
+    Start();
+    Delete({"a", "tree1"}, {PressButton("No")});
+    EXPECT_EQ(SelectedNames(), (Names{"tree1", "a"}));
+    Delete({"a", "tree1"}, {CancelAfter(PressButton("Yes"))});
+    Delete({"a", "tree1"}, {PressButton("Yes"), PressButton("Cancel")});
+    EXPECT_TRUE(Exists("tree1/x") && Exists("a"));
+    // Each is asked about; one that is not full is not.
+    Delete({"empty", "tree1", "tree2", "tree3", "a"},
+           {PressButton("Yes"), PressButton("Yes"), PressButton("No"), PressButton("Yes")});
+    EXPECT_EQ(ListNames(), (Names{"..", "tree2", "tree4", "b", "keep"}));
     ExpectConsistent();
+    Delete({"tree2", "tree4", "b"}, {PressButton("Yes"), [](GtkWidget* box) {
+                                         PressButton("Do the same for the rest")(box);
+                                         PressButton("Yes")(box);
+                                     }});
+    EXPECT_EQ(ListNames(), (Names{"..", "keep"}));
 }
 
-TEST_F(Operations, ALongNameLosesItsMiddleInThePrompt)
+TEST_F(Operations, DeletingTheShownDirectoryLeadsToItsParent)
 {
-    const std::string name(250, 'n');
-    files.File(name);
+    Settings("[Setting]\nConfilmDel=no\n");
+    files.File("up/shown/file");
     Start();
-    SelectNames({name});
-    DuringDialogs(Copy, {[&](GtkWidget* dialog) {
-                      GtkWidget* const prompt = FindByText(dialog, "Copy " + name + " file to:");
-                      ASSERT_NE(prompt, nullptr);
-                      EXPECT_TRUE(pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(prompt))));
-                      EXPECT_LT(gtk_widget_get_allocated_width(dialog), 800);
-                      SendKey(dialog, GDK_KEY_Escape);
-                  }});
+    Visit("up/shown");
+    Delete({}, {PressButton("No")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("up/shown/"));
+    Delete({}, {PressButton("Yes")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("up/"));
+    EXPECT_FALSE(Exists("up/shown"));
+    ExpectConsistent();
+    pGTable->ShowProgress = 0;
+    Delete({}, {});
+    EXPECT_EQ(pGTable->CurrentDir, files.Path());
+    EXPECT_TRUE(files.Names().empty());
 }
 
 TEST_F(Operations, TheTopDirectoryIsNeitherCopiedNorMovedNorDeleted)
@@ -293,64 +241,26 @@ TEST_F(Operations, TheTopDirectoryIsNeitherCopiedNorMovedNorDeleted)
         EXPECT_EQ(gtk_widget_get_sensitive(pMainW->MenuItem[MENU_DELETE]), copy);
         return copy;
     };
+    // A drag over the tree leaves another directory selected there than the one that is shown.
+    const auto select = [](const std::string& path) {
+        DisconnectTreeSelectSignal();
+        SetTreeSelectPath(MainTree(), path);
+        ConnectTreeSelectSignal();
+    };
     EXPECT_FALSE(sensitive());
     SelectNames({"dir"});
     EXPECT_TRUE(sensitive());
     UnselectAllListRows();
+    select(files.At("dir/"));
     EXPECT_FALSE(sensitive());
+    select(files.Path());
     Visit("dir");
     EXPECT_TRUE(sensitive());
-    // As a drag over the tree leaves it.
-    DisconnectTreeSelectSignal();
-    SetTreeSelectPath(MainTree(), pGTable->RootDir);
-    ConnectTreeSelectSignal();
+    select(files.Path());
     EXPECT_FALSE(sensitive());
-    EXPECT_EQ(pGTable->CurrentDir, files.Path() + "dir/");
-}
-
-/// Opens the popup as a release of the button over the list does, and then does something.
-PopupChoice ChooseFromPopup(const std::function<void(GtkWidget*)>& act)
-{
-    struct Waiting {
-        const std::function<void(GtkWidget*)>& act;
-        bool done = false;
-    } waiting{act};
-    const guint source = g_timeout_add(
-        1,
-        [](gpointer data) -> gboolean {
-            auto* const now = static_cast<Waiting*>(data);
-            GtkWidget* const menu = gtk_grab_get_current();
-            if (menu == nullptr || !GTK_IS_MENU(menu) || !gtk_widget_get_mapped(menu)) {
-                return G_SOURCE_CONTINUE;
-            }
-            now->done = true;
-            now->act(menu);
-            return G_SOURCE_REMOVE;
-        },
-        &waiting);
-    const Event event = NewPointerEvent(gtk_tree_view_get_bin_window(MainList()), GDK_BUTTON_RELEASE);
-    event->button.time = GDK_CURRENT_TIME;
-    event->button.button = GDK_BUTTON_PRIMARY;
-    const PopupChoice choice = CreateFileOperationPopup(event.get());
-    if (!waiting.done) {
-        ADD_FAILURE() << "no menu came up";
-        g_source_remove(source);
-    }
-    EXPECT_EQ(gtk_grab_get_current(), nullptr);
-    return choice;
-}
-
-TEST_F(Operations, ThePopupIsAnsweredByALetter)
-{
-    Start();
-    const auto key = [](guint value) {
-        return [value](GtkWidget* menu) { SendKey(gtk_widget_get_toplevel(menu), value); };
-    };
-    EXPECT_EQ(ChooseFromPopup(key(GDK_KEY_c)), POPUP_COPY);
-    EXPECT_EQ(ChooseFromPopup(key(GDK_KEY_m)), POPUP_MOVE);
-    EXPECT_EQ(ChooseFromPopup(key(GDK_KEY_Escape)), POPUP_NOTHING);
-    EXPECT_EQ(ChooseFromPopup([](GtkWidget* menu) { gtk_menu_shell_deactivate(GTK_MENU_SHELL(menu)); }), POPUP_NOTHING);
-    ExpectConsistent();
+    gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_DELETE]));
+    EXPECT_TRUE(Exists("dir/a"));
+    select(files.At("dir/"));
 }
 
 }  // namespace

@@ -1,336 +1,244 @@
-// The property dialog: what it shows, what it lets one change, and that it changes no more.
-
-#include "commands/fnkfilemenu-property.h"
+// The property dialog: what it shows, what it changes, and that it changes no more.
 
 #include <gdk/gdkkeysyms.h>
 #include <unistd.h>
 
-#include <filesystem>
-
 #include "acts.h"
+#include "core/fnkutil.h"
 
 namespace {
-
-class Property : public WindowTest {
-protected:
-    static void Open() { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_PROPERTY])); }
-    /// Opens the dialog for one entry of the list.
-    void Open(const std::string& name, const DialogActs& acts)
-    {
-        SelectNames({name});
-        DuringDialogs([] { Open(); }, acts);
-    }
-    static std::string Text(GtkWidget* dialog, const char* name)
-    {
-        return gtk_entry_get_text(GTK_ENTRY(FindNamed(dialog, name)));
-    }
-    static bool Says(GtkWidget* dialog, const std::string& text) { return FindByText(dialog, text) != nullptr; }
-    static void Toggle(GtkWidget* dialog, const char* name)
-    {
-        GtkToggleButton* const toggle = GTK_TOGGLE_BUTTON(FindNamed(dialog, name));
-        gtk_toggle_button_set_active(toggle, !gtk_toggle_button_get_active(toggle));
-    }
-    static void Fill(GtkWidget* dialog, const char* name, const std::string& text)
-    {
-        gtk_entry_set_text(GTK_ENTRY(FindNamed(dialog, name)), text.c_str());
-    }
-    static DialogAct Rename(const std::string& name)
-    {
-        return [name](GtkWidget* dialog) {
-            Fill(dialog, "File name:", name);
-            PressButton("OK")(dialog);
-        };
-    }
-    mode_t Mode(const std::string& name) const { return files.Status(name).st_mode & 07777; }
-};
 
 const char* const kToggles[] = {"User Read",  "User Write", "User Exec",  "Set UID",     "Group Read", "Group Write",
                                 "Group Exec", "Set GID",    "Other Read", "Other Write", "Other Exec", "Sticky"};
 
-TEST_F(Property, ItShowsWhatThereIsToKnow)
+class Property : public WindowTest {
+protected:
+    /// Opens the dialog for these rows; for the shown directory if there are none.
+    void Open(const Names& names, const DialogActs& acts)
+    {
+        SelectNames(names);
+        DuringDialogs([] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[MENU_PROPERTY])); }, acts);
+    }
+    /// Flips a toggle or fills an entry, and presses the button.
+    static DialogAct Change(const std::string& name, const std::string& text = "", const char* button = "OK")
+    {
+        return [=](GtkWidget* dialog) {
+            GtkWidget* const widget = FindNamed(dialog, name);
+            if (GTK_IS_ENTRY(widget)) {
+                gtk_entry_set_text(GTK_ENTRY(widget), text.c_str());
+            } else {
+                gtk_button_clicked(GTK_BUTTON(widget));
+            }
+            PressButton(button)(dialog);
+        };
+    }
+    static DialogAct Rename(const std::string& name) { return Change("File name:", name); }
+    static std::string Text(GtkWidget* dialog, const char* entry)
+    {
+        return gtk_entry_get_text(GTK_ENTRY(FindNamed(dialog, entry)));
+    }
+    /// The text beside a caption.
+    static std::string Value(GtkWidget* dialog, const char* caption)
+    {
+        GtkWidget* const label = FindByText(dialog, caption);
+        GtkWidget* const grid = gtk_widget_get_parent(label);
+        int row = 0;
+        gtk_container_child_get(GTK_CONTAINER(grid), label, "top-attach", &row, nullptr);
+        return gtk_label_get_text(GTK_LABEL(gtk_grid_get_child_at(GTK_GRID(grid), 1, row)));
+    }
+    /// Whether name, owner, group and each toggle can be changed.
+    static std::string Sensitive(GtkWidget* dialog)
+    {
+        Names names = {"File name:", "Owner", "Group"};
+        names.insert(names.end(), std::begin(kToggles), std::end(kToggles));
+        std::string digits;
+        for (const std::string& name : names) {
+            digits += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
+        }
+        return digits;
+    }
+    mode_t Mode(const std::string& name) const { return files.Status(name).st_mode & 07777; }
+};
+
+TEST_F(Property, ShowsWhatThereIsToKnow)
 {
-    files.File("file\xFF", std::string(1536, 'x'), 0644);
-    files.SetMode("file\xFF", 04755);
+    files.File("file\xFF", std::string(1536, 'x'));
+    files.SetMode("file\xFF", 04751);
     files.SetTimes("file\xFF", 1'000'000'000, 1'100'000'000);
-    files.Link("link", "no\xFFwhere");
+    files.Link("link", "no\xFFwhere" + std::string(300, 'x'));
     const ScopedVariable zone("TZ", "UTC");
     Start();
-    Open("file\xFF", {[this](GtkWidget* dialog) {
+    Open({"file\xFF"}, {[this](GtkWidget* dialog) {
              EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "Property - file\uFFFD");
-             EXPECT_EQ(gtk_window_get_default_widget(GTK_WINDOW(dialog)), FindByText(dialog, "Cancel"));
              EXPECT_EQ(Text(dialog, "File name:"), "file\uFFFD");
-             for (const std::string& text :
-                  {files.Path(), std::string("Execute file"), std::string("1.5KByte (1536Byte)"),
-                   std::string("Sep 09 2001 01:46:40"), std::string("Nov 09 2004 11:33:20"), std::string("4755")}) {
-                 EXPECT_TRUE(Says(dialog, text)) << text;
-             }
-             EXPECT_EQ(Text(dialog, "Owner"), getuid() == 0 ? "root" : Text(dialog, "Owner"));
-             std::string set;
+             EXPECT_EQ(Value(dialog, "Path:"), files.Path());
+             EXPECT_EQ(Value(dialog, "File size:"), "1.5KByte (1536Byte)");
+             EXPECT_EQ(Value(dialog, "Last accessed time:"), "Sep 09 2001 01:46:40");
+             EXPECT_EQ(Value(dialog, "Last modified time:"), "Nov 09 2004 11:33:20");
+             EXPECT_EQ(Value(dialog, "Last changed time:"), GetFormatTime(files.Status("file\xFF").st_ctime, true));
+             EXPECT_NE(FindByText(dialog, "4751"), nullptr);
+             std::string ticks;
              for (const char* const name : kToggles) {
-                 set += gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(FindNamed(dialog, name))) ? '1' : '0';
+                 GtkWidget* const tick = gtk_button_get_image(GTK_BUTTON(FindNamed(dialog, name)));
+                 ticks += gtk_widget_get_opacity(tick) > 0.5 ? '1' : '0';
              }
-             EXPECT_EQ(set, "111110101010");
-             SendKey(dialog, GDK_KEY_Escape);
+             EXPECT_EQ(ticks, "111110100010");
+             SendKey(dialog, GDK_KEY_Return);  // Presses Cancel.
          }});
     const struct stat before = files.Status("link");
-    Open("link", {[](GtkWidget* dialog) {
-             EXPECT_TRUE(Says(dialog, "Stalled link file (Exist file:no\uFFFDwhere)"));
-             for (const char* const name : kToggles) {
-                 EXPECT_FALSE(gtk_widget_is_sensitive(FindNamed(dialog, name))) << name;
-             }
-             EXPECT_TRUE(gtk_widget_is_sensitive(FindNamed(dialog, "File name:")));
-             EXPECT_TRUE(gtk_widget_is_sensitive(FindNamed(dialog, "Group")));
+    Open({"link"}, {[](GtkWidget* dialog) {
+             EXPECT_TRUE(Value(dialog, "File type:").starts_with("Stalled link file (Exist file:no\uFFFDwhere"));
+             EXPECT_LT(gtk_widget_get_allocated_width(dialog), 800);
+             EXPECT_EQ(Sensitive(dialog), getuid() == 0 ? "111000000000000" : "101000000000000");
              PressButton("OK")(dialog);
          }});
-    EXPECT_EQ(files.Status("link").st_ctime, before.st_ctime);
-    ExpectConsistent();
+    EXPECT_EQ(files.Status("link").st_ctim.tv_nsec, before.st_ctim.tv_nsec) << "nothing was changed";
 }
 
-TEST_F(Property, KeysAloneReachEveryToggle)
+TEST_F(Property, ChangesOnlyWhatDiffers)
 {
-    files.File("file", "", 0644);
+    files.File("file\xFF", "", 0644);
+    files.File("taken");
     Start();
-    Open("file", {[](GtkWidget* dialog) {
-             std::vector<GtkWidget*> reached;
-             SendKey(dialog, GDK_KEY_Tab);  // From Cancel, round to the tabs.
+    const struct stat before = files.Status("file\xFF");
+    Open({"file\xFF"}, {Change("User Exec", "", "Cancel")});
+    EXPECT_EQ(SelectedNames(), Names{"file\xFF"}) << "the list was not read again";
+    EXPECT_EQ(files.Status("file\xFF").st_ctim.tv_nsec, before.st_ctim.tv_nsec);
+    // What was applied is shown although the rest is given up.
+    Open({"file\xFF"}, {[](GtkWidget* dialog) {
+                            PressButton("Set UID")(dialog);
+                            EXPECT_NE(FindByText(dialog, "4644"), nullptr);
+                            Rename("taken")(dialog);
+                        },
+                        ReadBox("The specified file already exists."), PressButton("Cancel")});
+    EXPECT_EQ(ListRows().Row(RowOf("file\xFF")).mode & 07777U, 04644U);
+    // By keys alone: from Cancel to the tabs, to the second page, and from toggle to toggle.
+    Open({"file\xFF"}, {[](GtkWidget* dialog) {
+             SendKey(dialog, GDK_KEY_Tab);
              SendKey(dialog, GDK_KEY_Right);
-             for (std::size_t i = 0; i < std::size(kToggles); ++i) {
+             for (const char* const name : kToggles) {
                  SendKey(dialog, GDK_KEY_Tab);
-                 EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), FindNamed(dialog, kToggles[i])) << kToggles[i];
-                 if (i == 2 || i == 5) {
-                     SendKey(dialog, GDK_KEY_space);
-                     EXPECT_TRUE(Await([&] { return Says(dialog, i == 2 ? "0744" : "0764"); }));
-                 }
+                 EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), FindNamed(dialog, name)) << name;
              }
-             PressButton("OK")(dialog);
+             SendKey(dialog, GDK_KEY_space);
+             EXPECT_TRUE(Await([&] { return FindByText(dialog, "5644") != nullptr; }));
+             Change("User Write")(dialog);
          }});
-    EXPECT_EQ(Mode("file"), 0764U);
-    ExpectConsistent();
-}
-
-TEST_F(Property, OnlyWhatDiffersIsChanged)
-{
-    files.File("file\xFF", "text", 0644);
-    files.File("other", "", 0600);
-    Start();
-    struct stat before = files.Status("file\xFF");
-    Open("file\xFF", {[](GtkWidget* dialog) {
-             Toggle(dialog, "User Exec");
-             EXPECT_TRUE(Says(dialog, "0744"));
-             Toggle(dialog, "User Exec");
-             EXPECT_TRUE(Says(dialog, "0644"));
-             PressButton("OK")(dialog);
-         }});
-    EXPECT_EQ(files.Status("file\xFF").st_ctim.tv_nsec, before.st_ctim.tv_nsec) << "nothing was to be done";
-    Open("file\xFF", {[](GtkWidget* dialog) {
-             Toggle(dialog, "User Exec");
-             PressButton("Cancel")(dialog);
-         }});
-    EXPECT_EQ(Mode("file\xFF"), 0644U);
-    Open("file\xFF", {[](GtkWidget* dialog) {
-             Toggle(dialog, "User Exec");
-             PressButton("OK")(dialog);
-         }});
-    EXPECT_EQ(Mode("file\xFF"), 0744U);
-    EXPECT_EQ(ListNames(), (Names{"..", "file\xFF", "other"})) << "the name has kept its bytes";
-    EXPECT_EQ(Mode("other"), 0600U);
+    EXPECT_EQ(Mode("file\xFF"), 05444U);
+    EXPECT_EQ(ListNames(), (Names{"..", "file\xFF", "taken"})) << "the name keeps its bytes";
+    files.Remove("taken");
+    Open({"taken"}, {});
+    Open({"file\xFF"}, {[this](GtkWidget* dialog) {
+                            files.Remove("file\xFF");
+                            Change("User Exec")(dialog);
+                        },
+                        ReadBox("The specified file does not exist.")});
+    EXPECT_EQ(ListNames(), Names{".."});
     ExpectConsistent();
 }
 
 TEST_F(Property, ANewNameMustBeFree)
 {
-    files.File("bad\xFF", "text");
-    files.File("taken", "kept");
+    files.File("bad\xFF");
     files.Directory("dir");
     files.Link("dangling", "dir/new");
     Start();
-    Open("bad\xFF", {Rename("taken"), ReadBox("The specified file already exists."), Rename("dir"),
-                     ReadBox("The specified directory already exists."), Rename("dangling"),
-                     ReadBox("The specified file already exists."), Rename(""), ReadBox("Path is too short."),
-                     Rename("."), ReadBox("The specified directory already exists."), Rename("/x"),
-                     ReadBox("Path is inaccurate."), Rename("no/such"), ReadBox("Path is inaccurate."), Rename("../x"),
-                     ReadBox("The specified path cannot be operated."), [](GtkWidget* dialog) {
-                         GtkWidget* const entry = FindNamed(dialog, "File name:");
-                         EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), entry);
-                         EXPECT_TRUE(gtk_editable_get_selection_bounds(GTK_EDITABLE(entry), nullptr, nullptr));
-                         Fill(dialog, "File name:", "good");
-                         SendKey(dialog, GDK_KEY_Return);
-                     }});
-    EXPECT_EQ(ListNames(), (Names{"..", "dir", "dangling", "good", "taken"}));
-    EXPECT_EQ(files.Contents("good") + files.Contents("taken"), "textkept");
+    std::string long_name(512, 'x');  // The entry counts characters, the limit is one of bytes.
+    long_name.replace(0, 1, "\u00e9");
+    DialogActs acts;
+    for (const auto& [name, message] :
+         {std::pair<std::string, const char*>("dir", "The specified directory already exists."),
+          {"dangling", "The specified file already exists."},
+          {"", "Path is too short."},
+          {long_name, "Path is too long."},
+          {"../no such name", "The specified path cannot be operated."}}) {
+        acts.insert(acts.end(), {Rename(name), ReadBox(message)});
+    }
+    acts.push_back(EnterText("good"));  // The refused name has the focus and is selected.
+    Open({"bad\xFF"}, acts);
+    EXPECT_EQ(ListNames(), (Names{"..", "dir", "dangling", "good"}));
     EXPECT_TRUE(files.Names("dir").empty());
     ExpectConsistent();
-}
-
-TEST_F(Property, WhatWasAppliedIsShownEvenIfTheRestIsGivenUp)
-{
-    files.File("file", "", 0644);
-    files.File("taken");
-    Start();
-    Open("file", {[](GtkWidget* dialog) {
-                      Toggle(dialog, "User Exec");
-                      Rename("taken")(dialog);
-                  },
-                  ReadBox("The specified file already exists."), PressButton("Cancel")});
-    EXPECT_EQ(Mode("file"), 0744U);
-    EXPECT_EQ(SetPermission(ListRows().Row(RowOf("file")).mode), "-rwxr--r--");
-    ExpectConsistent();
-    Open("file", {PressButton("Cancel")});
-    EXPECT_EQ(SelectedNames(), Names{"file"});  // Nothing was applied: nothing is read again.
 }
 
 TEST_F(Property, TheWindowFollowsARenamedDirectory)
 {
     files.File("up/shown/file");
-    files.Directory("up/shown/below");
+    files.Directory("side");
     Start();
     Visit("up/shown");
-    DuringDialogs([] { Open(); }, {Rename("renamed")});
+    Open({}, {Rename("renamed")});
     EXPECT_EQ(pGTable->CurrentDir, files.At("up/renamed/"));
-    EXPECT_EQ(ListNames(), (Names{"..", "below", "file"}));
+    EXPECT_EQ(ListNames(), (Names{"..", "file"}));
     ExpectConsistent();
     Visit("up");
-    Open("renamed", {Rename("again")});
-    EXPECT_EQ(ListNames(), (Names{"..", "again"}));
-    EXPECT_EQ(ChildNames(files.At("up/")), Names{"again"});
+    Open({"renamed"}, {Rename("../side/again")});
+    EXPECT_EQ(ListNames(), Names{".."});
     ExpectConsistent();
-    // Into another directory.
-    files.Directory("side");
-    ClickTool(TOOL_RESCAN);
-    Visit("up/again");
-    DuringDialogs([] { Open(); }, {Rename("../side/moved")});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("side/moved/"));
+    Visit("side/again");
+    Open({}, {Rename("../up/moved")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("up/moved/"));
     ExpectConsistent();
-    // The top of the tree keeps its name.
-    Visit("");
-    DuringDialogs([] { Open(); }, {[](GtkWidget* dialog) {
-                      EXPECT_FALSE(gtk_widget_is_sensitive(FindNamed(dialog, "File name:")));
-                      EXPECT_TRUE(gtk_widget_is_sensitive(FindNamed(dialog, "User Read")));
-                      PressButton("OK")(dialog);
-                  }});
-    ExpectConsistent();
-}
-
-TEST_F(Property, TheWindowFollowsADirectoryAboveIt)
-{
-    files.File("up/shown/file");
-    Start();
-    Visit("up/shown");
-    // As a drag over the tree leaves it.
+    // A directory above the shown one is selected, as a drag over the tree leaves it.
     DisconnectTreeSelectSignal();
     SetTreeSelectPath(MainTree(), files.At("up/"));
     ConnectTreeSelectSignal();
-    DuringDialogs([] { Open(); }, {Rename("renamed")});
-    EXPECT_EQ(pGTable->CurrentDir, files.At("renamed/shown/"));
+    Open({}, {Rename("above")});
+    EXPECT_EQ(pGTable->CurrentDir, files.At("above/moved/"));
     ExpectConsistent();
+    Visit("");
+    Open({}, {[](GtkWidget* dialog) {
+             EXPECT_EQ(Sensitive(dialog).front(), '0') << "the top directory keeps its name";
+             SendKey(dialog, GDK_KEY_Escape);
+         }});
 }
 
-TEST_F(Property, AnOrdinaryUserChangesWhatIsTheirs)
+TEST_F(Property, OwnersAreChangedByTheSuperUserAlone)
 {
     if (geteuid() != 0) {
         GTEST_SKIP() << "needs files of two users";
     }
-    files.File("theirs", "", 0644);
-    files.File("mine", "", 0644);
-    Start();
-    const OrdinaryUser user({&files, &home});
-    {
-        Require(setresuid(0, 0, 0) == 0, "setresuid");
-        Require(chown(files.At("theirs").c_str(), 0, 0) == 0, "chown");
-        Require(setresuid(65534, 65534, 0) == 0, "setresuid");
+    for (const char* const name : {"nobodys", "theirs", "mine"}) {
+        files.File(name, "", 0755);
     }
-    const auto sensitive_widgets = [](GtkWidget* dialog) {
-        std::string sensitive;
-        for (const char* const name : {"File name:", "Owner", "Group"}) {
-            sensitive += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
-        }
-        for (const char* const name : kToggles) {
-            sensitive += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
-        }
-        return sensitive;
-    };
-    Open("theirs", {[&](GtkWidget* dialog) {
-             EXPECT_EQ(sensitive_widgets(dialog), "000000000000000");
-             EXPECT_EQ(Text(dialog, "Owner"), "root");
-             PressButton("OK")(dialog);
-         }});
-    Open("mine", {[&](GtkWidget* dialog) {
-             EXPECT_EQ(sensitive_widgets(dialog), "101111111111111");
-             Toggle(dialog, "Other Write");
-             PressButton("OK")(dialog);
-         }});
-    EXPECT_EQ(Mode("theirs"), 0644U);
-    EXPECT_EQ(Mode("mine"), 0646U);
-    // It was given away while the dialog was open: said, and the rest goes on.
-    Open("mine", {[&](GtkWidget* dialog) {
-                      Toggle(dialog, "Other Write");
-                      Require(setresuid(0, 0, 0) == 0 && chown(files.At("mine").c_str(), 0, 65534) == 0 &&
-                                  setresuid(65534, 65534, 0) == 0,
-                              "chown");
-                      PressButton("OK")(dialog);
-                  },
-                  ReadBox("Permission cannot be changed."), ReadBox("Owner/Group cannot be changed.")});
-    EXPECT_EQ(Mode("mine"), 0646U);
-    ExpectConsistent();
-}
-
-TEST_F(Property, TheSuperUserGivesFilesAway)
-{
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "only the super-user may";
-    }
-    files.File("nobodys", "", 0755);
     files.Link("link", "nobodys");
     Require(chown(files.At("nobodys").c_str(), 54321, 0) == 0, "chown");
     Start();
+    const std::string refused = "Owner/Group cannot be changed.";
     // An owner without a name: whatever else is changed, the dialog asks for one.
-    Open("nobodys", {[](GtkWidget* dialog) {
-                         EXPECT_EQ(Text(dialog, "Owner"), "");
-                         EXPECT_EQ(Text(dialog, "Group"), "root");
-                         Toggle(dialog, "Set UID");
-                         PressButton("OK")(dialog);
-                     },
-                     ReadBox("Owner/Group cannot be changed."),
-                     [](GtkWidget* dialog) {
-                         Fill(dialog, "Owner", "no such user");
-                         PressButton("OK")(dialog);
-                     },
-                     ReadBox("Owner/Group cannot be changed."),
-                     [](GtkWidget* dialog) {
-                         Fill(dialog, "Owner", "nobody");
-                         PressButton("OK")(dialog);
-                     }});
+    Open({"nobodys"}, {Change("Set UID"), ReadBox(refused), Change("Owner", "no such user"), ReadBox(refused),
+                       Change("Owner", "nobody")});
     EXPECT_EQ(files.Status("nobodys").st_uid, 65534U);
-    EXPECT_EQ(Mode("nobodys"), 04755U) << "both were asked for";
-    Open("link", {[](GtkWidget* dialog) {
-             Fill(dialog, "Owner", "nobody");
+    EXPECT_EQ(Mode("nobodys"), 04755U) << "the set-id bit outlives the change of owner";
+    Open({"link"}, {Change("Owner", "nobody")});
+    EXPECT_EQ(files.Status("link").st_uid, 65534U);
+    Open({"nobodys"}, {Change("Group", "daemon")});
+    EXPECT_EQ(files.Status("nobodys").st_gid, 1U);
+
+    const OrdinaryUser user({&files, &home});
+    const auto give_away = [&](const char* name) {
+        Require(setresuid(0, 0, 0) == 0 && chown(files.At(name).c_str(), 0, 0) == 0 && setresuid(65534, 65534, 0) == 0,
+                name);
+    };
+    give_away("theirs");
+    Open({"theirs"}, {[](GtkWidget* dialog) {
+             EXPECT_EQ(Sensitive(dialog), "000000000000000");
+             EXPECT_EQ(Text(dialog, "Owner") + ":" + Text(dialog, "Group"), "root:root");
              PressButton("OK")(dialog);
          }});
-    EXPECT_EQ(files.Status("link").st_uid, 65534U);
-    EXPECT_EQ(Mode("nobodys"), 04755U);
-    ExpectConsistent();
-}
-
-TEST_F(Property, WhatVanishedHasNoProperties)
-{
-    files.File("a");
-    files.File("b");
-    Start();
-    SelectNames({"a", "b"});
-    EXPECT_FALSE(IsToolSensitive(TOOL_PROPERTY));
-    SelectNames({"a"});
-    EXPECT_TRUE(IsToolSensitive(TOOL_PROPERTY));
-    files.Remove("a");
-    EXPECT_EQ(CreatePropertyDlg(), kArgumentError);
-    SelectNames({"b"});
-    DuringDialogs([this] { ClickTool(TOOL_PROPERTY); }, {[this](GtkWidget* dialog) {
-                                                             files.Remove("b");
-                                                             Toggle(dialog, "User Exec");
-                                                             PressButton("OK")(dialog);
-                                                         },
-                                                         ReadBox("The specified file does not exist.")});
-    EXPECT_EQ(ListNames(), Names{".."});
-    ExpectConsistent();
+    Open({"mine"}, {[](GtkWidget* dialog) {
+             EXPECT_EQ(Sensitive(dialog), "101111111111111");
+             GtkWidget* const groups = gtk_widget_get_ancestor(FindNamed(dialog, "Group"), GTK_TYPE_COMBO_BOX);
+             EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_combo_box_get_model(GTK_COMBO_BOX(groups)), nullptr), 1);
+             Change("Other Write")(dialog);
+         }});
+    EXPECT_EQ(Mode("mine"), 0757U);
+    Open({"mine"}, {[&](GtkWidget* dialog) {
+                        give_away("mine");
+                        Change("Other Write")(dialog);
+                    },
+                    ReadBox("Permission cannot be changed."), ReadBox(refused)});
+    EXPECT_EQ(Mode("mine"), 0757U);
 }
 
 }  // namespace
