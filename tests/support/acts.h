@@ -50,8 +50,9 @@ inline DialogAct PressEscape()
 inline GtkWidget* FindNamed(GtkWidget* dialog, const std::string& name)
 {
     GtkWidget* const found = FindWidget(dialog, [&name](GtkWidget* widget) {
-        const char* const accessible = atk_object_get_name(gtk_widget_get_accessible(widget));
-        return (GTK_IS_ENTRY(widget) || GTK_IS_TOGGLE_BUTTON(widget)) && accessible != nullptr && accessible == name;
+        const bool is_field = GTK_IS_ENTRY(widget) || GTK_IS_TOGGLE_BUTTON(widget);
+        const char* const shown = is_field ? atk_object_get_name(gtk_widget_get_accessible(widget)) : nullptr;
+        return shown != nullptr && shown == name;
     });
     EXPECT_NE(found, nullptr) << name;
     return found;

@@ -1,5 +1,5 @@
 #pragma once
-// Acting on windows and dialogs as a user would, and waiting for what comes of it.
+// Events as a user sends them, and waiting for what comes of them.
 
 #include <gtk/gtk.h>
 
@@ -10,38 +10,33 @@
 
 /// Runs the main loop until the condition holds; false after the deadline.
 bool Await(const std::function<bool()>& condition);
-/// Handles all that is pending now.
+/// Handles all that is pending.
 void Settle();
-/// Performs the action from inside a main loop, which the action is to end, now or by and by.
+/// Performs the action inside a main loop, which it must end.
 void RunUntilQuit(const std::function<void()>& action);
 
 struct FreeEvent {
     void operator()(GdkEvent* event) const { gdk_event_free(event); }
 };
 using Event = std::unique_ptr<GdkEvent, FreeEvent>;
-/// An event of the pointer for a window, to be filled in and handed to gtk_main_do_event.
+/// A pointer event, to be filled in and handed to gtk_main_do_event.
 Event NewPointerEvent(GdkWindow* window, GdkEventType type);
-/// One of the left button at these coordinates of the window.
+/// Presses or releases the left button at these coordinates of the window.
 void SendButton(GdkWindow* window, GdkEventType type, double x, double y, guint state = 0);
-
-/// An event of a key into a window, as the toolkit would deliver it.
 void SendKey(GtkWidget* window, guint key, guint state = 0);
-
-/// What the window manager's close button sends to the window.
+/// What the window manager's close button sends.
 void SendClose(GtkWidget* window);
 
-/// The first widget for which the condition holds, the widget itself or anywhere below it.
+/// The first widget that the condition holds for, the widget itself or below it; null if none.
 GtkWidget* FindWidget(GtkWidget* widget, const std::function<bool(GtkWidget*)>& condition);
-
-/// The button of that label, or the label of that text, anywhere below the widget.
+/// The button of that label or the label of that text.
 GtkWidget* FindByText(GtkWidget* widget, const std::string& text);
 
-/// Does what opens a modal dialog and, once that is on the screen, acts on it. The act is to end
-/// the dialog, now or by and by.
-void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act);
-
-/// What to do with the modal dialogs that come up, one after the other; a dialog that stays gets
-/// more than one act. Not counted is the one that shows progress.
 using DialogActs = std::vector<std::function<void(GtkWidget*)>>;
-/// Does what opens them and acts on each as soon as it is on the screen.
+/// Opens modal dialogs and acts on them in turn, each once it is on the screen. A dialog that stays
+/// open gets the next act too. The progress dialog does not count.
 void DuringDialogs(const std::function<void()>& open, const DialogActs& acts);
+inline void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act)
+{
+    DuringDialogs(open, {act});
+}

@@ -3,8 +3,12 @@
 #include <fnmatch.h>
 #include <grp.h>
 
-#include <clocale>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <sstream>
 
+#include "panes/fnkdirtree-nodes.h"
 #include "panes/fnkfilelist-status.h"
 #include "app/fnkmainwindow.h"
 #include "core/fnkstring.h"
@@ -16,128 +20,89 @@ namespace {
 
 constexpr uid_t kNobody = 65534;
 
-/// More than the toolkit allows between the clicks of a double click, in pixels.
-constexpr int kClickShift = 12;
-
-struct DiskEntry {
-    std::string name;
-    bool is_directory;
-};
-
-/// What the settings let pass of a directory; nothing when it cannot be read.
-std::vector<DiskEntry> ReadDisk(const std::string& directory)
-{
-    std::vector<DiskEntry> entries;
-    DIR* const stream = opendir(directory.c_str());
-    while (const struct dirent* const entry = stream != nullptr ? readdir(stream) : nullptr) {
-        const std::string name = entry->d_name;
-        struct stat st = {};
-        if (name == "." || name == ".." || lstat((directory + name).c_str(), &st) != 0) {
-            continue;
-        }
-        const bool is_hidden = name.front() == '.';
-        const bool is_backup =
-            name.back() == '~' || (name.size() > 4 && strcasecmp(&name[name.size() - 4], ".bak") == 0);
-        const bool is_filtered = pGTable->Filter && fnmatch(pGTable->FilterName.c_str(), name.c_str(), 0) != 0;
-        if ((is_hidden && !pGTable->ShowHidden) || (is_backup && !pGTable->ShowBackup)) {
-            continue;
-        }
-        if (S_ISDIR(st.st_mode) || !is_filtered) {
-            entries.push_back({name, S_ISDIR(st.st_mode)});
-        }
-    }
-    if (stream != nullptr) {
-        closedir(stream);
-    }
-    return entries;
-}
-
-Names Subdirectories(const std::string& directory)
+/// The names in a directory that the settings let pass, sorted; none when it cannot be read.
+Names ReadDisk(const std::string& directory, bool directories_only)
 {
     Names names;
-    for (const DiskEntry& entry : ReadDisk(directory)) {
-        if (entry.is_directory) {
-            names.push_back(entry.name);
+    std::error_code unreadable;
+    for (const auto& entry : std::filesystem::directory_iterator(directory, unreadable)) {
+        const std::string name = entry.path().filename();
+        const bool is_backup =
+            name.ends_with('~') || (name.size() > 4 && strcasecmp(&name[name.size() - 4], ".bak") == 0);
+        const bool is_filtered = pGTable->Filter && fnmatch(pGTable->FilterName.c_str(), name.c_str(), 0) != 0;
+        const bool is_directory = std::filesystem::is_directory(entry.symlink_status());
+        if ((pGTable->ShowHidden || name.front() != '.') && (pGTable->ShowBackup || !is_backup) &&
+            (is_directory || (!directories_only && !is_filtered))) {
+            names.push_back(name);
         }
     }
     std::sort(names.begin(), names.end());
     return names;
 }
 
-std::vector<GtkTreeIter> Children(GtkTreeIter node)
+}  // namespace
+
+std::optional<GtkTreeIter> WindowTest::FindNode(const std::string& path)
 {
     GtkTreeModel* const model = gtk_tree_view_get_model(MainTree());
-    std::vector<GtkTreeIter> children;
-    GtkTreeIter child;
-    for (gboolean more = gtk_tree_model_iter_children(model, &child, &node); more;
-         more = gtk_tree_model_iter_next(model, &child)) {
-        children.push_back(child);
+    GtkTreeIter node;
+    gtk_tree_model_get_iter_first(model, &node);
+    std::istringstream below(path.substr(std::min(path.size(), pGTable->RootDir.size())));
+    for (std::string name; std::getline(below, name, '/');) {
+        if (!FindChildNode(model, &node, name)) {
+            return std::nullopt;
+        }
     }
-    return children;
+    return node;
 }
 
-std::string StatusBarText(GtkWidget* bar)
+/// What the status line has to say of the selection.
+static std::string ExpectedStatus(const Names& selected)
 {
-    GList* const labels = gtk_container_get_children(GTK_CONTAINER(gtk_statusbar_get_message_area(GTK_STATUSBAR(bar))));
-    const std::string text = gtk_label_get_text(GTK_LABEL(labels->data));
-    g_list_free(labels);
-    return text;
-}
-
-/// What the status line has to say about the selection.
-std::string ExpectedStatus(const std::string& tree_selected, const Names& selected)
-{
-    if (selected.empty()) {
-        return " " + DisplayText(tree_selected);
-    }
     std::uint64_t total = 0;
     Names counted;
     for (const std::string& name : selected) {
         struct stat st = {};
         if (lstat((pGTable->CurrentDir + name).c_str(), &st) == 0) {
             total += static_cast<std::uint64_t>(st.st_size);
-            counted.push_back(name);
+            counted.push_back(DisplayText(name));
         }
     }
-    const std::string what =
-        counted.size() == 1 ? DisplayText(counted.front()) : std::to_string(counted.size()) + " files";
-    return " " + what + "  " + ConvertSize(total);
+    const std::string what = counted.size() == 1 ? counted.front() : std::to_string(counted.size()) + " files";
+    return selected.empty() ? " " + DisplayText(pGTable->CurrentDir) : " " + what + "  " + ConvertSize(total);
 }
 
-}  // namespace
+std::string Joined(const Names& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ",") + name;
+    }
+    return text;
+}
 
 OrdinaryUser::OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
 {
     if (geteuid() != 0) {
         return;
     }
-    for (const ScratchDirectory* const directory : owned) {
-        Require(chown(directory->Path().c_str(), kNobody, kNobody) == 0, "chown");
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(directory->Path())) {
-            Require(lchown(entry.path().c_str(), kNobody, kNobody) == 0, "chown");
-        }
+    Names roots = {std::getenv("XDG_DATA_HOME")};
+    std::transform(owned.begin(), owned.end(), std::back_inserter(roots), std::mem_fn(&ScratchDirectory::Path));
+    for (const std::string& root : roots) {
+        Require(std::system(("chown -hR 65534:65534 " + root).c_str()) == 0, root);
     }
-    groups_.resize(static_cast<std::size_t>(getgroups(0, nullptr)));
-    Require(getgroups(static_cast<int>(groups_.size()), groups_.data()) >= 0, "getgroups");
-    Require(setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, 0) == 0 && setresuid(kNobody, kNobody, 0) == 0,
+    groups_.emplace(static_cast<std::size_t>(getgroups(0, nullptr)));
+    Require(getgroups(static_cast<int>(groups_->size()), groups_->data()) >= 0 && setgroups(0, nullptr) == 0 &&
+                setresgid(kNobody, kNobody, 0) == 0 && setresuid(kNobody, kNobody, 0) == 0,
             "setresuid");
-    changed_ = true;
 }
 
 OrdinaryUser::~OrdinaryUser()
 {
-    if (changed_ &&
-        (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0 || setgroups(groups_.size(), groups_.data()) != 0)) {
+    if (groups_ &&
+        (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0 || setgroups(groups_->size(), groups_->data()) != 0)) {
         std::abort();
     }
-}
-
-WindowTest::WindowTest()
-{
-    // The same on every machine and in every session.
-    setenv("LANG", "C.UTF-8", 1);
-    setenv("LC_ALL", "C.UTF-8", 1);
-    Settings("");
 }
 
 WindowTest::~WindowTest()
@@ -150,9 +115,30 @@ WindowTest::~WindowTest()
     }
 }
 
+void WindowTest::Make(const Names& names) const
+{
+    for (const std::string& name : names) {
+        if (const std::size_t arrow = name.find(" -> "); arrow != std::string::npos) {
+            files.Link(name.substr(0, arrow), name.substr(arrow + 4));
+        } else if (name.ends_with('/')) {
+            files.Directory(name);
+        } else if (const std::size_t colon = name.find(':'); colon != std::string::npos) {
+            files.File(name.substr(0, colon), std::string(std::stoul(name.substr(colon + 1)), '.'));
+        } else {
+            files.File(name);
+        }
+    }
+}
+
+void WindowTest::MakeMany(int count, const std::string& prefix, const std::string& suffix) const
+{
+    for (int i = 100; i < 100 + count; ++i) {
+        Make({prefix + std::to_string(i) + suffix});
+    }
+}
+
 void WindowTest::Start(const std::string& root, const std::string& start)
 {
-    ASSERT_EQ(window_, nullptr) << "a test can start one window";
     gdk_set_allowed_backends("x11");
     gtk_init(nullptr, nullptr);
     // Away from where windows open: a button that comes up under the pointer shows its tip.
@@ -167,28 +153,17 @@ void WindowTest::Start(const std::string& root, const std::string& start)
     window_ = CreateMainWindow();
     ASSERT_NE(window_, nullptr);
     g_signal_connect(window_, "destroy", G_CALLBACK(gtk_widget_destroyed), &window_);
-    g_signal_connect_after(window_, "key-press-event",
-                           G_CALLBACK(+[](GtkWidget*, GdkEvent*, gpointer untaken) -> gboolean {
-                               *static_cast<bool*>(untaken) = true;
-                               return FALSE;
-                           }),
-                           &untaken_);
+    const auto note = +[](GtkWidget*, gpointer, gpointer happened) -> gboolean {
+        *static_cast<bool*>(happened) = true;
+        return FALSE;
+    };
+    g_signal_connect_after(window_, "key-press-event", G_CALLBACK(note), &untaken_);
     ShowMainWindow();
-    int paintings = 0;
-    const gulong painting = g_signal_connect_after(pMainW->FileList, "draw",
-                                                   G_CALLBACK(+[](GtkWidget*, cairo_t*, gpointer count) -> gboolean {
-                                                       ++*static_cast<int*>(count);
-                                                       return FALSE;
-                                                   }),
-                                                   &paintings);
-    EXPECT_TRUE(Await([&] { return gtk_window_is_active(GTK_WINDOW(window_)) && paintings > 0; }));
+    bool is_painted = false;
+    const gulong painting = g_signal_connect_after(pMainW->FileList, "draw", G_CALLBACK(note), &is_painted);
+    EXPECT_TRUE(Await([&] { return gtk_window_is_active(GTK_WINDOW(window_)) && is_painted; }));
     g_signal_handler_disconnect(pMainW->FileList, painting);
     Settle();
-}
-
-void WindowTest::Close()
-{
-    RunUntilQuit([this] { SendClose(window_); });
 }
 
 bool WindowTest::Press(guint key, guint state)
@@ -199,9 +174,19 @@ bool WindowTest::Press(guint key, guint state)
     return !untaken_;
 }
 
+bool WindowTest::Press(const char* accelerator)
+{
+    guint key = 0;
+    GdkModifierType state = {};
+    gtk_accelerator_parse(accelerator, &key, &state);
+    EXPECT_NE(key, 0U) << accelerator;
+    return Press(key, state);
+}
+
 void WindowTest::Click(GtkTreeView* view, GtkTreePath* path, guint state)
 {
-    click_shift_ = kClickShift - click_shift_;
+    // More than the toolkit allows between the clicks of a double click.
+    click_shift_ = 12 - click_shift_;
     GtkTreeViewColumn* const column = gtk_tree_view_get_column(view, gtk_tree_view_get_n_columns(view) > 1 ? 1 : 0);
     gtk_tree_view_scroll_to_cell(view, path, nullptr, FALSE, 0, 0);
     Settle();
@@ -216,22 +201,11 @@ void WindowTest::Click(GtkTreeView* view, GtkTreePath* path, guint state)
     Settle();
 }
 
-void WindowTest::ClickRow(const std::string& name, guint state)
-{
-    const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(RowOf(name)), -1));
-    Click(MainList(), path.get(), state);
-}
-
 void WindowTest::DoubleClickRow(const std::string& name)
 {
     ClickRow(name);
-    click_shift_ = kClickShift - click_shift_;  // Where the first one was.
+    click_shift_ = 12 - click_shift_;
     ClickRow(name);
-}
-
-void WindowTest::ClickNode(const std::string& path)
-{
-    Click(MainTree(), NodePath(path).get());
 }
 
 void WindowTest::ClickTitle(int column)
@@ -248,32 +222,93 @@ void WindowTest::ClickTool(ToolSlot slot)
     Settle();
 }
 
+bool WindowTest::IsOffered(MenuEntry entry)
+{
+    GtkWidget* const menu = gtk_widget_get_parent(pMainW->MenuItem[entry]);
+    gtk_menu_item_activate(GTK_MENU_ITEM(gtk_menu_get_attach_widget(GTK_MENU(menu))));
+    return gtk_widget_is_sensitive(pMainW->MenuItem[entry]);
+}
+
+void WindowTest::Choose(MenuEntry entry)
+{
+    ASSERT_TRUE(IsOffered(entry)) << "menu entry " << entry;
+    gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry]));
+    Settle();
+}
+
 void WindowTest::Type(const std::string& text)
 {
     gtk_widget_grab_focus(Entry());
     gtk_entry_set_text(GTK_ENTRY(Entry()), text.c_str());
 }
 
-std::size_t WindowTest::RowOf(const std::string& name) const
+void WindowTest::Steps(const std::string& text, const Where& where)
 {
-    std::size_t row = 0;
-    while (row < ListRows().Count() && ListRows().Name(row) != name) {
-        ++row;
+    std::string act, argument;
+    const auto at = [this, &argument] { return files.At(argument == "." ? "" : argument); };
+    const std::map<std::string, std::function<void()>> acts = {
+        {"make", [&] { Make({argument}); }},
+        {"remove", [&] { std::filesystem::remove_all(at()); }},
+        {"visit", [&] { OpenChildTree(MainTree(), at(), EXPAND_LAST_YES); }},
+        {"open", [&] { OpenChildTree(MainTree(), at(), EXPAND_LAST_NO); }},
+        {"node", [&] { ClickNode(at()); }},
+        {"expand", [&] { SetExpanded(at(), true); }},
+        {"collapse", [&] { SetExpanded(at(), false); }},
+        {"select", [&] { SelectNames({argument}); }},
+        {"click", [&] { ClickRow(argument); }},
+        {"ctrl", [&] { ClickRow(argument, GDK_CONTROL_MASK); }},
+        {"shift", [&] { ClickRow(argument, GDK_SHIFT_MASK); }},
+        {"ctrl+shift", [&] { ClickRow(argument, GDK_CONTROL_MASK | GDK_SHIFT_MASK); }},
+        {"double", [&] { DoubleClickRow(argument); }},
+        {"title", [&] { ClickTitle(std::stoi(argument)); }},
+        {"key", [&] { EXPECT_TRUE(Press(argument.c_str())); }},
+        {"type", [&] { Type(at()); }},
+        {"back", [] { ClickTool(TOOL_BACK); }},
+        {"forward", [] { ClickTool(TOOL_FORWARD); }},
+        {"up", [] { ClickTool(TOOL_UP); }},
+        {"rescan", [] { ClickTool(TOOL_RESCAN); }},
+        {"home", [] { ClickTool(TOOL_HOME); }},
+        {"reread", [] { Choose(MENU_RESCAN_DIRECTORY); }},
+    };
+    std::istringstream steps(text);
+    for (std::string step; std::getline(steps, step, ';');) {
+        const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), step);
+        std::istringstream words(step.substr(0, step.find('=')));
+        argument.clear();
+        words >> act >> argument;
+        acts.at(act)();
+        if (step.find('=') != std::string::npos) {
+            std::istringstream expected(step.substr(step.find('=') + 1));
+            std::string directory, selected = "*", state = State();
+            expected >> directory >> selected >> state;
+            ExpectAt(directory == "." ? "" : directory,
+                     selected == "*"   ? Joined(SelectedNames())
+                     : selected == "-" ? ""
+                                       : selected,
+                     where);
+            EXPECT_EQ(State(), state);
+        }
     }
-    EXPECT_LT(row, ListRows().Count()) << name << " is not listed";
-    return row;
 }
 
-Names WindowTest::ListNames() const
+Names WindowTest::ListNames()
 {
-    Names names;
-    for (std::size_t row = 0; row < ListRows().Count(); ++row) {
-        names.emplace_back(ListRows().Name(row));
+    Names names(ListRows().Count());
+    for (std::size_t row = 0; row < names.size(); ++row) {
+        names[row] = ListRows().Name(row);
     }
     return names;
 }
 
-Names WindowTest::SelectedNames() const
+std::size_t WindowTest::RowOf(const std::string& name)
+{
+    const Names names = ListNames();
+    const auto row = std::find(names.begin(), names.end(), name);
+    EXPECT_NE(row, names.end()) << name << " is not listed";
+    return static_cast<std::size_t>(row - names.begin());
+}
+
+Names WindowTest::SelectedNames()
 {
     Names names;
     for (const std::size_t row : ListSelection()) {
@@ -282,7 +317,7 @@ Names WindowTest::SelectedNames() const
     return names;
 }
 
-void WindowTest::SelectNames(const Names& names) const
+void WindowTest::SelectNames(const Names& names)
 {
     UnselectAllListRows();
     for (const std::string& name : names) {
@@ -290,147 +325,79 @@ void WindowTest::SelectNames(const Names& names) const
     }
 }
 
-RowVisibility WindowTest::RowVisibilityOf(std::size_t row) const
+TreePath WindowTest::NodePath(const std::string& path)
 {
-    const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
-    return GetRowVisibility(MainList(), path.get());
+    std::optional<GtkTreeIter> node = FindNode(path);
+    EXPECT_TRUE(node.has_value()) << path << " is not in the tree";
+    return TreePath(node ? gtk_tree_model_get_path(gtk_tree_view_get_model(MainTree()), &*node)
+                         : gtk_tree_path_new_first());
 }
 
-std::size_t WindowTest::FirstVisibleRow() const
+Names WindowTest::ChildNames(const std::string& path)
 {
-    std::size_t row = 0;
-    while (row < ListRows().Count() && RowVisibilityOf(row) == ROW_HIDDEN) {
-        ++row;
-    }
-    return row;
-}
-
-std::string WindowTest::StatusShown() const
-{
-    return StatusBarText(pMainW->StatusBar);
-}
-
-std::string WindowTest::LocationShown() const
-{
-    return gtk_entry_get_text(GTK_ENTRY(Entry()));
-}
-
-TreePath WindowTest::NodePath(const std::string& path) const
-{
-    std::string directory = path;
+    GtkTreeModel* const model = gtk_tree_view_get_model(MainTree());
     GtkTreeIter node;
-    if (!GetPathNode(MainTree(), directory, &node)) {
-        ADD_FAILURE() << path << " is not in the tree";
-        return TreePath(gtk_tree_path_new_first());
-    }
-    return TreePath(gtk_tree_model_get_path(gtk_tree_view_get_model(MainTree()), &node));
-}
-
-Names WindowTest::ChildNames(const std::string& path) const
-{
-    GtkTreeIter node;
-    gtk_tree_model_get_iter(gtk_tree_view_get_model(MainTree()), &node, NodePath(path).get());
+    GtkTreeIter child;
+    gtk_tree_model_get_iter(model, &node, NodePath(path).get());
     Names names;
-    for (const GtkTreeIter& child : Children(node)) {
-        names.push_back(GetLastPath(GetNodePath(MainTree(), child)));
+    for (gboolean more = gtk_tree_model_iter_children(model, &child, &node); more;
+         more = gtk_tree_model_iter_next(model, &child)) {
+        names.push_back(GetNodeName(model, child));
     }
     return names;
 }
 
-bool WindowTest::IsInTree(const std::string& path) const
-{
-    std::string directory = path;
-    GtkTreeIter node;
-    return GetPathNode(MainTree(), directory, &node);
-}
-
-bool WindowTest::IsExpanded(const std::string& path) const
-{
-    return gtk_tree_view_row_expanded(MainTree(), NodePath(path).get());
-}
-
-bool WindowTest::HasExpander(const std::string& path) const
-{
-    return !ChildNames(path).empty();
-}
-
-void WindowTest::SetExpanded(const std::string& path, bool expanded) const
+void WindowTest::SetExpanded(const std::string& path, bool expanded)
 {
     const TreePath node = NodePath(path);
-    if (expanded) {
-        gtk_tree_view_expand_row(MainTree(), node.get(), FALSE);
-    } else {
-        gtk_tree_view_collapse_row(MainTree(), node.get());
-    }
+    expanded ? gtk_tree_view_expand_row(MainTree(), node.get(), FALSE)
+             : gtk_tree_view_collapse_row(MainTree(), node.get());
     Settle();
 }
 
-std::string WindowTest::TreeSelected() const
+void WindowTest::ExpectNodeConsistent(const std::string& path, DiskState disk)
 {
-    std::string path;
-    GetTreeSelect(MainTree(), nullptr, &path);
-    return path;
-}
-
-void WindowTest::ExpectListMatchesDisk() const
-{
-    Names listed = ListNames();
-    ASSERT_FALSE(listed.empty());
-    EXPECT_EQ(listed.front(), "..");
-    listed.erase(listed.begin());
-    Names on_disk;
-    for (const DiskEntry& entry : ReadDisk(pGTable->CurrentDir)) {
-        on_disk.push_back(entry.name);
-    }
-    std::sort(listed.begin(), listed.end());
-    std::sort(on_disk.begin(), on_disk.end());
-    EXPECT_EQ(listed, on_disk);
-}
-
-void WindowTest::ExpectTreeConsistent(const GtkTreeIter& node, DiskState disk) const
-{
-    const std::string path = GetNodePath(MainTree(), node);
-    Names names;
-    const std::vector<GtkTreeIter> children = Children(node);
-    for (const GtkTreeIter& child : children) {
-        names.push_back(GetLastPath(GetNodePath(MainTree(), child)));
-    }
-    EXPECT_TRUE(std::is_sorted(names.begin(), names.end())) << path;
-    EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end()) << path;
-    GtkTreeIter copy = node;
-    const TreePath row(gtk_tree_model_get_path(gtk_tree_view_get_model(MainTree()), &copy));
-    if (!gtk_tree_view_row_expanded(MainTree(), row.get())) {
-        if (disk == DISK_AS_SHOWN) {
-            EXPECT_EQ(names.empty(), Subdirectories(path).empty()) << path;
-        }
-        return;
-    }
-    if (disk == DISK_AS_SHOWN) {
-        EXPECT_EQ(names, Subdirectories(path)) << path;
-    }
-    for (const GtkTreeIter& child : children) {
-        ExpectTreeConsistent(child, disk);
+    const Names names = ChildNames(path);
+    const Names on_disk = disk == DISK_AS_SHOWN ? ReadDisk(path, true) : names;
+    // Of a collapsed directory it is enough to know whether there is anything to expand.
+    const bool is_expanded = IsExpanded(path);
+    EXPECT_TRUE(is_expanded ? names == on_disk : names.empty() == on_disk.empty()) << path << ": " << Joined(names);
+    EXPECT_EQ(std::adjacent_find(names.begin(), names.end(), std::greater_equal<>()), names.end()) << Joined(names);
+    for (std::size_t i = 0; is_expanded && i < names.size(); ++i) {
+        ExpectNodeConsistent(path + names[i] + "/", disk);
     }
 }
 
-void WindowTest::ExpectConsistent(DiskState disk, const std::optional<std::string>& typed) const
+void WindowTest::ExpectConsistent(DiskState disk, const std::optional<std::string>& typed, const Where& where)
 {
+    const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "inconsistent");
     const std::string& current = pGTable->CurrentDir;
-    EXPECT_TRUE(current.ends_with("/")) << current;
-    EXPECT_TRUE(current.starts_with(pGTable->RootDir)) << current;
+    EXPECT_TRUE(current.ends_with("/") && current.starts_with(pGTable->RootDir)) << current;
     EXPECT_EQ(TreeSelected(), current);
     EXPECT_EQ(LocationShown(), typed.value_or(DisplayText(current)));
     EXPECT_EQ(IsToolSensitive(TOOL_UP), current != pGTable->RootDir);
     EXPECT_NE(pGTable->TreeSelectSignal, 0UL);
+    const Names selected = SelectedNames();
+    EXPECT_TRUE(selected.empty() || selected.front() != "..");
+    EXPECT_EQ(IsToolSensitive(TOOL_PROPERTY), selected.size() <= 1);
     if (disk == DISK_AS_SHOWN) {
-        ExpectListMatchesDisk();
-        EXPECT_EQ(pGTable->StatusText, ExpectedStatus(current, SelectedNames()));
+        Names listed = ListNames();
+        EXPECT_EQ(listed.empty() ? "nothing" : listed.front(), "..");
+        std::sort(listed.begin(), listed.end());
+        Names on_disk = ReadDisk(current, false);
+        on_disk.insert(std::upper_bound(on_disk.begin(), on_disk.end(), ".."), "..");
+        EXPECT_EQ(listed, on_disk);
+        EXPECT_EQ(StatusShown(), ExpectedStatus(selected));
     }
     EXPECT_EQ(StatusShown(), pGTable->StatusText);
-    const Rows selection = ListSelection();
-    EXPECT_TRUE(std::is_sorted(selection.begin(), selection.end()));
-    EXPECT_TRUE(selection.empty() || selection.front() > 0) << "\"..\" is selected";
-    GtkTreeIter root;
-    ASSERT_TRUE(gtk_tree_model_get_iter_first(gtk_tree_view_get_model(MainTree()), &root));
-    ExpectTreeConsistent(root, disk);
+    ExpectNodeConsistent(pGTable->RootDir, disk);
+}
+
+void WindowTest::ExpectAt(const std::string& directory, const std::optional<std::string>& selected,
+                          const Where& where) const
+{
+    const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "elsewhere");
+    EXPECT_EQ(pGTable->CurrentDir, files.At(directory));
+    EXPECT_EQ(Joined(SelectedNames()), selected.value_or(Joined(SelectedNames())));
+    ExpectConsistent(DISK_AS_SHOWN, {}, where);
 }

@@ -7,6 +7,7 @@
 
 #include <initializer_list>
 #include <optional>
+#include <source_location>
 #include <string>
 #include <vector>
 
@@ -22,9 +23,12 @@
 
 using Names = std::vector<std::string>;
 using Rows = std::vector<std::size_t>;
+using Where = std::source_location;
 
-/// While it lives, the program runs with the ids of a user whom permissions stop. The display was
-/// connected before and stays so. The directories are given to that user.
+/// Names with commas between them.
+std::string Joined(const Names& names);
+
+/// While it lives, the program runs as a user whom permissions stop, who owns these directories.
 class OrdinaryUser {
 public:
     explicit OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned);
@@ -33,90 +37,106 @@ public:
     ~OrdinaryUser();
 
 private:
-    bool changed_ = false;
-    std::vector<gid_t> groups_;
+    std::optional<std::vector<gid_t>> groups_;  ///< Root's; none if the test is not run by root.
 };
 
-/// Whether the directories on disk are still those that the window read.
+/// Whether the directories on disk are still those that the window has read.
 enum DiskState { DISK_AS_SHOWN, DISK_CHANGED };
 
-/// A parameter with a name that a test can be called by.
-struct NamedText {
-    const char* name;
-    std::string text;
-};
-inline void PrintTo(const NamedText& text, std::ostream* stream)
-{
-    *stream << text.name;
-}
-inline std::string NameOfText(const ::testing::TestParamInfo<NamedText>& parameter)
-{
-    return parameter.param.name;
-}
-
-/// A test may start one window: the toolkit and the program's records live once a process.
+/// A test may start one window.
 class WindowTest : public ::testing::Test {
 protected:
-    WindowTest();
+    WindowTest() { Settings(""); }
     ~WindowTest() override;
 
-    /// The settings file that the window starts with. To be called before Start.
-    void Settings(const std::string& text) { home.File(".fennick", text); }
-    /// Starts the program rooted at files, or at another root, as its main procedure does.
+    /// The settings file that the window starts with.
+    void Settings(const std::string& text) const { home.File(".fennick", text); }
+    /// Makes files, empty or of a size ("name:1000"), directories ("name/") and links ("name -> target").
+    void Make(const Names& names) const;
+    /// Makes so many empty files, or directories: the prefix and a number of three digits.
+    void MakeMany(int count, const std::string& prefix, const std::string& suffix = "") const;
+    /// Starts the program as its main procedure does, rooted at files unless told otherwise.
     void Start() { Start(files.Path(), ""); }
     void Start(const std::string& root, const std::string& start);
     /// Asks the window to close, as the window manager does.
-    void Close();
+    void Close()
+    {
+        RunUntilQuit([this] { SendClose(window_); });
+    }
 
-    /// A key for whatever has the focus; whether anything took it.
+    /// Presses a key, also by its accelerator's name ("<Control>a"); whether anything took it.
     bool Press(guint key, guint state = 0);
-    /// A click of the left button into a row. Consecutive clicks are no double click.
+    bool Press(const char* accelerator);
+    /// Clicks are no double clicks, but where it says so.
     void Click(GtkTreeView* view, GtkTreePath* path, guint state = 0);
-    void ClickRow(const std::string& name, guint state = 0);
+    void ClickRow(const std::string& name, guint state = 0) { Click(MainList(), RowPath(RowOf(name)).get(), state); }
     void DoubleClickRow(const std::string& name);
-    void ClickNode(const std::string& path);
-    void ClickTitle(int column);
-    void ClickTool(ToolSlot slot);
-    bool IsToolSensitive(ToolSlot slot) const { return gtk_widget_get_sensitive(pMainW->ToolButton[slot]); }
-    /// Puts the focus into the location entry and replaces its text, as typing would.
-    void Type(const std::string& text);
-
+    void ClickNode(const std::string& path) { Click(MainTree(), NodePath(path).get()); }
+    static void ClickTitle(int column);
+    static void ClickTool(ToolSlot slot);
+    static bool IsToolSensitive(ToolSlot slot) { return gtk_widget_get_sensitive(pMainW->ToolButton[slot]); }
+    /// Chooses an entry as a user does, who has to open its menu first.
+    static void Choose(MenuEntry entry);
+    static bool IsOffered(MenuEntry entry);
+    /// Focuses the location entry and replaces its text.
+    static void Type(const std::string& text);
     /// Goes to a directory below the root by way of the tree.
-    void Visit(const std::string& name) { OpenChildTree(MainTree(), pGTable->RootDir + name, EXPAND_LAST_YES); }
+    static void Visit(const std::string& name) { OpenChildTree(MainTree(), pGTable->RootDir + name, EXPAND_LAST_YES); }
+    /// Does what the text says, step by step: "act argument; act argument = directory selected state".
+    /// What follows "=" is expected after the act, and that all is consistent; "." is the root and
+    /// "-" an empty selection. Paths are below files, names without blanks.
+    void Steps(const std::string& text, const Where& where = Where::current());
+    /// What else a suite expects after its steps.
+    virtual std::string State() const { return {}; }
 
-    std::size_t RowOf(const std::string& name) const;
-    Names ListNames() const;
-    Names SelectedNames() const;
-    void SelectNames(const Names& names) const;
-    RowVisibility RowVisibilityOf(std::size_t row) const;
-    /// The first row that is at least partly visible.
-    std::size_t FirstVisibleRow() const;
-    std::string StatusShown() const;
-    std::string LocationShown() const;
-    GtkWidget* Entry() const { return ComboEntry(pMainW->LocationCombo); }
-    GtkWindow* Window() const { return GTK_WINDOW(pMainW->MainWindow); }
+    static TreePath RowPath(std::size_t row)
+    {
+        return TreePath(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
+    }
+    static std::size_t RowOf(const std::string& name);
+    static Names ListNames();
+    static Names SelectedNames();
+    static void SelectNames(const Names& names);
+    static RowVisibility RowVisibilityOf(std::size_t row) { return GetRowVisibility(MainList(), RowPath(row).get()); }
+    static std::string StatusShown() { return gtk_label_get_text(GTK_LABEL(StatusBarLabel(pMainW->StatusBar))); }
+    static GtkWidget* Entry() { return ComboEntry(pMainW->LocationCombo); }
+    static std::string LocationShown() { return gtk_entry_get_text(GTK_ENTRY(Entry())); }
+    static GtkWindow* Window() { return GTK_WINDOW(pMainW->MainWindow); }
+    static bool IsEntryFocused() { return gtk_window_get_focus(Window()) == Entry(); }
 
-    /// Names of the children of a node, given by its path.
-    Names ChildNames(const std::string& path) const;
-    bool IsInTree(const std::string& path) const;
-    bool IsExpanded(const std::string& path) const;
-    bool HasExpander(const std::string& path) const;
-    void SetExpanded(const std::string& path, bool expanded) const;
-    TreePath NodePath(const std::string& path) const;
-    std::string TreeSelected() const;
+    // Nodes of the tree by their path, whether or not there still is such a directory.
+    static bool IsInTree(const std::string& path) { return FindNode(path).has_value(); }
+    static TreePath NodePath(const std::string& path);
+    static Names ChildNames(const std::string& path);
+    static bool HasExpander(const std::string& path) { return !ChildNames(path).empty(); }
+    static bool IsExpanded(const std::string& path)
+    {
+        return gtk_tree_view_row_expanded(MainTree(), NodePath(path).get());
+    }
+    static void SetExpanded(const std::string& path, bool expanded);
+    static std::string TreeSelected()
+    {
+        std::string path;
+        GetTreeSelect(MainTree(), nullptr, &path);
+        return path;
+    }
 
-    /// What holds after every action: tree, list, location, status and buttons tell of the same
-    /// directory, and of what a bare reading of it finds. With a text, the entry says that instead
-    /// of the directory.
-    void ExpectConsistent(DiskState disk = DISK_AS_SHOWN, const std::optional<std::string>& typed = {}) const;
+    /// What holds after every action: tree, list, location, status, menus and buttons tell of the
+    /// same directory and selection, and of what is on the disk. With a text, the entry says that
+    /// instead of the directory.
+    static void ExpectConsistent(DiskState disk = DISK_AS_SHOWN, const std::optional<std::string>& typed = {},
+                                 const Where& where = Where::current());
+    /// The same, and which directory below files is shown; with a text, which names are selected.
+    void ExpectAt(const std::string& directory, const std::optional<std::string>& selected = {},
+                  const Where& where = Where::current()) const;
 
     ScratchDirectory home;
     ScratchDirectory files;
     ScopedVariable home_variable{"HOME", home.Path().c_str()};
 
 private:
-    void ExpectListMatchesDisk() const;
-    void ExpectTreeConsistent(const GtkTreeIter& node, DiskState disk) const;
+    static std::optional<GtkTreeIter> FindNode(const std::string& path);
+    static void ExpectNodeConsistent(const std::string& path, DiskState disk);
 
     GtkWidget* window_ = nullptr;
     bool untaken_ = false;

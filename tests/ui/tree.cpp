@@ -1,7 +1,6 @@
 // The directory tree: what it shows, how it is opened, collapsed and read again.
 
 #include "core/fnkfiles-settings.h"
-#include "core/fnkutil.h"
 #include "windowtest.h"
 
 namespace {
@@ -10,33 +9,20 @@ class Tree : public WindowTest {
 protected:
     Tree()
     {
-        for (const char* const name : {"alpha", "Zeta/one/two/three", "beta/x", "beta/y", "only-hidden/.secret",
-                                       "backup~", ".hidden/below", "only-files"}) {
-            files.Directory(name);
-        }
-        files.File("only-files/file");
-        files.File("file");
-        files.Link("link", "beta");
-        files.Link("only-links/link", "../beta");
+        Make({"alpha/", "Zeta/one/two/three/", "beta/x/", "beta/y/", "only-hidden/.secret/", "backup~/",
+              ".hidden/below/", "only-files/file", "file", "link -> beta", "only-links/link -> ../beta"});
     }
+    /// Whether the directory shown is expanded in the tree.
+    std::string State() const override { return IsExpanded(pGTable->CurrentDir) ? "+" : "-"; }
 };
 
-TEST_F(Tree, ShowsEligibleDirectoriesInByteOrderWithExpandersWhereThereIsMore)
+TEST_F(Tree, ShowsDirectoriesInByteOrder)
 {
     Start();
-    EXPECT_EQ(ChildNames(files.Path()), (Names{"Zeta", "alpha", "beta", "only-files", "only-hidden", "only-links"}));
-    EXPECT_TRUE(IsExpanded(files.Path()));
-    for (const char* const name : {"alpha", "only-files", "only-hidden", "only-links"}) {
-        EXPECT_FALSE(HasExpander(files.At(name))) << name;
-    }
-    // One child is read ahead, not all of them.
-    EXPECT_EQ(ChildNames(files.At("beta")).size(), 1U);
-    EXPECT_FALSE(IsExpanded(files.At("beta")));
+    EXPECT_EQ(Joined(ChildNames(files.Path())), "Zeta,alpha,beta,only-files,only-hidden,only-links");
+    EXPECT_EQ(ChildNames(files.At("beta")).size(), 1U) << "one child is enough for an expander";
     ExpectConsistent();
-}
-
-TEST_F(Tree, ShowsHiddenAndBackupDirectoriesWhenTold)
-{
+    Close();
     Settings("[Setting]\nShowHidden=yes\nShowBackup=yes\n");
     Start();
     EXPECT_EQ(ChildNames(files.Path()).size(), 8U);
@@ -46,211 +32,112 @@ TEST_F(Tree, ShowsHiddenAndBackupDirectoriesWhenTold)
 
 TEST_F(Tree, OpensAPathAsFarAsItExists)
 {
-    Start();
-    const struct {
-        std::string path;
-        ExpandLast expand_last;
-        const char* expected;  ///< Below the root.
-        bool expanded;
-    } kCases[] = {
-        {files.At("beta"), EXPAND_LAST_NO, "beta/", false},
-        {files.At("beta/"), EXPAND_LAST_YES, "beta/", true},
-        {files.At("Zeta/one/two/three"), EXPAND_LAST_YES, "Zeta/one/two/three/", false},
-        {files.At("file"), EXPAND_LAST_NO, "", true},
-        {files.At("only-files/file"), EXPAND_LAST_YES, "only-files/", false},
-        {files.At("Zeta/gone/further"), EXPAND_LAST_NO, "Zeta/", true},
-        {files.At("link/x"), EXPAND_LAST_NO, "", true},
-        {files.At(".hidden/below"), EXPAND_LAST_NO, "", true},
-        {files.At("alpha//"), EXPAND_LAST_NO, "alpha/", false},
-        {"/", EXPAND_LAST_YES, "alpha/", false},
-        {files.Path().substr(0, files.Path().size() - 2), EXPAND_LAST_YES, "alpha/", false},
-        {"alpha", EXPAND_LAST_YES, "alpha/", false},
-        {"", EXPAND_LAST_YES, "alpha/", false},
-        {files.Path().substr(0, files.Path().size() - 1), EXPAND_LAST_YES, "", true},
-    };
-    for (const auto& test : kCases) {
-        SCOPED_TRACE(test.path);
-        OpenChildTree(MainTree(), test.path, test.expand_last);
-        Settle();
-        EXPECT_EQ(pGTable->CurrentDir, files.At(test.expected));
-        EXPECT_EQ(IsExpanded(pGTable->CurrentDir), test.expanded);
-        ExpectConsistent();
-    }
-}
-
-TEST_F(Tree, StartsInTheStartDirectory)
-{
     Start(files.Path(), files.At("Zeta/one/two"));
-    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta/one/two/"));
-    EXPECT_FALSE(IsExpanded(pGTable->CurrentDir));
-    EXPECT_EQ(pGTable->LocationDirHistory, (History{files.At("Zeta/one/two/"), files.Path()}));
     EXPECT_EQ(GetRowVisibility(MainTree(), NodePath(pGTable->CurrentDir).get()), ROW_VISIBLE);
-    ExpectConsistent();
-}
-
-TEST_F(Tree, LooksAgainForADirectoryThatIsYoungerThanItself)
-{
-    Start();
-    SetExpanded(files.At("beta"), true);
-    files.Directory("alpha/new/newer");
-    files.Directory("beta/middle");
-    OpenChildTree(MainTree(), files.At("beta/middle"), EXPAND_LAST_NO);
-    EXPECT_EQ(pGTable->CurrentDir, files.At("beta/middle/"));
-    OpenChildTree(MainTree(), files.At("alpha/new/newer"), EXPAND_LAST_NO);
-    EXPECT_EQ(pGTable->CurrentDir, files.At("alpha/new/newer/"));
-    ExpectConsistent();
-}
-
-TEST_F(Tree, AClickEntersADirectoryOnce)
-{
-    Start();
-    ClickNode(files.At("beta"));
-    EXPECT_EQ(pGTable->CurrentDir, files.At("beta/"));
-    ExpectConsistent();
-    SelectNames({"x"});
-    ClickNode(files.At("beta"));
-    EXPECT_EQ(SelectedNames(), Names{"x"}) << "the list was filled again";
-    EXPECT_EQ(pGTable->LocationDirHistory.size(), 2U);
-    ExpectConsistent();
+    EXPECT_EQ(pGTable->LocationDirHistory, (History{files.At("Zeta/one/two/"), files.Path()}));
+    ExpectAt("Zeta/one/two/");
+    EXPECT_EQ(State(), "-");
+    Steps(
+        "open beta = beta/ - -; visit beta/ = beta/ - +; visit Zeta/one/two/three = Zeta/one/two/three/ - -;"
+        "open file = . - +; visit only-files/file = only-files/ - -; open Zeta/gone/further = Zeta/ - +;"
+        "open link/x = . - +; open .hidden/below = . - +; open alpha// = alpha/ - -");
+    const std::string root = files.Path();
+    for (const std::string& path : Names{"/", root.substr(0, root.size() - 2), "alpha", ""}) {
+        OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
+        ExpectAt("alpha/");
+    }
+    OpenChildTree(MainTree(), root.substr(0, root.size() - 1), EXPAND_LAST_YES);
+    ExpectAt("");
+    // It may be younger than the tree, and its name begin as another one.
+    Steps(
+        "expand beta; make beta/middle/; open beta/middle = beta/middle/; make alpha/new/newer/;"
+        "open alpha/new/newer = alpha/new/newer/; make be/; visit be = be/");
+    // A click enters a directory once, and one with Control does not leave it.
+    Steps("node beta = beta/ -; select x; node beta = beta/ x");
+    Click(MainTree(), NodePath(files.At("beta")).get(), GDK_CONTROL_MASK);
+    ExpectAt("beta/", "x");
 }
 
 TEST_F(Tree, CollapsingAroundTheSelectionSelectsTheCollapsedNode)
 {
+    Make({"Zeta2/below/"});
     Start();
-    Visit("Zeta/one/two");
-    SetExpanded(files.At("beta"), true);
-    SetExpanded(files.At("beta"), false);
-    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta/one/two/"));
-    ExpectConsistent();
-    SetExpanded(files.At("Zeta"), false);
-    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta/"));
-    EXPECT_FALSE(IsExpanded(files.At("Zeta")));
-    ExpectConsistent();
-    // A name that merely begins alike is no child.
-    files.Directory("Zeta2/below");
-    Visit("Zeta2/below");
-    SetExpanded(files.At("Zeta"), true);
-    SetExpanded(files.At("Zeta"), false);
-    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta2/below/"));
-    ExpectConsistent();
+    Steps(
+        "visit Zeta/one/two; expand beta; collapse beta = Zeta/one/two/; collapse Zeta = Zeta/ - -;"
+        "visit Zeta2/below; expand Zeta; collapse Zeta = Zeta2/below/");  // It merely begins alike.
 }
 
-TEST_F(Tree, ExpandingAgainShowsNewDirectoriesAndOnlyRescanningDropsOldOnes)
+TEST_F(Tree, ExpandingAddsAndRescanningAlsoRemoves)
 {
     Start();
-    Visit("beta");
-    SetExpanded(files.At("beta"), false);
-    files.Directory("beta/new");
-    files.Remove("beta/x");
-    SetExpanded(files.At("beta"), true);
-    EXPECT_EQ(ChildNames(files.At("beta")), (Names{"new", "x", "y"}));
+    Steps("visit beta; collapse beta; make beta/new/; remove beta/x; expand beta");
+    EXPECT_EQ(Joined(ChildNames(files.At("beta"))), "new,x,y");
     RescanTree(MainTree(), pGTable->CurrentDir);
-    EXPECT_EQ(ChildNames(files.At("beta")), (Names{"new", "y"}));
-    EXPECT_TRUE(IsExpanded(files.At("beta")));
-    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES);
-    ExpectConsistent();
-}
-
-TEST_F(Tree, RescanningKeepsTheSelectionAndTheExpansionOfTheNode)
-{
-    Start();
-    Visit("Zeta/one");
+    EXPECT_EQ(Joined(ChildNames(files.At("beta"))), "new,y");
+    Steps("visit beta = beta/ - +");
+    // The selection stays, as far as its node is still displayed.
+    Steps("visit Zeta/one; collapse beta");
     RescanTree(MainTree(), files.At("Zeta/"));
-    EXPECT_EQ(TreeSelected(), files.At("Zeta/one/"));
-    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta/one/"));
     EXPECT_TRUE(IsExpanded(files.At("Zeta")));
-    ExpectConsistent();
-
-    // All children go and come back: an emptied node must not stay collapsed.
-    RescanTree(MainTree(), files.At("beta/"));
-    EXPECT_FALSE(IsExpanded(files.At("beta")));
-    RescanTree(MainTree(), files.Path());
-    EXPECT_TRUE(IsExpanded(files.Path()));
-    EXPECT_TRUE(IsInTree(TreeSelected()));
-    RescanTree(MainTree(), files.At("gone/"));
-    RescanTree(MainTree(), "/");
-    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES);
-    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta/one/"));
-    ExpectConsistent();
-}
-
-TEST_F(Tree, ANodeCanBeAddedByPath)
-{
-    Start();
-    files.Directory("apple");
-    GtkTreeIter node;
-    ASSERT_TRUE(CreateTreeNode(MainTree(), files.At("apple/"), &node));
-    EXPECT_EQ(GetNodePath(MainTree(), node), files.At("apple/"));
-    EXPECT_FALSE(CreateTreeNode(MainTree(), "/apple/", &node));
-    EXPECT_FALSE(CreateTreeNode(MainTree(), files.At("nowhere/apple/"), &node));
-    ExpectConsistent(DISK_CHANGED);
-    OpenChildTree(MainTree(), files.Path(), EXPAND_LAST_YES);
-    ExpectConsistent();
-}
-
-TEST_F(Tree, ADirectoryThatMayNotBeReadHasNoChildrenAndNoMessage)
-{
-    files.Directory("closed/inside");
-    files.SetMode("closed", 0);
-    Start();
-    const OrdinaryUser user({&files, &home});
-    ClickTool(TOOL_RESCAN);
-    EXPECT_TRUE(IsInTree(files.At("closed")));
-    EXPECT_FALSE(HasExpander(files.At("closed")));
-    Visit("closed/inside");
-    EXPECT_EQ(pGTable->CurrentDir, files.At("closed/"));
-    EXPECT_EQ(ListNames(), Names{".."});
-    ExpectConsistent();
-    files.SetMode("closed", 0755);
-    ClickTool(TOOL_RESCAN);
-    EXPECT_TRUE(HasExpander(files.At("closed")));
-    ExpectConsistent();
-}
-
-class StrangeNames : public WindowTest, public ::testing::WithParamInterface<NamedText> {};
-
-TEST_P(StrangeNames, AreEnteredLeftRecordedAndStored)
-{
-    const std::string& name = GetParam().text;
-    files.Directory(name + "/" + name);
-    const std::string file = name.substr(0, 250) + ".txt";
-    files.File(name + "/" + file);
-    Start();
-    for (const std::string& step : {name + "/", name + "/" + name + "/"}) {
-        DoubleClickRow(name);
-        EXPECT_EQ(pGTable->CurrentDir, files.At(step));
-        EXPECT_EQ(pGTable->LocationDirHistory.front(), files.At(step));
-        ExpectConsistent();
+    ExpectAt("Zeta/one/");
+    for (const std::string& path : Names{files.At("beta/"), files.At("gone/"), "/", files.Path()}) {
+        RescanTree(MainTree(), path);
     }
-    DoubleClickRow("..");
-    EXPECT_EQ(pGTable->CurrentDir, files.At(name + "/"));
-    ExpectConsistent();
-    SelectNames({file});
-    ExpectConsistent();
-    ClickTool(TOOL_UP);
-    ClickTool(TOOL_BACK);
-    EXPECT_EQ(pGTable->CurrentDir, files.At(name + "/"));
-    ExpectConsistent();
+    EXPECT_FALSE(IsExpanded(files.At("beta")));
+    EXPECT_EQ(TreeSelected(), files.At("Zeta/"));
+    Steps("visit Zeta/one = Zeta/one/");
+}
 
-    const History visited = pGTable->LocationDirHistory;
+TEST_F(Tree, ADirectoryThatMayNotBeReadIsEmpty)
+{
+    Make({"closed/inside/", "closed/file"});
+    Start();
+    Visit("closed");
+    const OrdinaryUser user({&files, &home});
+    files.SetMode("closed", 0);
+    for (const char* const key : {"Right", "Return", "Tab", "Down", "Tab"}) {
+        Press(key);
+        ExpectConsistent(DISK_CHANGED);
+    }
+    Steps("rescan; visit closed/inside = closed/");
+    EXPECT_FALSE(HasExpander(files.At("closed")));
+    EXPECT_EQ(ListNames(), Names{".."});
+    Steps("up = .");
+    files.SetMode("closed", 0755);
+    Steps("reread = .");
+}
+
+TEST_F(Tree, AnyNameIsEnteredLeftAndStored)
+{
+    Start();
+    for (const std::string& name : Names{"with blanks ", "\xE6\x97\xA5\xE6\x9C\xAC", "\xFF\xFE\x80", "half\xE6\x97",
+                                         "*?[\\", "-dash=\t\x01", "two\nlines", std::string(255, 'n')}) {
+        SCOPED_TRACE(name);
+        const std::string file = name.substr(0, 250) + ".txt";
+        files.Directory(name + "/" + name);
+        files.File(name + "/" + file);
+        Steps("visit .; reread");
+        DoubleClickRow(name);
+        ExpectAt(name + "/");
+        DoubleClickRow(name);
+        ExpectAt(name + "/" + name + "/");
+        DoubleClickRow("..");
+        SelectNames({file});
+        ExpectAt(name + "/", file);
+        Steps("up; back");
+        ExpectAt(name + "/");
+    }
+    History stored = pGTable->LocationDirHistory;
+    // A line of the file has no room for a newline.
+    std::erase_if(stored, [](const std::string& path) { return path.find('\n') != std::string::npos; });
+    const std::string last = pGTable->CurrentDir;
     Close();
-    GTable stored;
-    pGTable = &stored;
+    GTable table;
+    pGTable = &table;
     EXPECT_EQ(GetGTable(), 0);
     pGTable = nullptr;
-    const bool has_newline = name.find('\n') != std::string::npos;
-    EXPECT_EQ(stored.LocationDirHistory, has_newline ? History{files.Path()} : visited);
-    EXPECT_EQ(stored.CurrentDir, has_newline ? "" : files.At(name + "/"));
+    EXPECT_EQ(table.LocationDirHistory, stored);
+    EXPECT_EQ(table.CurrentDir, last);
 }
-
-INSTANTIATE_TEST_SUITE_P(All, StrangeNames,
-                         ::testing::Values(NamedText{"Blanks", "with blanks "},
-                                           NamedText{"Japanese", "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E"},
-                                           NamedText{"JapaneseOneLetter", "\xE8\xA1\xA8"},
-                                           NamedText{"Invalid", "\xFF\xFE\x80"}, NamedText{"Truncated", "half\xE6\x97"},
-                                           NamedText{"Newline", "two\nlines"}, NamedText{"Pattern", "*?[\\"},
-                                           NamedText{"Controls", "-dash=\t\x01"},
-                                           NamedText{"Long", std::string(255, 'n')}),
-                         NameOfText);
 
 }  // namespace
