@@ -325,7 +325,7 @@ int main(int argc, char** argv)
     const std::uint64_t first = std::stoull(options["--seed"]);
     std::setlocale(LC_ALL, "C.UTF-8");
     umask(022);
-    faults.spares_disk = faults.sorts_directories = true;
+    faults.spares_disk = true;
     const ScratchDirectory files;
     // So deep that no link made from the tree's names leads out of the scratch directory.
     const std::string top = files.Directory("deep/er/top") + "/";
