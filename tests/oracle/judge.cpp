@@ -162,7 +162,7 @@ std::string JudgeSuccess(const Disk& before, const Disk& after, const Reach& rea
         wrong += "The source is still there\n";
     }
     const int expected = CountSteps(before, reach.source);
-    if (reach.kind == COMMAND_MOVE ? steps > std::max(1, expected) : steps != expected) {
+    if (reach.kind == COMMAND_MOVE ? steps == 0 : steps != expected) {
         wrong += std::to_string(steps) + " steps, should be " + std::to_string(expected) + "\n";
     }
     return wrong;
