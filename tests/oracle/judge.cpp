@@ -14,14 +14,24 @@ std::optional<std::string> Rest(const std::string& path, const std::string& top)
     return path == top || path.starts_with(top + "/") ? std::optional(path.substr(top.size())) : std::nullopt;
 }
 
-/// The path below the top, with links on the way to its last component resolved.
+/// The path below the top, with links to directories on the way to its last component resolved.
 std::optional<std::string> Resolve(const std::string& path, const std::string& top)
 {
+    namespace fs = std::filesystem;
     std::error_code error;
-    const std::string plain = WithoutSlash(path);
-    const std::string parent = std::filesystem::weakly_canonical(GetParentDirectory(plain), error);
-    const std::string full = WithSlash(parent) + GetLastPath(plain);
-    return !error && full.starts_with(top) ? std::optional(full.substr(top.size())) : std::nullopt;
+    const fs::path plain = WithoutSlash(path);
+    fs::path parent;
+    for (const fs::path& name : plain.parent_path()) {
+        parent /= name;
+        if (fs::is_directory(parent, error)) {
+            parent = fs::canonical(parent, error);
+        }
+        if (error && error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) {
+            return {};
+        }
+    }
+    const std::string full = parent / plain.filename();
+    return full.starts_with(top) ? std::optional(full.substr(top.size())) : std::nullopt;
 }
 
 bool IsUnchanged(const Object& old, const Object* now)
@@ -121,7 +131,7 @@ std::string Judge(const Disk& before, const Disk& after, const Reach& reach, boo
         }
     }
     for (const auto& [path, now] : after) {
-        if (before.contains(path)) {
+        if (before.contains(path) || reach.Overlaps()) {
             continue;
         }
         const auto below_target = reach.HasTarget() ? Rest(path, reach.target) : std::nullopt;
@@ -162,7 +172,7 @@ std::string JudgeSuccess(const Disk& before, const Disk& after, const Reach& rea
         wrong += "The source is still there\n";
     }
     const int expected = CountSteps(before, reach.source);
-    if (reach.kind == COMMAND_MOVE ? steps == 0 : steps != expected) {
+    if (reach.kind != COMMAND_MOVE && steps != expected) {
         wrong += std::to_string(steps) + " steps, should be " + std::to_string(expected) + "\n";
     }
     return wrong;
