@@ -122,28 +122,29 @@ TEST_F(Engine, FilesAndLinksReplaceEachOther)
 TEST_F(Engine, WhatIsInTheWay)
 {
     const Tree clash = {{"from/x", "new"}, {"from/y", "new"}, {"to/from/x/kept", "old"}};
+    const Tree one_clash = {{"from/x", "new"}, {"to/from/x/kept", "old"}};
     const Tree linked = {
         {"from/d/x", "new"}, {"elsewhere/x", "old"}, {"to/from/d", "-> ../../elsewhere"}, {"way", "-> elsewhere"}};
     const std::string not_empty = Failure("delete to/from/x", "Directory not empty");
-    Tell(
-        {Story("an empty directory goes for a file", {{"from/x", "new"}, {"to/from/x", "/"}}, "copy from/ > to !", "",
-               RESULT_DONE, 1, {}, {{"to/from/x", "new"}}),
-         Story("a full one stays, and a copy goes on", clash, "copy from/ > to !", "y", RESULT_DONE, 2, {not_empty},
-               {{"to/from/y", "new"}}),
-         Story("a move stops", clash, "move from/ > to !", "y", RESULT_OK, 1, {not_empty}, {}),
-         Story("Cancel at the report stops a copy", clash, "copy from/ > to !", "n", RESULT_CANCEL, 1, {not_empty}, {}),
-         Story("a link stays unless that is agreed", linked, "copy from/ > to !", "n", RESULT_DONE, 1,
-               {Question("to/from/d")}, {}),
-         Story("and what it leads to stays", linked, "copy from/ > to !", "y", RESULT_DONE, 1, {Question("to/from/d")},
-               {{"to/from/d", kGone}, {"to/from/d/x", "new"}}),
-         Story("on the way a link is followed", linked, "copy from/ > way/new", "n", RESULT_DONE, 1, {},
-               {{"elsewhere/new/d/x", "new"}}),
-         Story("one question is enough", linked, "copy from/ > way", "y", RESULT_DONE, 1, {Question("way")},
-               {{"way", kGone}, {"way/d/x", "new"}}),
-         Story("a file goes for a directory", {{"from/x", "new"}, {"file", "old"}}, "copy from/ > file/below", "n",
-               RESULT_DONE, 1, {}, {{"file", kGone}, {"file/below/x", "new"}}),
-         Story("a file that the directory itself replaces", {{"from/x", "new"}, {"file", "old"}}, "copy from/ > file",
-               "y", RESULT_DONE, 1, {Question("file")}, {{"file", kGone}, {"file/x", "new"}})});
+    Tell({Story("an empty directory goes for a file", {{"from/x", "new"}, {"to/from/x", "/"}}, "copy from/ > to !", "",
+                RESULT_DONE, 1, {}, {{"to/from/x", "new"}}),
+          Story("a full one stays, and a copy goes on", clash, "copy from/ > to !", "y", RESULT_DONE, 2, {not_empty},
+                {{"to/from/y", "new"}}),
+          Story("a move stops", one_clash, "move from/ > to !", "y", RESULT_OK, 1, {not_empty}, {}),
+          Story("Cancel at the report stops a copy", one_clash, "copy from/ > to !", "n", RESULT_CANCEL, 1, {not_empty},
+                {}),
+          Story("a link stays unless that is agreed", linked, "copy from/ > to !", "n", RESULT_DONE, 1,
+                {Question("to/from/d")}, {}),
+          Story("and what it leads to stays", linked, "copy from/ > to !", "y", RESULT_DONE, 1, {Question("to/from/d")},
+                {{"to/from/d", kGone}, {"to/from/d/x", "new"}}),
+          Story("on the way a link is followed", linked, "copy from/ > way/new", "n", RESULT_DONE, 1, {},
+                {{"elsewhere/new/d/x", "new"}}),
+          Story("one question is enough", linked, "copy from/ > way", "y", RESULT_DONE, 1, {Question("way")},
+                {{"way", kGone}, {"way/d/x", "new"}}),
+          Story("a file goes for a directory", {{"from/x", "new"}, {"file", "old"}}, "copy from/ > file/below", "n",
+                RESULT_DONE, 1, {}, {{"file", kGone}, {"file/below/x", "new"}}),
+          Story("a file that the directory itself replaces", {{"from/x", "new"}, {"file", "old"}}, "copy from/ > file",
+                "y", RESULT_DONE, 1, {Question("file")}, {{"file", kGone}, {"file/x", "new"}})});
 }
 
 TEST_F(Engine, WhatIsMissing)

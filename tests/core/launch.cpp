@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "child.h"
+#include "fnkfiles-associations.h"
 #include "fnkutil.h"
 #include "program.h"
 #include "tabletest.h"
@@ -18,11 +19,10 @@ namespace {
 
 class DecideWhat : public TableTest {
 protected:
-    void Expect(const std::string& name, LaunchKind kind, const std::string& end, const std::string& program = "")
+    void Expect(const std::string& name, LaunchKind kind, const std::string& end)
     {
         const Launch launch = DecideLaunch(files.At(name));
         EXPECT_EQ(launch.kind, kind) << name;
-        EXPECT_EQ(launch.program, program) << name;
         if (kind != LAUNCH_NOTHING && kind != LAUNCH_OUTSIDE_ROOT) {
             EXPECT_EQ(launch.path, files.At(end)) << name;
         }
@@ -32,113 +32,139 @@ protected:
 TEST_F(DecideWhat, ModeAndExtensionDecide)
 {
     SetLocale(kUtf8Locale);
-    table.ExtensionList = {{"txt", "view"}, {"none", ""}, {"opt", "view -x; y"}};
+    table.ExtensionList = {{"txt", "view"},   {"none", ""},  {"", "bare"},
+                           {"d/README", "x"}, {"\xFF", "y"}, {"TXT", "later"}};
     files.Directory("dir.txt");
     files.File("run.txt", "", 0744);
     files.File("group-run.txt", "", 0474);
-    files.File("a\n\xFF.TXT");
     files.File("write-only.txt", "", 0244);
-    for (const char* const name : {"x.none", "x.opt", "README", "x.unknown"}) {
+    files.Link("broken", "gone");
+    for (const char* const name :
+         {"a\n\xFF.TXT", "x.none", "README", "x.tar.txt", "x.", "conf.d/README", "a.\xFF", "a.txt~"}) {
         files.File(name);
     }
-    files.Link("broken", "gone");
-    Expect("dir.txt", LAUNCH_DIRECTORY, "dir.txt");
-    Expect("dir.txt/", LAUNCH_DIRECTORY, "dir.txt");
-    Expect("run.txt", LAUNCH_ITSELF, "run.txt");
-    Expect("group-run.txt", LAUNCH_PROGRAM, "group-run.txt", "view");
-    Expect("a\n\xFF.TXT", LAUNCH_PROGRAM, "a\n\xFF.TXT", "view");
-    Expect("write-only.txt", LAUNCH_NOTHING, "");
-    Expect("x.opt", LAUNCH_PROGRAM, "x.opt", "view -x; y");
-    Expect("README", LAUNCH_CHOICE, "README");
-    Expect("x.unknown", LAUNCH_CHOICE, "x.unknown");
-    EXPECT_EQ(DecideLaunch(files.At("x.none")).kind, LAUNCH_NOTHING);
-    Expect("gone", LAUNCH_NOTHING, "");
-    Expect("broken", LAUNCH_NOTHING, "");
-    EXPECT_EQ(DecideLaunch("").kind, LAUNCH_NOTHING);
-}
-
-TEST_F(DecideWhat, FilesOfOthersAreJudgedByTheirLastBitsAlone)
-{
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "only the super-user can give files away";
+    const std::tuple<const char*, LaunchKind, const char*> cases[] = {{"dir.txt/", LAUNCH_DIRECTORY, ""},
+                                                                      {"run.txt", LAUNCH_ITSELF, ""},
+                                                                      {"group-run.txt", LAUNCH_PROGRAM, "view"},
+                                                                      {"a\n\xFF.TXT", LAUNCH_PROGRAM, "view"},
+                                                                      {"x.tar.txt", LAUNCH_PROGRAM, "view"},
+                                                                      {"x.", LAUNCH_PROGRAM, "bare"},
+                                                                      {"conf.d/README", LAUNCH_PROGRAM, "x"},
+                                                                      {"a.\xFF", LAUNCH_PROGRAM, "y"},
+                                                                      {"write-only.txt", LAUNCH_NOTHING, ""},
+                                                                      {"README", LAUNCH_CHOICE, ""},
+                                                                      {"a.txt~", LAUNCH_CHOICE, ""},
+                                                                      {"x.none", LAUNCH_NOTHING, ""},
+                                                                      {"gone", LAUNCH_NOTHING, ""},
+                                                                      {"broken", LAUNCH_NOTHING, ""}};
+    for (const auto& [name, kind, program] : cases) {
+        const Launch launch = DecideLaunch(files.At(name));
+        EXPECT_EQ(launch.kind, kind) << name;
+        EXPECT_EQ(launch.program, program) << name;
     }
-    table.ExtensionList = {{"txt", "view"}};
-    const std::tuple<const char*, mode_t, LaunchKind> cases[] = {{"program.txt", 0744, LAUNCH_ITSELF},
-                                                                 {"shared.txt", 0644, LAUNCH_PROGRAM},
-                                                                 {"group.txt", 0640, LAUNCH_NOTHING},
-                                                                 {"odd.txt", 0044, LAUNCH_PROGRAM}};
-    for (const auto& [name, mode, kind] : cases) {
-        Require(chown(files.File(name, "", mode).c_str(), 65534, 0) == 0, name);
-        EXPECT_EQ(DecideLaunch(files.At(name)).kind, kind) << name;
+    EXPECT_EQ(DecideLaunch("").kind, LAUNCH_NOTHING);
+    if (geteuid() == 0) {  // Only the last bits count for the files of others.
+        for (const auto& [mode, kind] :
+             {std::pair(0744, LAUNCH_ITSELF), {0644, LAUNCH_PROGRAM}, {0640, LAUNCH_NOTHING}, {0044, LAUNCH_PROGRAM}}) {
+            Require(chown(files.File("theirs.txt", "", static_cast<mode_t>(mode)).c_str(), 65534, 0) == 0, "chown");
+            EXPECT_EQ(DecideLaunch(files.At("theirs.txt")).kind, kind) << std::oct << mode;
+        }
     }
 }
 
 TEST_F(DecideWhat, LinksAreFollowedOneByOneInsideTheRoot)
 {
-    ScratchDirectory other;
+    const ScratchDirectory other;
     other.File("secret.txt");
-    table.ExtensionList = {{"txt", "view"}};
+    const std::string outside = "../../" + GetLastPath(other.Path()) + "/secret.txt";
     table.CurrentDir = files.Directory("here") + "/";
     files.File("here/a.txt");
     files.File("run", "", 0755);
-    files.Link("here/sibling", "a.txt");
-    files.Link("here/up", "../run");
-    files.Link("here/all", "..");
-    files.Link("here/far", files.At("below/second"));
-    files.Link("below/second", "third");  // Counts from below, not from here.
-    files.Link("below/third", "../here/a.txt");
-    files.Link("here/root", files.Path().substr(0, files.Path().size() - 1));
-    Expect("here/sibling", LAUNCH_PROGRAM, "here/a.txt", "view");
+    const std::pair<std::string, std::string> links[] = {{"here/sibling", "a.txt"},
+                                                         {"here/up", "../run"},
+                                                         {"here/far", files.At("below/second")},
+                                                         {"below/second", "third"},
+                                                         {"below/third", "../here/a.txt"},
+                                                         {"here/root", files.At("here/..")},
+                                                         {"here/out", other.At("secret.txt")},
+                                                         {"here/dots", outside},
+                                                         {"here/nowhere", "/nonexistent/a.txt"},
+                                                         {"door", other.Path()},
+                                                         {"here/door", "../door/secret.txt"},
+                                                         {"here/chain", "out"},
+                                                         {"ping", "pong"},
+                                                         {"pong", "./ping"},
+                                                         {"long", std::string(2048, 'x')}};
+    for (const auto& [name, target] : links) {
+        files.Link(name, target);
+    }
+    Expect("here/sibling", LAUNCH_CHOICE, "here/a.txt");
     Expect("here/up", LAUNCH_ITSELF, "run");
-    Expect("here/all", LAUNCH_DIRECTORY, "");
-    Expect("here/far", LAUNCH_PROGRAM, "here/a.txt", "view");
+    Expect("here/far", LAUNCH_CHOICE, "here/a.txt");
     Expect("here/root", LAUNCH_DIRECTORY, "");
-
-    const std::string name = GetLastPath(other.Path());
-    files.Link("here/out", other.At("secret.txt"));
-    files.Link("here/dots", "../../" + name + "/secret.txt");
-    files.Link("here/text", files.At("../") + name + "/secret.txt");
-    files.Link("here/nowhere", "/nonexistent/a.txt");
-    files.Link("door", other.Path());
-    files.Link("here/door", "../door/secret.txt");
-    files.Link("here/chain", "out");
-    for (const char* const out : {"here/out", "here/dots", "here/text", "here/nowhere", "here/door", "here/chain"}) {
+    for (const char* const out : {"here/out", "here/dots", "here/nowhere", "here/door", "here/chain"}) {
         Expect(out, LAUNCH_OUTSIDE_ROOT, "");
     }
-    EXPECT_EQ(DecideLaunch(other.At("secret.txt")).kind, LAUNCH_OUTSIDE_ROOT);
-
-    // A root that is itself reached through a link.
-    table.RootDir = other.Link("root", files.Path()) + "/";
-    const Launch launch = DecideLaunch(table.RootDir + "here/far");
-    EXPECT_EQ(launch.kind, LAUNCH_PROGRAM);
-    EXPECT_EQ(launch.path, table.RootDir + "here/a.txt");
-    EXPECT_EQ(DecideLaunch(table.RootDir + "here/out").kind, LAUNCH_OUTSIDE_ROOT);
-    files.Link("here/top", other.At("root"));
-    EXPECT_EQ(DecideLaunch(table.RootDir + "here/top").path, table.RootDir);
-    table.RootDir = "/";
-    EXPECT_EQ(DecideLaunch(files.At("here/out")).path, other.At("secret.txt"));
-}
-
-TEST_F(DecideWhat, AChainOfLinksEnds)
-{
-    files.Link("self", "self");
-    files.Link("ping", "pong");
-    files.Link("pong", "./ping");
-    files.File("end.x");
-    std::string target = "end.x";
+    std::string target = "here/a.txt";
     for (int i = 1; i <= 41; ++i) {
         const std::string name = "link" + std::to_string(i);
         files.Link(name, target);
         target = name;
     }
-    Expect("self", LAUNCH_NOTHING, "");
-    Expect("ping", LAUNCH_NOTHING, "");
-    Expect("link40", LAUNCH_CHOICE, "end.x");
-    Expect("link41", LAUNCH_NOTHING, "");
-    files.Link("long", std::string(2040, '/') + "end.x");
-    Expect("long", LAUNCH_OUTSIDE_ROOT, "");
-    files.Link("longer", std::string(2048, 'x'));
-    Expect("longer", LAUNCH_NOTHING, "");
+    Expect("link40", LAUNCH_CHOICE, "here/a.txt");
+    for (const char* const endless : {"link41", "ping", "long"}) {
+        Expect(endless, LAUNCH_NOTHING, "");
+    }
+    // A root that is itself reached through a link.
+    table.RootDir = other.Link("root", files.Path()) + "/";
+    EXPECT_EQ(DecideLaunch(table.RootDir + "here/far").path, table.RootDir + "here/a.txt");
+    EXPECT_EQ(DecideLaunch(table.RootDir + "here/out").kind, LAUNCH_OUTSIDE_ROOT);
+    table.RootDir = "/";
+    EXPECT_EQ(DecideLaunch(files.At("here/out")).path, other.At("secret.txt"));
+}
+
+TEST_F(DecideWhat, AssociationsAreLinesOfASection)
+{
+    using Entries = std::vector<std::pair<std::string, std::string>>;
+    const auto read = [this](const std::string& text, const char* section) {
+        home.File(".extension", text);
+        std::vector<AppInfo> list = {{"first", "kept"}};
+        EXPECT_EQ(ReadAppInfo(section, &list), 0);
+        Entries entries;
+        for (const AppInfo& entry : list) {
+            entries.emplace_back(entry.Key, entry.Value);
+        }
+        EXPECT_EQ(entries.front(), std::pair(std::string("first"), std::string("kept")));
+        return Entries(entries.begin() + 1, entries.end());
+    };
+    const std::string key(255, 'k');
+    const std::string value(2047 - 2, 'v');
+    const std::pair<std::string, Entries> cases[] = {
+        {"[Extension]\ntxt=emacs\nTXT=vi\n", {{"txt", "emacs"}, {"TXT", "vi"}}},
+        {"[Extension]\na=1\n\nb=2\n", {{"a", "1"}}},
+        {"[Extension]\na=1\n[b=2\nc=3\n", {{"a", "1"}}},
+        {"text\n\n[Other]\nx=y\n# see [Extension] \na=1", {{"a", "1"}}},
+        {"[Extension]\nno separator\nsh=a=b\n=v\nk=\nhtml = x \n",
+         {{"sh", "a=b"}, {"", "v"}, {"k", ""}, {"html ", " x "}}},
+        {"[Extension]\n" + key + "=v\n" + key + "k=v\na=1\n", {{key, "v"}, {"a", "1"}}},
+        {"[Extension]\na=" + value + "\na=" + value + "v\nb=2\n", {{"a", value}, {"b", "2"}}},
+        {"[Extension]\n", {}},
+        {"[extension]\na=1\n", {}}};
+    for (const char* const locale : {kTwoByteLocale, kUtf8Locale}) {
+        SetLocale(locale);
+        for (const auto& [text, expected] : cases) {
+            EXPECT_EQ(read(text, "[Extension]"), expected) << text;
+        }
+    }
+    EXPECT_EQ(read("[Extension]\n\xFF=\xFE\xFD\n", "[Extension]"), (Entries{{"\xFF", "\xFE\xFD"}}));
+    std::ifstream stream(FENNICK_DATA "extension.example");
+    const std::string example{std::istreambuf_iterator<char>(stream), {}};
+    EXPECT_FALSE(read(example, "[Extension]").empty() || read(example, "[Application]").empty());
+    std::vector<AppInfo> list;
+    EXPECT_EQ(ReadAppInfo(nullptr, &list) + ReadAppInfo("[Extension]", nullptr), -2);
+    home_variable.Set(nullptr);
+    EXPECT_EQ(ReadAppInfo("[Extension]", &list), 0);
+    EXPECT_TRUE(list.empty());
 }
 
 using Words = std::vector<std::string>;
