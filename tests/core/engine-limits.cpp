@@ -17,6 +17,8 @@
 
 namespace {
 
+using Asked = std::vector<std::string>;
+
 class EngineLimits : public EngineTest {
 protected:
     void Bind(const std::string& what, const std::string& where) const
@@ -69,10 +71,23 @@ TEST_F(EngineLimits, MountsHideNoObjectFromItself)
         EXPECT_EQ(Run("move disk/a/ > disk/b !"), RESULT_DONE);
         EXPECT_EQ(files.Contents("disk/a/both/x"), "x");
         EXPECT_EQ(Hear().second, 1);
+        // A disk below the source, by another way.
+        Make({{"up/disk", "/"}, {"way", "-> up/disk"}});
+        Require(mount("none", files.At("up/disk").c_str(), "tmpfs", 0, "size=1m") == 0, "mount");
+        Run("copy up/ > way/new");
+        EXPECT_EQ(Hear().first, Asked{Inside()});
+        // Two disks number their files alike.
+        Make({{"disk2", "/"}, {"disk3", "/"}});
+        for (const std::string disk : {"disk2", "disk3"}) {
+            Require(mount("none", files.At(disk).c_str(), "tmpfs", 0, "size=1m") == 0, disk);
+            Make({{disk + "/x", disk}, {disk + "/y", "= " + disk + "/x"}});
+        }
+        Run("move disk2/x > disk3 !");
+        EXPECT_EQ(files.Contents("disk2/x") + files.Contents("disk3/x"), "disk2disk3");
         Bind("disk/one", "disk/two");
         Run("move disk/one > disk/two !");
         EXPECT_EQ(files.Contents("disk/one"), "x");
-        EXPECT_EQ(Hear().first.size(), 1U);
+        EXPECT_EQ(Hear().first.size(), 2U);
     });
 }
 
@@ -99,7 +114,7 @@ TEST_F(EngineLimits, FullDisksAndOtherDisksLeaveTheOldFile)
             files.Remove("disk/filler");
         }
         // Nothing moves to another disk, and an empty directory in the way comes back.
-        Make({{"t/big", "new"}, {"disk/empty/t/big", "0711 /"}});
+        Make({{"t/big", "new"}, {"disk/empty/t/big", "0777 /"}});
         const Tree before = Show();
         for (const auto& [command, target] : {std::pair("move t/big > disk !", "disk/big"),
                                               {"move t/ > disk/new", "disk/new"},
@@ -177,6 +192,52 @@ TEST_F(EngineLimits, AnOldFileGoesOnlyWhenTheNewOneIsOnTheDisk)
     EXPECT_GT(faults.syncs, before) << "and the command ends when the names are";
 }
 
+TEST_F(EngineLimits, WhatOthersMakeMeanwhileStaysAndWhatTheyDeleteIsGone)
+{
+    for (const bool is_old_file_system : {false, true}) {
+        for (const std::string command : {"copy x > to", "move x > to", "delete d/"}) {
+            bool is_disturbed = true;
+            for (int call = 1; is_disturbed; ++call) {
+                EmptyDisk(files.Path());
+                Make({{"x", "mine"}, {"to", "/"}, {"d/gone", "x"}});
+                Answer("n");
+                faults.is_old_file_system = is_old_file_system;
+                bool is_taken = false;
+                faults.at_call = [&] {
+                    is_taken = !std::filesystem::exists(files.At("to/x"));
+                    std::filesystem::remove(files.At("d/gone"));
+                    is_taken ? files.File("to/x", "theirs") : std::string();
+                };
+                faults.Arm(call, 0);
+                Run(command);
+                is_disturbed = faults.calls_made >= call;
+                faults.Disarm();
+                // On such a file system a moment stays between the look and the renaming.
+                const bool is_too_late = is_old_file_system && faults.failed_call == "renameat";
+                EXPECT_TRUE(!is_taken || is_too_late || files.Contents("to/x") == "theirs") << command << call;
+                const Said said = Hear();
+                EXPECT_TRUE(command != "delete d/" || said.first.empty() || said.first == Asked{"Delete - d/"}) << call;
+            }
+        }
+    }
+}
+
+TEST_F(EngineLimits, AnErrorNamesTheFileThatItIsOf)
+{
+    for (const auto& [failing, named] :
+         {std::pair("pread", "copy x"), {"pwrite", "copy to/x"}, {"fdatasync", "copy to/x"}}) {
+        for (int call = 1; faults.failed_call != failing && call < 100; ++call) {
+            Make({{"x", "new"}, {"to/x", "old"}});
+            Answer("n");
+            faults.Arm(call, EIO);
+            Run("copy x > to !");
+            faults.Disarm();
+        }
+        EXPECT_EQ(Hear().first, Asked{Failure(named, "Input/output error")});
+        EXPECT_EQ(files.Contents("to/x"), "old");
+    }
+}
+
 TEST_F(EngineLimits, CancelInsideALargeFileLeavesNothingOfIt)
 {
     Make({{"large", std::string(128 << 20, 'x')}, {"to/large", "old"}});
@@ -197,6 +258,10 @@ TEST_F(EngineLimits, CancelInsideALargeFileLeavesNothingOfIt)
 TEST_F(EngineLimits, TheDeepestTreeThereCanBeArrivesAndGoes)
 {
     const auto work = [this] {
+        struct rlimit limit = {};
+        Require(getrlimit(RLIMIT_NOFILE, &limit) == 0, "getrlimit");
+        limit.rlim_cur = 256;
+        Require(setrlimit(RLIMIT_NOFILE, &limit) == 0, "setrlimit");
         RaiseOpenFileLimit();
         const std::string destination = files.Directory("to-another-place");
         const std::size_t levels = (kMaxPathBytes - destination.size()) / 2 - 4;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "fnkfiles-place.h"
 #include "fnkutil.h"
 #include "tabletest.h"
 
@@ -88,6 +89,7 @@ TEST_F(Paths, ParentAndLastComponent)
             EXPECT_EQ(GetParentDirectory(path), parent) << path << " in " << locale;
             EXPECT_EQ(GetLastPath(path), last) << path << " in " << locale;
         }
+        EXPECT_EQ(WithoutSlash("/") + WithoutSlash("/a/") + WithoutSlash("/b"), "//a/b");
         EXPECT_EQ(GetLastPath("/\x83/x"), locale == kUtf8Locale ? "x" : "\x83/x");
     }
 }

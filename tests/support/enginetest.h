@@ -192,7 +192,9 @@ class StoryTest : public EngineTest {
 protected:
     void Tell(const std::vector<Story>& stories)
     {
-        for (const Story& story : stories) {
+        for (std::size_t i = 0; i < 2 * stories.size(); ++i) {
+            const Story& story = stories[i / 2];
+            faults.is_old_file_system = i % 2 != 0;
             SCOPED_TRACE(story.about);
             EmptyDisk(files.Path());
             Make(story.before);
