@@ -76,6 +76,7 @@ TEST_F(EngineLimits, MountsHideNoObjectFromItself)
         Require(mount("none", files.At("up/disk").c_str(), "tmpfs", 0, "size=1m") == 0, "mount");
         Run("copy up/ > way/new");
         EXPECT_EQ(Hear().first, Asked{Inside()});
+        EXPECT_EQ(files.Names("up/disk").size(), 0U);
         // Two disks number their files alike.
         Make({{"disk2", "/"}, {"disk3", "/"}});
         for (const std::string disk : {"disk2", "disk3"}) {
