@@ -320,16 +320,4 @@ TEST_F(Exec, ANewWindowGetsTheSameCommandLine)
     EXPECT_EQ(programs.Next(), (Words{fennick, "--home", "/a b"}));
 }
 
-TEST_F(Exec, WithoutRoomForAProcessTheProgramStops)
-{
-    EXPECT_EQ(RunInChild([&] {
-                  BecomeOrdinaryUser(files);
-                  const struct rlimit none = {};
-                  setrlimit(RLIMIT_CORE, &none);
-                  setrlimit(RLIMIT_NPROC, &none);
-                  ExecProcess(program, "");
-              }),
-              CHILD_DIED);
-}
-
 }  // namespace

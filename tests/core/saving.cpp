@@ -157,24 +157,6 @@ TEST_F(Saving, TheNewFileIsOnTheDiskBeforeAndAfterItTakesTheName)
     EXPECT_GT(faults.syncs, syncs);
 }
 
-TEST_F(Saving, FullDiskKeepsTheOldFile)
-{
-    const ChildResult result = RunInChild([this] {
-        MountSmallDisk(files.Path(), "size=64k,mode=0777");
-        files.File("file", "old");
-        std::ofstream filler(files.At("filler"));
-        while (filler << 'x' << std::flush) {
-        }
-        EXPECT_EQ(Write("file"), FILE_NOT_WRITTEN);
-        EXPECT_EQ(files.Contents("file"), "old");
-        EXPECT_EQ(files.Names(), (Names{"file", "filler"}));
-    });
-    if (result == CHILD_SKIPPED) {
-        GTEST_SKIP() << "no mounts allowed here";
-    }
-    EXPECT_EQ(result, CHILD_PASSED);
-}
-
 TEST_F(Saving, WholeFilesAreRead)
 {
     std::string text = "untouched";

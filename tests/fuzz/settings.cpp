@@ -1,6 +1,8 @@
 // Texts of lines: the settings, from which a usable record comes that is the same once it was
 // written and read again; the associations; and what the system says of a process.
 
+#include <algorithm>
+
 #include "fnkfiles-associations.h"
 #include "fnkfiles-settings.h"
 #include "fnkutil-launch.h"
@@ -64,7 +66,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Expect(GetGTable() == 0, "reading ends well");
     const GTable& table = home.table;
     Expect(table.ColumnCount >= 1 && table.ColumnCount <= kColumnKinds, "number of columns");
-    Expect(table.NameColumn >= 0 && table.NameColumn <= table.ColumnCount, "a column of names");
+    for (int i = 0; i < table.ColumnCount; ++i) {
+        const auto begin = table.ColumnPosition.begin();
+        Expect(std::count(begin, begin + table.ColumnCount, begin[i]) == 1 && begin[i] >= 0, "each column once");
+    }
+    Expect(table.NameColumn >= 1 && table.NameColumn <= table.ColumnCount, "a column of names");
     Expect(table.CurrentDir.size() < kMaxPathBytes && table.FilterName.size() <= kMaxFilterBytes, "lengths");
     for (const History* const history : {&table.LocationDirHistory, &table.DirHistory, &table.FilterHistory}) {
         for (const std::string& entry : *history) {
