@@ -48,6 +48,7 @@ TEST_F(EngineLimits, MountsHideNoObjectFromItself)
               {"disk/there", "/"},
               {"disk/t/window", "/"},
               {"disk/a/both/x", "x"},
+              {"disk/a/both/y", "y"},
               {"disk/b/a/both", "/"},
               {"whole", "/"},
               {"part with\tblank", "/"}});
@@ -230,6 +231,7 @@ TEST_F(EngineLimits, CancelInsideALargeFileLeavesNothingOfIt)
     }
     EXPECT_LT(CountOperationFile(files.At("d/")), 5) << "counting stops too";
     answers.cancel_when_painting = false;
+    faults.is_old_file_system = true;
     EXPECT_EQ(CountOperationFile(files.At("d/")), 5);
     files.Link("link", "d");
     EXPECT_EQ(CountOperationFile(files.At("link/")), 0) << "a link since it was chosen";
@@ -286,6 +288,10 @@ TEST_F(EngineLimits, PathsThatGrowTooLongAreReportedAndStay)
     EXPECT_EQ(Run("copy file > " + std::string(kMaxPathBytes - files.Path().size() - 10, 'd') + "/name-too-long"),
               RESULT_DONE);
     EXPECT_TRUE(Hear().first.back().ends_with("name too long [Skip]"));
+    const std::string long_path =
+        FormatPathMessage("%s: %s", std::string(100, 'a') + std::string(300, 'b') + std::string(100, 'c'), EIO);
+    EXPECT_EQ(long_path, std::string(100, 'a') + std::string(18, 'b') + "…" + std::string(18, 'b') +
+                             std::string(100, 'c') + ": Input/output error");
     EXPECT_EQ(Run("copy " + name + "/ > to-a-longer-path"), RESULT_DONE);
     EXPECT_EQ(Hear().first.size(), 2U);
 }

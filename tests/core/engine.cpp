@@ -85,7 +85,7 @@ TEST_F(Engine, NothingGoesOntoOrIntoItself)
     std::vector<Story> stories;
     for (const std::string verb : {"copy ", "move "}) {
         for (const std::string command :
-             {"file > file !", "file > . !", "file > here/file !", "t/ > t/ !", "t/ > . !"}) {
+             {"file > file !", "file > . !", "file > here/file !", "t/ > t/ !", "t/ > . !", "t/ > t2/.. !"}) {
             stories.push_back(Story("onto itself", before, verb + command, "", RESULT_DONE, 1, {}, {}));
         }
         for (const std::string to : {"t", "t/sub", "t/new", "alias/sub", "alias/new", "t2/../t/x"}) {
@@ -135,6 +135,8 @@ TEST_F(Engine, WhatIsInTheWay)
                 {}),
           Story("a link stays unless that is agreed", linked, "copy from/ > to !", "n", RESULT_DONE, 1,
                 {Question("to/from/d")}, {}),
+          Story("with questions switched off too", linked, "copy from/ > way !", "n", RESULT_DONE, 1, {Question("way")},
+                {}),
           Story("and what it leads to stays", linked, "copy from/ > to !", "y", RESULT_DONE, 1, {Question("to/from/d")},
                 {{"to/from/d", kGone}, {"to/from/d/x", "new"}}),
           Story("on the way a link is followed", linked, "copy from/ > way/new", "n", RESULT_DONE, 1, {},
@@ -175,7 +177,7 @@ TEST_F(Engine, HardLinks)
     Tell({Story("a move leaves one name less", before, "move one > two !", "", RESULT_DONE, 1, {}, {{"one", kGone}}),
           Story("in another directory too", before, "move two > d !", "", RESULT_DONE, 1, {}, {{"two", kGone}}),
           Story("and if only case differs", before, "move two > Two !", "", RESULT_DONE, 1, {}, {{"two", kGone}}),
-          Story("a copy keeps both", before, "copy one > two !", "", RESULT_DONE, 1, {}, {})});
+          Story("a copy keeps both", before, "copy one > two !", "", RESULT_DONE, 1, {}, {{"two", "x"}})});
     EXPECT_NE(files.Status("one").st_ino, files.Status("two").st_ino);
 }
 

@@ -199,6 +199,7 @@ protected:
             EmptyDisk(files.Path());
             Make(story.before);
             const Tree before = Show();
+            const Disk objects = ReadDisk(files.Path());
             const std::size_t blank = std::min(story.given.find(' '), story.given.size());
             Answer(story.given.substr(0, blank), story.given.substr(std::min(blank + 1, story.given.size())));
             EXPECT_EQ(Run(story.command), story.result);
@@ -206,6 +207,10 @@ protected:
             std::sort(said.first.begin(), said.first.end());  // Directories are read in any order.
             EXPECT_EQ(said, story.said);
             EXPECT_EQ(Show(), Change(before, story.changes));
+            for (const auto& [path, object] : ReadDisk(files.Path())) {
+                const Object* const old = FindObject(objects, path);
+                EXPECT_TRUE(old == nullptr || old->inode == object.inode || story.changes.contains(path)) << path;
+            }
         }
     }
 };

@@ -73,7 +73,6 @@ WRAP(int, statx, -1, (int at, const char* path, int flags, unsigned mask, struct
 WRAP(ssize_t, readlink, -1, (const char* path, char* text, size_t size), path, text, size)
 WRAP(ssize_t, readlinkat, -1, (int at, const char* path, char* text, size_t size), at, path, text, size)
 WRAP(DIR*, fdopendir, nullptr, (int fd), fd)
-WRAP(struct dirent*, readdir, nullptr, (DIR * stream), stream)
 WRAP(off_t, lseek, -1, (int fd, off_t to, int whence), fd, to, whence)
 WRAP(ssize_t, pread, -1, (int fd, void* data, size_t size, off_t at), fd, data, size, at)
 WRAP(ssize_t, pwrite, -1, (int fd, const void* data, size_t size, off_t at), fd, data, size, at)
@@ -112,6 +111,17 @@ extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* 
         return -1;
     }
     return FailsNow("renameat2") ? -1 : __real_renameat2(from, path, to, name, flags);
+}
+
+extern "C" struct dirent* __real_readdir(DIR* stream);
+extern "C" struct dirent* __wrap_readdir(DIR* stream);
+extern "C" struct dirent* __wrap_readdir(DIR* stream)
+{
+    struct dirent* const entry = FailsNow("readdir") ? nullptr : __real_readdir(stream);
+    if (entry != nullptr && faults.is_old_file_system) {
+        entry->d_type = DT_UNKNOWN;
+    }
+    return entry;
 }
 
 #define WRAP_SYNC(call)                                                           \

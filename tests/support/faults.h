@@ -16,7 +16,7 @@ struct Faults {
     std::atomic<int> syncs = 0;       ///< Calls of sync(), which does not fail.
     std::function<void()> at_call;    ///< Done at that call instead of failing it, if there is one.
     bool disk_is_full = false;        ///< From that call on all that take room fail with ENOSPC; no other does.
-    bool is_old_file_system = false;  ///< No files without a name, no renaming that replaces nothing.
+    bool is_old_file_system = false;  ///< Lacks unnamed files, types of entries, and renaming that replaces nothing.
     bool spares_disk = false;         ///< Nothing here has to survive a failing machine.
 
     /// The next run of the engine is to fail at its call-th call.
