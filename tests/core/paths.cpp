@@ -1,9 +1,8 @@
 // Stepping through text, splitting paths, names and sizes: nothing here touches the disk.
 
-#include <glib.h>
-
 #include <cstdint>
 
+#include "core/fnkfiles-place.h"
 #include "core/fnkutil.h"
 #include "tabletest.h"
 
@@ -36,42 +35,6 @@ TEST_F(Paths, CharNextStepsByTwoByteRuleOrUtf8)
     EXPECT_EQ(CharNext(nullptr, '/'), nullptr);
 }
 
-/// The rule of the stepper without any memory of the steps before.
-std::size_t SlowNext(const std::string& text, std::size_t at, bool utf8_locale)
-{
-    const std::string rest = text.substr(at);
-    if (static_cast<unsigned char>(rest[0]) >= 0x80 && !utf8_locale && !g_utf8_validate(rest.c_str(), -1, nullptr)) {
-        return std::min(at + 2, text.size());
-    }
-    std::size_t bytes = 1;
-    while (bytes <= rest.size() && !g_utf8_validate(rest.c_str(), static_cast<gssize>(bytes), nullptr)) {
-        ++bytes;
-    }
-    return at + (bytes <= 4 && bytes <= rest.size() ? bytes : 1);
-}
-
-TEST_F(Paths, StepperRemembersNothingWrong)
-{
-    constexpr const char* kPieces[] = {"a",    "/",    "\xC3\xA9", "\xE6\x97\xA5", "\xF0\x9F\x98\x80",
-                                       "\x80", "\xB0", "\xE6"};
-    SeededRandom random;
-    SCOPED_TRACE(random.Trace());
-    for (int round = 0; round < 3000; ++round) {
-        std::string text;
-        for (std::size_t pieces = random.Below(9); pieces > 0; --pieces) {
-            text += random.Pick(kPieces);
-        }
-        SetLocale(round % 2 == 0 ? kUtf8Locale : kTwoByteLocale);
-        CharStepper stepper(text.data(), text.data() + text.size());
-        for (std::size_t at = 0; at < text.size();) {
-            const std::size_t next = SlowNext(text, at, round % 2 == 0);
-            ASSERT_EQ(stepper.Next(text.data() + at) - text.data(), static_cast<std::ptrdiff_t>(next))
-                << "in " << testing::PrintToString(text) << " at " << at;
-            at = next;
-        }
-    }
-}
-
 TEST_F(Paths, ParentAndLastComponent)
 {
     constexpr const char* kCases[][3] = {{"/usr/local/bin", "/usr/local/", "bin"},
@@ -88,6 +51,7 @@ TEST_F(Paths, ParentAndLastComponent)
             EXPECT_EQ(GetParentDirectory(path), parent) << path << " in " << locale;
             EXPECT_EQ(GetLastPath(path), last) << path << " in " << locale;
         }
+        EXPECT_EQ(WithoutSlash("/") + WithoutSlash("/a/") + WithoutSlash("/b"), "//a/b");
         EXPECT_EQ(GetLastPath("/\x83/x"), locale == kUtf8Locale ? "x" : "\x83/x");
     }
 }

@@ -1,4 +1,4 @@
-// The rows of the list: what is in a directory, what of it is shown, and the text of each cell.
+// What is in a directory, for the list and for the tree.
 
 #include "model/fnkfilelist-rows.h"
 
@@ -7,6 +7,8 @@
 #include <set>
 
 #include "child.h"
+#include "model/fnkdirtree-scan.h"
+#include "core/fnkutil.h"
 #include "tabletest.h"
 
 namespace {
@@ -54,7 +56,7 @@ TEST_F(Rows, FlagsAndFilterChooseWhatIsListed)
     EXPECT_EQ(Listed(), (Names{"src", ".git"}));
 }
 
-TEST_F(Rows, FilterIsOnePattern)
+TEST_F(Rows, PatternsMatchWholeNames)
 {
     const std::tuple<const char*, const char*, int> cases[] = {
         {"*.c", "a.C", 0}, {"*.c", ".c", 1},      {"?.c", "ab.c", 0}, {"[a-b]", "b", 1}, {"\\*", "*", 1},
@@ -64,41 +66,22 @@ TEST_F(Rows, FilterIsOnePattern)
         table.FilterName = pattern;
         EXPECT_EQ(CheckFilter(name), passes) << pattern << " on " << name;
     }
-}
-
-TEST_F(Rows, PatternsTakeBrokenBytesForCharacters)
-{
-    for (const auto& [locale, letter] : {std::pair(kTwoByteLocale, "??"), std::pair(kUtf8Locale, "?")}) {
+    // A broken byte is a character, and so is one of several bytes where the locale knows it.
+    for (const auto& [locale, letter] : {std::pair(kTwoByteLocale, std::string("??")), {kUtf8Locale, "?"}}) {
         SetLocale(locale);
-        const std::string pattern = letter;
-        EXPECT_TRUE(MatchPattern(pattern, "\xC3\xA4")) << locale;
-        EXPECT_TRUE(MatchPattern(pattern + "?.txt", "\xC3\xA4\xFF.txt")) << locale;
-        EXPECT_FALSE(MatchPattern(pattern + ".txt", "\xC3\xA4\xFF.txt")) << locale;
+        EXPECT_TRUE(MatchPattern(letter + "?.txt", "\xC3\xA4\xFF.txt")) << locale;
+        EXPECT_FALSE(MatchPattern(letter + ".txt", "\xC3\xA4\xFF.txt")) << locale;
         EXPECT_TRUE(MatchPattern("*\xFF", "\xC3\xA4\xFF")) << locale;
         EXPECT_FALSE(MatchPattern("\xFF", "\xFE")) << locale;
     }
-}
-
-TEST_F(Rows, OddNamesKeepTheirBytes)
-{
-    const Names odd = {" ", "line\nfeed", "mad\xFE\xFF", "\xE6\x97\xA5", "\xB0\x41", std::string(255, 'x'), "*", "\\"};
-    for (const std::string& name : odd) {
-        files.File(name);
-    }
-    EXPECT_EQ(Listed(), odd);
-    FileRows rows;
-    ASSERT_TRUE(ReadFileRows(files.Path(), rows));
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
-        const std::string shown = rows.CellText(rows.Row(i), COLUMN_NAME);
-        EXPECT_TRUE(g_utf8_validate(shown.c_str(), -1, nullptr));
-        EXPECT_EQ(shown == rows.Name(i), g_utf8_validate(rows.Name(i), -1, nullptr) != 0);
-    }
+    EXPECT_TRUE(IsUsablePattern("a") && !IsUsablePattern("") && !IsUsablePattern(std::string(kMaxFilterBytes + 1, 'x')));
 }
 
 TEST_F(Rows, LastReadComesFirstBehindTheDirectoryItself)
 {
-    for (int i = 0; i < 30; ++i) {
-        files.File("dir/f" + std::to_string(i), std::string(1536, 'x'));
+    for (const std::string name :
+         {"a", "b", "c", " ", "line\nfeed", "mad\xFE\xFF", "\xE6\x97\xA5", "\xB0\x41", "*", "\\"}) {
+        files.File("dir/" + name, std::string(1536, 'x'));
     }
     files.SetMode("dir", 0705);
     files.SetTimes("dir", 1000000000, 983923500);
@@ -112,30 +95,19 @@ TEST_F(Rows, LastReadComesFirstBehindTheDirectoryItself)
         EXPECT_EQ(rows.Name(i), expected[i]);
         EXPECT_EQ(rows.Row(i).is_directory, i == 0);
         EXPECT_EQ(rows.Row(i).type, i == 0 ? FT_DIRECTORY : FT_NORMAL);
+        const std::string shown = rows.CellText(rows.Row(i), COLUMN_NAME);
+        EXPECT_TRUE(g_utf8_validate(shown.c_str(), -1, nullptr));
+        EXPECT_EQ(shown == rows.Name(i), g_utf8_validate(rows.Name(i), -1, nullptr) != 0);
     }
     EXPECT_EQ(rows.CellText(rows.Row(0), COLUMN_PERMISSION), "drwx---r-x");
     EXPECT_EQ(rows.CellText(rows.Row(0), COLUMN_MODIFICATION_TIME), "Mar 07 2001 09:05");
     EXPECT_EQ(rows.CellText(rows.Row(1), COLUMN_SIZE), "1.5KByte");
     // What is no directory leaves the rows as they are.
     files.Link("link", "dir");
-    for (const char* const name : {"missing/", "dir/f0", "link"}) {
+    for (const char* const name : {"missing/", "dir/a", "link"}) {
         EXPECT_FALSE(ReadFileRows(files.At(name), rows)) << name;
         EXPECT_EQ(rows.Count(), expected.size());
     }
-}
-
-TEST_F(Rows, ClosedDirectoryShowsItselfAlone)
-{
-    files.File("closed/file");
-    files.SetMode("closed", 0000);
-    const auto read_rows = [this] {
-        BecomeOrdinaryUser(files);
-        FileRows rows;
-        EXPECT_TRUE(ReadFileRows(files.At("closed/"), rows));
-        EXPECT_EQ(rows.Count(), 1U);
-    };
-    EXPECT_EQ(RunInChild(read_rows), CHILD_PASSED);
-    files.SetMode("closed", 0700);
 }
 
 TEST_F(Rows, PermissionText)
@@ -193,6 +165,76 @@ TEST_F(Rows, CellTexts)
         EXPECT_EQ(rows.CellText(rows.Row(0), column), first) << column;
         EXPECT_EQ(rows.CellText(rows.Row(1), column), second) << column;
     }
+}
+
+class Subdirectories : public TableTest {
+protected:
+    /// Each with a child that is known to be in it, if there is one.
+    std::string Scan(const std::string& directory, ScanResult expected = SCAN_DONE) const
+    {
+        std::vector<Subdirectory> found;
+        EXPECT_EQ(ScanSubdirectories(directory, found), expected);
+        std::string text;
+        for (const Subdirectory& child : found) {
+            text += child.name + "(" + child.any_child + ") ";
+        }
+        return text;
+    }
+};
+
+TEST_F(Subdirectories, AreSortedByBytesAndLookOneLevelAhead)
+{
+    for (const char* const name : {"b", "Zeta/only", "a\nb", "mad\xFE/.hidden", "old.BAK", ".hidden"}) {
+        files.Directory(name);
+    }
+    files.File("file");
+    files.File("b/file");
+    files.Node("pipe", S_IFIFO);
+    files.Link("b/link", "../Zeta");
+    files.Link("link", "Zeta");
+    EXPECT_EQ(Scan(files.Path()), "Zeta(only) a\nb() b() mad\xFE() ");
+    EXPECT_EQ(Scan(files.Path().substr(0, files.Path().size() - 1)), Scan(files.Path()));
+    table.ShowHidden = table.ShowBackup = 1;
+    EXPECT_EQ(Scan(files.Path()), ".hidden() Zeta(only) a\nb() b() mad\xFE(.hidden) old.BAK() ");
+    EXPECT_EQ(Scan(files.At("missing/"), SCAN_FAILED), "");
+    EXPECT_EQ(Scan(files.At("file"), SCAN_FAILED), "");
+}
+
+TEST_F(Subdirectories, ClosedDirectoriesHaveNone)
+{
+    files.File("open/child/file");
+    files.Directory("closed/child");
+    files.SetMode("closed", 0);
+    EXPECT_EQ(RunInChild([this] {
+                  BecomeOrdinaryUser(files);
+                  EXPECT_EQ(Scan(files.Path()), "closed() open(child) ");
+                  FileRows rows;
+                  if (access(files.At("closed").c_str(), R_OK) != 0) {
+                      EXPECT_EQ(Scan(files.At("closed/")), "");
+                      EXPECT_TRUE(ReadFileRows(files.At("closed/"), rows));
+                      EXPECT_EQ(rows.Count(), 1U) << "itself alone";
+                  }
+              }),
+              CHILD_PASSED);
+    files.SetMode("closed", 0700);
+}
+
+TEST_F(Subdirectories, PathsThatWouldGrowTooLongAreLeftOut)
+{
+    std::string deep;
+    while (files.At(deep).size() + 210 < kMaxPathBytes) {
+        deep += std::string(99, 'd') + "/";
+    }
+    const std::size_t room = kMaxPathBytes - files.At(deep).size() - 1;  // For a name, its "/" set aside.
+    const std::string fits(room, 'f');
+    const std::string half(room - 10, 'h');
+    for (const std::string& name : {fits + "/x", std::string(room + 1, 't'), half + "/123456789"}) {
+        files.Directory(deep + name);
+    }
+    EXPECT_EQ(Scan(files.At(deep)), fits + "() " + half + "(123456789) ");
+    files.Remove(deep + half + "/123456789");
+    files.Directory(deep + half + "/1234567890");
+    EXPECT_EQ(Scan(files.At(deep)), fits + "() " + half + "() ");
 }
 
 }  // namespace

@@ -3,203 +3,176 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 
-#include <chrono>
 #include <csignal>
 
 #include "child.h"
-#include "core/fnkfiles-settings.h"
+#include "disk.h"
+#include "faults.h"
+#include "core/fnkfiles.h"
 #include "tabletest.h"
 
 namespace {
 
-constexpr const char* kOld = "[Setting]\nShowHidden=yes\n";
+using Names = std::vector<std::string>;
 
 class Saving : public TableTest {
 protected:
-    using Names = std::vector<std::string>;
+    Saving() { faults.spares_disk = true; }
 
-    void ExpectOldFileAlone() const
+    FileResult Write(const std::string& name, const std::string& text = "new") const
     {
-        EXPECT_EQ(home.Contents(".fennick"), kOld);
-        EXPECT_EQ(home.Names(), Names{".fennick"});
+        return WriteFile(files.At(name), text);
     }
-    mode_t Permissions(const std::string& name) const { return home.Status(name).st_mode & 07777; }
-    bool IsWrittenAs(const std::string& name) const { return home.Contents(name).starts_with("#\n# Fennick\n"); }
+    mode_t Mode(const std::string& name) const { return files.Status(name).st_mode & 07777; }
 };
 
-TEST_F(Saving, PermissionsAndOwnerAreKept)
+TEST_F(Saving, ModeAndOwnerAreKept)
 {
-    const mode_t old_mask = umask(0);
-    EXPECT_EQ(SetGTable(), FILE_DONE);
-    EXPECT_EQ(Permissions(".fennick"), 0600U);
+    umask(0);
+    EXPECT_EQ(Write("file"), FILE_DONE);
+    EXPECT_EQ(Mode("file"), 0600U);
     umask(0077);
-    const uid_t owner = geteuid() == 0 ? 65534 : geteuid();  // Only the super-user can write for others.
-    for (const mode_t mode : {0640U, 0666U, 0600U}) {
-        Require(chown(home.File(".fennick", kOld, mode).c_str(), owner, getegid()) == 0, "chown");
-        EXPECT_EQ(SetGTable(), FILE_DONE);
-        EXPECT_EQ(Permissions(".fennick"), mode);
-        EXPECT_EQ(home.Status(".fennick").st_uid, owner);
-        EXPECT_TRUE(IsWrittenAs(".fennick"));
+    const uid_t owner = geteuid() == 0 ? 65534 : geteuid();  // Only the super-user writes for others.
+    for (const mode_t mode : {0640U, 0666U}) {
+        Require(chown(files.File("file", "old", mode).c_str(), owner, getegid()) == 0, "chown");
+        EXPECT_EQ(Write("file"), FILE_DONE);
+        EXPECT_EQ(Mode("file"), mode);
+        EXPECT_EQ(files.Status("file").st_uid, owner);
+        EXPECT_EQ(files.Contents("file"), "new");
     }
-    EXPECT_EQ(home.Names(), Names{".fennick"});
-    umask(old_mask);
+    EXPECT_EQ(files.Names(), Names{"file"});
+}
+
+TEST_F(Saving, AnothersFileThatMayBeWrittenIsWritten)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "takes two users";
+    }
+    files.File("file", "old", 0666);
+    EXPECT_EQ(RunInChild([this] {
+                  BecomeOrdinaryUser(files);
+                  EXPECT_EQ(Write("file"), FILE_DONE);
+                  EXPECT_EQ(Mode("file"), 0666U);
+              }),
+              CHILD_PASSED);
 }
 
 TEST_F(Saving, LinksAreFollowedAndStay)
 {
-    home.File("conf/real", kOld, 0640);
-    home.Link("conf/second", "real");
-    home.Link(".fennick", "conf/second");
-    Require(GetGTable() == FILE_DONE, "read");
-    EXPECT_EQ(table.ShowHidden, 1);
-    EXPECT_EQ(SetGTable(), FILE_DONE);
-    EXPECT_TRUE(S_ISLNK(home.Status(".fennick").st_mode));
-    EXPECT_TRUE(S_ISLNK(home.Status("conf/second").st_mode));
-    EXPECT_TRUE(IsWrittenAs("conf/real"));
-    EXPECT_EQ(Permissions("conf/real"), 0640U);
-    EXPECT_EQ(home.Names("conf"), (Names{"real", "second"}));
-
-    home.Remove("conf/real");
-    EXPECT_EQ(SetGTable(), FILE_DONE);
-    EXPECT_TRUE(IsWrittenAs("conf/real"));
-    EXPECT_EQ(Permissions("conf/real"), 0600U);
-
-    home.Remove(".fennick");
-    home.Link(".fennick", home.At("loop"));
-    home.Link("loop", ".fennick");
-    EXPECT_EQ(SetGTable(), FILE_NOT_OPENED);
-    home.Remove("loop");
-    home.Link("loop", "missing/settings");
-    EXPECT_EQ(SetGTable(), FILE_NOT_OPENED);
-    EXPECT_EQ(home.Names(), (Names{".fennick", "conf", "loop"}));
+    files.File("conf/real", "old", 0640);
+    files.Link("conf/second", "real");
+    files.Link("link", "conf/second");
+    EXPECT_EQ(Write("link"), FILE_DONE);
+    EXPECT_TRUE(S_ISLNK(files.Status("link").st_mode) && S_ISLNK(files.Status("conf/second").st_mode));
+    EXPECT_EQ(files.Contents("conf/real"), "new");
+    EXPECT_EQ(Mode("conf/real"), 0640U);
+    files.Remove("conf/real");
+    EXPECT_EQ(Write("link"), FILE_DONE);
+    EXPECT_EQ(files.Contents("conf/real"), "new");
+    files.Link("loop", files.At("pool"));
+    files.Link("pool", "loop");
+    files.Link("nowhere", "missing/file");
+    EXPECT_EQ(Write("loop"), FILE_NOT_OPENED);
+    EXPECT_EQ(Write("nowhere"), FILE_NOT_OPENED);
+    EXPECT_EQ(files.Names().size() + files.Names("conf").size(), 7U);
 }
 
 TEST_F(Saving, WhatIsNoFileStaysAndDoesNotHang)
 {
-    for (const mode_t kind : {S_IFIFO, S_IFSOCK, S_IFDIR}) {
-        kind == S_IFDIR ? home.Directory(".fennick") : home.Node(".fennick", kind);
-        const auto read_and_write = [this] {
-            table.ShowHidden = 1;
-            EXPECT_EQ(GetGTable(), FILE_DONE);
-            EXPECT_EQ(table.ShowHidden, 0);
-            EXPECT_EQ(SetGTable(), FILE_NOT_OPENED);
-        };
-        EXPECT_EQ(RunInChild(read_and_write), CHILD_PASSED);
-        EXPECT_EQ(home.Status(".fennick").st_mode & S_IFMT, kind);
-        EXPECT_EQ(home.Names(), Names{".fennick"});
-        home.Remove(".fennick");
-    }
+    files.Node("pipe", S_IFIFO);
+    files.Node("socket", S_IFSOCK);
+    files.Directory("directory");
+    EXPECT_EQ(RunInChild([this] {
+                  for (const char* const name : {"pipe", "socket", "directory"}) {
+                      std::string text = "untouched";
+                      EXPECT_NE(ReadFile(files.At(name), &text), FILE_DONE) << name;
+                      EXPECT_EQ(text, "untouched");
+                      EXPECT_EQ(Write(name), FILE_NOT_OPENED) << name;
+                  }
+              }),
+              CHILD_PASSED);
+    EXPECT_EQ(files.Names(), (Names{"directory", "pipe", "socket"}));
+    EXPECT_TRUE(S_ISFIFO(files.Status("pipe").st_mode));
 }
 
 TEST_F(Saving, WithoutPermissionTheOldFileStays)
 {
-    const std::tuple<mode_t, mode_t, int> cases[] = {{0444, 0755, 1}, {0000, 0755, 0}, {0666, 0555, 1}};
-    for (const auto& [file_mode, directory_mode, hidden_flag_read] : cases) {
-        home.File(".fennick", kOld, file_mode);
-        const auto read_and_write = [&, mode = directory_mode, flag = hidden_flag_read] {
-            BecomeOrdinaryUser(home);
-            home.SetMode("", mode);
-            EXPECT_EQ(GetGTable(), FILE_DONE);
-            EXPECT_EQ(table.ShowHidden, flag);
-            EXPECT_EQ(SetGTable(), FILE_NOT_OPENED);
-            home.SetMode("", 0755);
-        };
-        EXPECT_EQ(RunInChild(read_and_write), CHILD_PASSED) << std::oct << file_mode << " in " << directory_mode;
-        EXPECT_EQ(Permissions(".fennick"), file_mode);
-        home.SetMode(".fennick", 0600);
-        ExpectOldFileAlone();
-        home.Remove(".fennick");
+    const std::pair<mode_t, mode_t> cases[] = {{0444, 0755}, {0000, 0755}, {0666, 0555}};
+    for (const auto& [file_mode, directory_mode] : cases) {
+        files.File("file", "old", file_mode);
+        EXPECT_EQ(RunInChild([&, mode = directory_mode] {
+                      BecomeOrdinaryUser(files);
+                      files.SetMode("", mode);
+                      EXPECT_EQ(Write("file"), FILE_NOT_OPENED);
+                      files.SetMode("", 0755);
+                  }),
+                  CHILD_PASSED);
+        EXPECT_EQ(Mode("file"), file_mode);
+        files.SetMode("file", 0600);
+        EXPECT_EQ(files.Contents("file"), "old");
+        files.Remove("file");
     }
 }
 
-TEST_F(Saving, FailedWriteKeepsTheOldFile)
+/// Each call in turn fails, and the process is killed at it: the new file is whole and reported, or
+/// the old one is.
+TEST_F(Saving, WhateverFails)
 {
-    home.File(".fennick", kOld);
-    const auto write_beyond_limit = [] {
-        signal(SIGXFSZ, SIG_IGN);
-        const struct rlimit limit = {100, RLIM_INFINITY};
-        const struct rlimit no_limit = {RLIM_INFINITY, RLIM_INFINITY};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        const FileResult result = SetGTable();
-        setrlimit(RLIMIT_FSIZE, &no_limit);
-        EXPECT_EQ(result, FILE_NOT_WRITTEN);
-    };
-    EXPECT_EQ(RunInChild(write_beyond_limit), CHILD_PASSED);
-    ExpectOldFileAlone();
-}
-
-TEST_F(Saving, FullDiskKeepsTheOldFile)
-{
-    const auto fill_and_write = [this] {
-        MountSmallDisk(home.Path(), "size=64k,mode=0777");
-        home.File(".fennick", kOld);
-        std::ofstream filler(home.At("filler"));
-        while (filler << 'x' << std::flush) {
-        }
-        EXPECT_EQ(SetGTable(), FILE_NOT_WRITTEN);
-        home.Remove("filler");
-        ExpectOldFileAlone();
-    };
-    const ChildResult result = RunInChild(fill_and_write);
-    if (result == CHILD_SKIPPED) {
-        GTEST_SKIP() << "no file system may be mounted here";
-    }
-    EXPECT_EQ(result, CHILD_PASSED);
-}
-
-// A reader sees one of the two texts at any time, and so does whoever comes after a violent end.
-TEST_F(Saving, KilledWhileWriting)
-{
-    const std::string texts[] = {std::string(300, 'a'), std::string(500000, 'b')};
-    const auto is_whole = [&texts](const std::string& text) { return text == texts[0] || text == texts[1]; };
-    SeededRandom random;
-    SCOPED_TRACE(random.Trace());
-    for (int round = 0; round < 12; ++round) {
-        home.File(".fennick", texts[0]);
-        const pid_t child = fork();
-        if (child == 0) {
-            alarm(60);
-            for (int turn = 1;; ++turn) {
-                WriteFile(home.At(".fennick"), texts[turn % 2]);
+    for (const bool is_killed : {false, true}) {
+        bool has_failed = true;
+        for (int call = 1; has_failed; ++call) {
+            EmptyDisk(files.Path());
+            files.File("file", "old");
+            FileResult result = FILE_NOT_WRITTEN;
+            const auto write = [&] {
+                faults.at_call = is_killed ? [] { raise(SIGKILL); } : std::function<void()>();
+                faults.Arm(call, EIO);
+                result = Write("file");
+                has_failed = faults.calls_made >= call;
+                faults.Disarm();
+            };
+            if (is_killed) {
+                has_failed = RunInChild(write) == CHILD_DIED;
+            } else {
+                write();
+                EXPECT_TRUE(result != FILE_DONE || faults.failed_call != "fsync") << "a failing disk is ignored";
+                EXPECT_EQ(files.Contents("file"), result == FILE_DONE ? "new" : "old") << faults.failed_call;
             }
+            const std::string text = files.Contents("file");
+            EXPECT_TRUE(text == "new" || (text == "old" && has_failed)) << text << " at call " << call;
+            // Only between linking and renaming the new file has a name of its own.
+            EXPECT_LE(files.Names().size(), is_killed ? 2U : 1U) << faults.failed_call;
         }
-        bool whole = true;
-        const struct stat before = home.Status(".fennick");
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (home.Status(".fennick").st_ino == before.st_ino && std::chrono::steady_clock::now() < deadline) {
-            whole = whole && is_whole(home.Contents(".fennick"));
-        }
-        for (std::size_t reads = random.Below(40); reads > 0; --reads) {
-            whole = whole && is_whole(home.Contents(".fennick"));
-        }
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
-        ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
-        ASSERT_TRUE(whole && is_whole(home.Contents(".fennick"))) << "in round " << round;
     }
 }
 
-TEST_F(Saving, ReadingWholeFiles)
+TEST_F(Saving, TheNewFileIsOnTheDiskBeforeAndAfterItTakesTheName)
+{
+    const int syncs = faults.syncs;
+    faults.log.clear();
+    faults.is_logging = true;
+    EXPECT_EQ(Write(files.File("file", "old").substr(files.Path().size())), FILE_DONE);
+    faults.is_logging = false;
+    EXPECT_LT(faults.log.find(" fsync "), faults.log.find(" renameat ")) << faults.log;
+    EXPECT_GT(faults.syncs, syncs);
+}
+
+TEST_F(Saving, WholeFilesAreRead)
 {
     std::string text = "untouched";
     EXPECT_EQ(ReadFile(files.At("missing"), &text), FILE_MISSING);
-    EXPECT_EQ(ReadFile(files.Directory("dir"), &text), FILE_NOT_READ);
-    EXPECT_EQ(ReadFile(files.Node("socket", S_IFSOCK), &text), FILE_NOT_OPENED);
     EXPECT_EQ(ReadFile(files.Link("dangling", "gone"), &text), FILE_NOT_OPENED);
     EXPECT_EQ(ReadFile(files.At("missing"), nullptr), FILE_NO_ARGUMENT);
-    EXPECT_EQ(WriteFile("", "x"), FILE_NO_ARGUMENT);
-    EXPECT_EQ(WriteFile(files.At("none"), {}), FILE_NO_ARGUMENT);
     EXPECT_EQ(text, "untouched");
-    files.File("long", std::string(200000, 'x') + "end");
-    EXPECT_EQ(ReadFile(files.Link("link", "long"), &text), FILE_DONE);
-    EXPECT_EQ(text, std::string(200000, 'x') + "end");
-    EXPECT_EQ(ReadFile(files.File("nul", std::string("a\0b", 3)), &text), FILE_DONE);
-    EXPECT_EQ(text, "a");
-    EXPECT_EQ(ReadFile(files.File("empty"), &text), FILE_DONE);
-    EXPECT_EQ(text, "");
-    EXPECT_EQ(WriteFile(files.At("empty"), ""), FILE_DONE);
-    EXPECT_EQ(files.Contents("empty"), "");
+    const std::string large = std::string(200'000, 'x') + "end";
+    files.File("long", large);
+    for (const auto& [path, expected] : {std::pair(files.Link("link", "long"), large),
+                                         {files.File("nul", std::string("a\0b", 3)), "a"},
+                                         {files.File("empty"), ""}}) {
+        EXPECT_EQ(ReadFile(path, &text), FILE_DONE);
+        EXPECT_EQ(text, expected);
+    }
+    EXPECT_EQ(Write("empty", ""), FILE_DONE);
 }
 
 }  // namespace

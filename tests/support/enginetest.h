@@ -1,101 +1,216 @@
 #pragma once
-// The fixture of tests of the file engine, and the state of a tree to be compared.
+// The fixture of tests of the file engine: short notations for trees, commands and answers.
 
-#include <limits.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <map>
+#include <algorithm>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "answers.h"
+#include "disk.h"
+#include "faults.h"
 #include "engine/fnkfiles-copy.h"
+#include "engine/fnkfiles-delete.h"
 #include "tabletest.h"
 
-using Asked = std::vector<std::string>;
-/// Paths in a tree and what is there: type, permission bits, and what can be read of the content,
-/// or the link text.
+/// By path: the content of a file, "/" for a directory, "-> text" for a link, "|" for a pipe, and
+/// "= path" for a hard link; in front a mode like "0640 " unless it is 0644, or 0755 for a directory.
 using Tree = std::map<std::string, std::string>;
+constexpr const char* kGone = "(gone)";
 
 class EngineTest : public TableTest {
 protected:
-    EngineTest() { answers = Answers(); }
+    /// What was asked and reported since the last look, and the number of steps.
+    using Said = std::pair<std::vector<std::string>, int>;
 
-    /// Every object below the directory, as a stranger would find it.
-    Tree Describe(const std::string& name) const
+    EngineTest()
+    {
+        answers = Answers();
+        faults.spares_disk = true;
+    }
+    ~EngineTest() override
+    {
+        faults.Disarm();
+        faults.at_call = nullptr;
+        faults.is_old_file_system = false;
+    }
+
+    static mode_t Mode(const std::string& text) { return static_cast<mode_t>(std::stoul(text, nullptr, 8)); }
+    void Make(const Tree& tree) const
+    {
+        Tree late;
+        for (const auto& [path, text] : tree) {
+            const bool has_mode = text.starts_with('0') && text.find(' ') != std::string::npos;
+            const std::string what = has_mode ? text.substr(text.find(' ') + 1) : text;
+            if (what.starts_with("-> ")) {
+                files.Link(path, what.substr(3));
+            } else if (what.starts_with("= ")) {
+                late[path] = what.substr(2);
+            } else if (what == "/") {
+                files.Directory(path);
+                late[path] = has_mode ? text : "0755 /";
+            } else {
+                what == "|" ? files.Node(path, S_IFIFO) : files.File(path, what);
+                files.SetMode(path, has_mode ? Mode(text) : 0644);
+            }
+        }
+        for (auto entry = late.rbegin(); entry != late.rend(); ++entry) {
+            if (entry->second.starts_with('0')) {
+                files.SetMode(entry->first, Mode(entry->second));
+            } else {
+                std::filesystem::create_directories(std::filesystem::path(files.At(entry->first)).parent_path());
+                std::filesystem::create_hard_link(files.At(entry->second), files.At(entry->first));
+            }
+        }
+    }
+    /// Leaves out plain directories with something in them.
+    Tree Show(const std::string& below = "") const
     {
         Tree tree;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(
-                 files.At(name), std::filesystem::directory_options::skip_permission_denied)) {
-            const std::string path = std::filesystem::relative(entry.path(), files.Path());
-            tree[path.substr(name.empty() ? 0 : name.size() + 1)] = DescribeObject(path);
+        for (const auto& [path, object] : ReadDisk(files.At(below))) {
+            const mode_t plain = object.IsDirectory() ? 0755 : 0644;
+            char mode[16] = "";
+            std::snprintf(mode, sizeof mode, "0%o ", object.mode);
+            const std::string front = object.mode == plain ? "" : mode;
+            tree[path] = object.IsLink()          ? "-> " + object.content
+                         : object.IsDirectory()   ? front + "/"
+                         : object.type == S_IFREG ? front + object.content
+                                                  : front + "|";
+            const auto above =
+                path.find('/') != std::string::npos ? tree.find(path.substr(0, path.rfind('/'))) : tree.end();
+            if (above != tree.end() && above->second == "/") {
+                tree.erase(above);
+            }
         }
         return tree;
     }
-    std::string DescribeObject(const std::string& path) const
+    static Tree Change(Tree tree, const Tree& changes)
     {
-        const struct stat st = files.Status(path);
-        char mode[16];
-        std::snprintf(mode, sizeof mode, "%o ", st.st_mode & 07777);
-        if (S_ISLNK(st.st_mode)) {
-            char text[PATH_MAX];
-            const ssize_t length = readlink(files.At(path).c_str(), text, sizeof text);
-            return "link " + std::string(text, static_cast<std::size_t>(length));
+        for (const auto& [path, text] : changes) {
+            text == kGone ? static_cast<void>(tree.erase(path)) : static_cast<void>(tree[path] = text);
         }
-        const std::string kind = S_ISDIR(st.st_mode) ? "directory " : S_ISREG(st.st_mode) ? "file " : "special ";
-        const bool is_readable = S_ISREG(st.st_mode) && access(files.At(path).c_str(), R_OK) == 0;
-        return kind + mode + (is_readable ? files.Contents(path) : "");
-    }
-    bool Exists(const std::string& name) const
-    {
-        struct stat st = {};
-        return lstat(files.At(name).c_str(), &st) == 0;
+        return tree;
     }
 
-    /// As the commands do, one flag for all sources.
-    Result Copy(const std::string& destination, const std::vector<std::string>& sources)
+    /// "copy SOURCE... > DESTINATION", "move ...", or "delete PATH...", as the program's commands run
+    /// them. A "!" at the end: overwriting is not asked about.
+    Result Run(const std::string& command)
     {
-        return Run(CopyFile, destination, sources);
-    }
-    Result Move(const std::string& destination, const std::vector<std::string>& sources)
-    {
-        return Run(MoveFile, destination, sources);
-    }
-
-    std::string Question(const std::string& name) const
-    {
-        return "Confirmation: " + files.At(name) + " already exists.\nDoes it overwrite?";
-    }
-    std::string Failure(const std::string& verb, const std::string& name, const std::string& cause) const
-    {
-        return "Error: Cannot " + verb + " file " + files.At(name) + "\ncause:" + cause + " [Skip]";
-    }
-    /// What the engine should not leave behind.
-    Tree TemporariesIn(const std::string& name) const
-    {
-        Tree left;
-        for (const auto& [path, what] : Describe(name)) {
-            if (path.find(".fennick-") != std::string::npos) {
-                left[path] = what;
-            }
+        std::istringstream words(command);
+        std::string verb;
+        std::vector<std::string> items;
+        words >> verb;
+        for (std::string word; words >> word;) {
+            items.push_back(word == "." ? "" : word);
         }
-        return left;
-    }
-
-private:
-    using Engine = Result (*)(const std::string&, const std::string&, int*);
-    Result Run(Engine engine, const std::string& destination, const std::vector<std::string>& sources)
-    {
+        table.ConfilmOverwrite = items.back() == "!" ? 0 : 1;
+        items.erase(std::remove(items.begin(), items.end(), "!"), items.end());
+        const std::string destination = files.At(items.back());
+        const std::size_t count = verb == "delete" ? items.size() : items.size() - 2;
         int flag = 0;
+        Result answer = RESULT_CANCEL;
         Result result = RESULT_DONE;
-        for (const std::string& source : sources) {
-            result = engine(files.At(destination), files.At(source), &flag);
-            if (result == RESULT_CANCEL) {
-                break;
-            }
+        for (std::size_t i = 0; i < count && result != RESULT_CANCEL; ++i) {
+            const std::string path = files.At(items[i]);
+            result = verb == "copy"   ? CopyFile(destination, path, &flag)
+                     : verb == "move" ? MoveFile(destination, path, &flag)
+                                      : RemoveFile(path, &answer);
+            answer = answer == RESULT_OK ? RESULT_CANCEL : answer;
         }
         return result;
+    }
+    /// 'y' for Yes or Skip, 'n' for No or Cancel; to questions about deleting also 'Y' for all that
+    /// follow, and 'c' for Cancel. The last one holds on.
+    static void Answer(const std::string& to_messages, const std::string& to_deletes = "Y")
+    {
+        const auto given = [](const std::string& letters) {
+            std::vector<Result> results;
+            for (const char letter : letters) {
+                results.push_back(letter == 'y'   ? RESULT_OK
+                                  : letter == 'Y' ? RESULT_YES_ALL
+                                  : letter == 'c' ? RESULT_ABORT
+                                                  : RESULT_CANCEL);
+            }
+            return results;
+        };
+        answers = Answers();
+        answers.to_messages = given(to_messages);
+        answers.to_deletes = given(to_deletes);
+    }
+    /// Paths without the scratch directory, and messages on one line.
+    Said Hear() const
+    {
+        Said said = {std::exchange(answers.asked, {}), std::exchange(answers.steps, 0)};
+        for (std::string& text : said.first) {
+            for (std::size_t at = text.find(files.Path()); at != std::string::npos; at = text.find(files.Path())) {
+                text.erase(at, files.Path().size());
+            }
+            std::replace(text.begin(), text.end(), '\n', ' ');
+        }
+        return said;
+    }
+    static std::string Question(const std::string& path)
+    {
+        return "Confirmation: " + path + " already exists. Does it overwrite?";
+    }
+    /// what is a verb and a path.
+    static std::string Failure(std::string what, const std::string& cause)
+    {
+        return "Error: Cannot " + what.insert(what.find(' '), " file") + " cause:" + cause + " [Skip]";
+    }
+    static std::string Inside() { return "Error: Cannot move to a sub directory."; }
+};
+
+/// A command on a tree, and what comes of it.
+struct Story {
+    /// The answers are those to messages, and behind a blank those to questions about deleting.
+    /// What changes leaves out stays as it is.
+    Story(const char* its_title, Tree tree, std::string to_run, std::string answers_given, Result its_result, int steps,
+          std::vector<std::string> asked, Tree what_changes)
+        : about(its_title),
+          before(std::move(tree)),
+          command(std::move(to_run)),
+          given(std::move(answers_given)),
+          result(its_result),
+          said(std::move(asked), steps),
+          changes(std::move(what_changes))
+    {
+        std::sort(said.first.begin(), said.first.end());
+    }
+
+    const char* about;
+    Tree before;
+    std::string command;
+    std::string given;
+    Result result;
+    std::pair<std::vector<std::string>, int> said;
+    Tree changes;
+};
+
+class StoryTest : public EngineTest {
+protected:
+    void Tell(const std::vector<Story>& stories)
+    {
+        for (std::size_t i = 0; i < 2 * stories.size(); ++i) {
+            const Story& story = stories[i / 2];
+            faults.is_old_file_system = i % 2 != 0;
+            SCOPED_TRACE(story.about);
+            EmptyDisk(files.Path());
+            Make(story.before);
+            const Tree before = Show();
+            const Disk objects = ReadDisk(files.Path());
+            const std::size_t blank = std::min(story.given.find(' '), story.given.size());
+            Answer(story.given.substr(0, blank), story.given.substr(std::min(blank + 1, story.given.size())));
+            EXPECT_EQ(Run(story.command), story.result);
+            Said said = Hear();
+            std::sort(said.first.begin(), said.first.end());  // Directories are read in any order.
+            EXPECT_EQ(said, story.said);
+            EXPECT_EQ(Show(), Change(before, story.changes));
+            for (const auto& [path, object] : ReadDisk(files.Path())) {
+                const Object* const old = FindObject(objects, path);
+                EXPECT_TRUE(old == nullptr || old->inode == object.inode || story.changes.contains(path)) << path;
+            }
+        }
     }
 };

@@ -7,12 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <map>
-#include <mutex>
 #include <string_view>
-#include <vector>
 
 Faults faults;
 
@@ -29,6 +24,9 @@ bool TakesRoom(std::string_view call)
 
 bool FailsNow(const char* call)
 {
+    if (faults.is_logging) {
+        faults.log += std::string(call) + " ";
+    }
     if (faults.calls_to_go < 0) {
         return false;
     }
@@ -121,68 +119,29 @@ extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* 
     return FailsNow("renameat2") ? -1 : __real_renameat2(from, path, to, name, flags);
 }
 
-extern "C" int __real_fdatasync(int fd);
-extern "C" int __wrap_fdatasync(int fd);
-extern "C" int __wrap_fdatasync(int fd)
-{
-    return FailsNow("fdatasync") ? -1 : faults.spares_disk ? 0 : __real_fdatasync(fd);
-}
-extern "C" int __real_fsync(int fd);
-extern "C" int __wrap_fsync(int fd);
-extern "C" int __wrap_fsync(int fd)
-{
-    return FailsNow("fsync") ? -1 : faults.spares_disk ? 0 : __real_fsync(fd);
-}
-extern "C" void __real_sync();
-extern "C" void __wrap_sync();
-extern "C" void __wrap_sync()
-{
-    if (!faults.spares_disk) {
-        __real_sync();
-    }
-}
-
-namespace {
-
-/// What is still to be told of the directories that are being read.
-std::map<DIR*, std::vector<struct dirent>> readings;
-std::mutex readings_mutex;
-
-}  // namespace
-
 extern "C" struct dirent* __real_readdir(DIR* stream);
 extern "C" struct dirent* __wrap_readdir(DIR* stream);
 extern "C" struct dirent* __wrap_readdir(DIR* stream)
 {
-    if (FailsNow("readdir")) {
-        return nullptr;
+    struct dirent* const entry = FailsNow("readdir") ? nullptr : __real_readdir(stream);
+    if (entry != nullptr && faults.is_old_file_system) {
+        entry->d_type = DT_UNKNOWN;
     }
-    if (!faults.sorts_directories) {
-        return __real_readdir(stream);
-    }
-    static thread_local struct dirent told;
-    const std::lock_guard lock(readings_mutex);
-    auto [reading, is_new] = readings.try_emplace(stream);
-    std::vector<struct dirent>& left = reading->second;
-    while (const struct dirent* const entry = is_new ? __real_readdir(stream) : nullptr) {
-        left.push_back(*entry);
-    }
-    if (is_new) {
-        std::sort(left.begin(), left.end(),
-                  [](const auto& one, const auto& other) { return std::strcmp(one.d_name, other.d_name) > 0; });
-    }
-    if (left.empty()) {
-        return nullptr;
-    }
-    told = left.back();
-    left.pop_back();
-    return &told;
+    return entry;
 }
-extern "C" int __real_closedir(DIR* stream);
-extern "C" int __wrap_closedir(DIR* stream);
-extern "C" int __wrap_closedir(DIR* stream)
+
+#define WRAP_SYNC(call)                                                           \
+    extern "C" int __real_##call(int fd);                                         \
+    extern "C" int __wrap_##call(int fd);                                         \
+    extern "C" int __wrap_##call(int fd)                                          \
+    {                                                                             \
+        return FailsNow(#call) ? -1 : faults.spares_disk ? 0 : __real_##call(fd); \
+    }
+WRAP_SYNC(fdatasync)
+WRAP_SYNC(fsync)
+
+extern "C" void __wrap_sync();
+extern "C" void __wrap_sync()
 {
-    const std::lock_guard lock(readings_mutex);
-    readings.erase(stream);
-    return __real_closedir(stream);
+    ++faults.syncs;
 }

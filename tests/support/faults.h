@@ -10,12 +10,14 @@ struct Faults {
     std::atomic<int> calls_to_go = -1;
     std::atomic<int> calls_made = 0;
     int error = 0;
-    std::string failed_call;          ///< Its name, once it has.
+    std::string failed_call;  ///< Its name, once it has.
+    bool is_logging = false;
+    std::string log = " ";            ///< The calls, each with a blank behind it.
+    std::atomic<int> syncs = 0;       ///< Calls of sync(), which does not fail.
     std::function<void()> at_call;    ///< Done at that call instead of failing it, if there is one.
     bool disk_is_full = false;        ///< From that call on all that take room fail with ENOSPC; no other does.
-    bool is_old_file_system = false;  ///< No files without a name, no renaming that replaces nothing.
-    bool spares_disk = false;         ///< Nothing has to survive a failing machine, and sync() is slow.
-    bool sorts_directories = false;   ///< They are read in the order of the names' bytes.
+    bool is_old_file_system = false;  ///< Lacks unnamed files, types of entries, and renaming that replaces nothing.
+    bool spares_disk = false;         ///< Nothing here has to survive a failing machine.
 
     /// The next run of the engine is to fail at its call-th call.
     void Arm(int call, int with_error)

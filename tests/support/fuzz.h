@@ -61,7 +61,8 @@ struct FuzzHome {
     }
     void Write(const char* name, const std::string& data) const
     {
-        const int file = open(files.At(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        unlink(files.At(name).c_str());  // Truncating would have the disk wait.
+        const int file = open(files.At(name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
         Require(write(file, data.data(), data.size()) == static_cast<ssize_t>(data.size()) && close(file) == 0, name);
     }
 

@@ -1,7 +1,7 @@
 // Drives a target of tests/fuzz where there is no libFuzzer: every file of the corpus, then random
 // changes of them.
 //
-//   fuzz-TARGET DIRECTORY [RUNS [SEED]]
+//   fuzz-TARGET DIRECTORY RUNS [SEED]
 
 #include <algorithm>
 #include <cstdio>
@@ -12,74 +12,47 @@
 
 namespace {
 
-std::mt19937 engine;
-
-std::size_t Below(std::size_t limit)
+std::string Mutate(std::mt19937& engine, const std::vector<std::string>& corpus)
 {
-    return limit == 0 ? 0 : engine() % limit;
-}
-
-/// A part of one of the files, which hold the words that the readers know.
-std::string SomePart(const std::vector<std::string>& corpus)
-{
-    const std::string& text = corpus[Below(corpus.size())];
-    return text.substr(Below(text.size()), 1 + Below(Below(4) == 0 ? 4000 : 16));
-}
-
-std::string Mutate(const std::vector<std::string>& corpus)
-{
-    std::string text = corpus[Below(corpus.size())];
-    for (std::size_t changes = 1 + Below(6); changes > 0; --changes) {
-        const std::size_t at = Below(text.size() + 1);
-        switch (Below(4)) {
+    const auto below = [&engine](std::size_t limit) { return limit == 0 ? 0 : engine() % limit; };
+    std::string text = corpus[below(corpus.size())];
+    for (std::size_t changes = 1 + below(6); changes > 0; --changes) {
+        const std::size_t at = below(text.size() + 1);
+        const std::string& other = corpus[below(corpus.size())];
+        switch (below(4)) {
         case 0:
             text.insert(at, 1, static_cast<char>(engine()));
             break;
         case 1:
-            text.insert(at, SomePart(corpus));
+            text.insert(at, other.substr(below(other.size()), 1 + below(below(4) == 0 ? 4000 : 16)));
             break;
         case 2:
-            text.erase(at, 1 + Below(8));
+            text.erase(at, 1 + below(8));
             break;
         default:
-            if (at < text.size()) {
-                text[at] = static_cast<char>(Below(3) == 0 ? engine() : "\0\n =/*[\xB0"[Below(8)]);
-            }
+            text.replace(at, 1, 1, "\0\n =/*[\xB0"[below(8)]);
         }
     }
     return text;
-}
-
-void Run(const std::string& text)
-{
-    // Of its own size, so that a sanitizer sees what is read behind its end.
-    const std::vector<std::uint8_t> data(text.begin(), text.end());
-    LLVMFuzzerTestOneInput(data.data(), data.size());
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    Require(argc >= 2, "a directory of inputs is needed");
-    const long runs = argc > 2 ? std::atol(argv[2]) : 0;
-    const unsigned seed = argc > 3 ? static_cast<unsigned>(std::atol(argv[3])) : 1;
-    std::vector<std::string> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
-        paths.push_back(entry.path());
-    }
-    std::sort(paths.begin(), paths.end());
-    Require(!paths.empty(), argv[1]);
+    Require(argc >= 3, "a directory of inputs and a number of runs are needed");
     std::vector<std::string> corpus;
-    for (const std::string& path : paths) {
-        std::ifstream stream(path, std::ios::binary);
+    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+        std::ifstream stream(entry.path(), std::ios::binary);
         corpus.emplace_back(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-        Run(corpus.back());
     }
-    engine.seed(seed);
-    std::printf("%zu inputs, %ld changes of them, seed %u\n", corpus.size(), runs, seed);
-    std::fflush(stdout);
-    for (long i = 0; i < runs; ++i) {
-        Run(Mutate(corpus));
+    Require(!corpus.empty(), argv[1]);
+    std::sort(corpus.begin(), corpus.end());
+    std::mt19937 engine(argc > 3 ? static_cast<unsigned>(std::atol(argv[3])) : 1);
+    for (std::size_t i = 0; i < corpus.size() + static_cast<std::size_t>(std::atol(argv[2])); ++i) {
+        const std::string text = i < corpus.size() ? corpus[i] : Mutate(engine, corpus);
+        // Of its own size, so that a sanitizer sees what is read behind its end.
+        const std::vector<std::uint8_t> data(text.begin(), text.end());
+        LLVMFuzzerTestOneInput(data.data(), data.size());
     }
 }

@@ -48,6 +48,7 @@ class TableTest : public ::testing::Test {
 protected:
     TableTest()
     {
+        umask(022);
         table.RootDir = table.CurrentDir = files.Path();
         pGTable = &table;
     }

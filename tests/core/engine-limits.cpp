@@ -1,0 +1,335 @@
+// Copying, moving and deleting at the limits: large files, full and read-only disks, mounts, the
+// longest paths, a process that ends.
+
+#include <fcntl.h>
+#include <sys/resource.h>
+
+#include <cstring>
+
+#include "child.h"
+#include "enginetest.h"
+#include "engine/fnkfiles-sync.h"
+#include "core/fnkfiles.h"
+#include "core/fnkraii.h"
+#include "core/fnkutil-launch.h"
+#include "core/fnkutil.h"
+
+namespace {
+
+using Asked = std::vector<std::string>;
+
+class EngineLimits : public EngineTest {
+protected:
+    void Bind(const std::string& what, const std::string& where) const
+    {
+        Require(mount(files.At(what).c_str(), files.At(where).c_str(), nullptr, MS_BIND, nullptr) == 0, where);
+    }
+    /// In a child that sees a disk of that size under that path.
+    void OnDisk(const std::string& path, const char* size, const std::function<void()>& body)
+    {
+        const ChildResult result = RunInChild([&] {
+            MountSmallDisk(path, size);
+            Answer("y");
+            body();
+        });
+        if (result == CHILD_SKIPPED) {
+            GTEST_SKIP() << "no mounts allowed here";
+        }
+        EXPECT_EQ(result, CHILD_PASSED);
+    }
+};
+
+TEST_F(EngineLimits, MountsHideNoObjectFromItself)
+{
+    OnDisk(files.Directory("disk"), "size=8m", [this] {
+        Make({{"disk/t/sub/leaf", "x"},
+              {"disk/one", "x"},
+              {"disk/two", "y"},
+              {"disk/there", "/"},
+              {"disk/t/window", "/"},
+              {"disk/a/both/x", "x"},
+              {"disk/a/both/y", "y"},
+              {"disk/b/a/both", "/"},
+              {"whole", "/"},
+              {"part with\tblank", "/"}});
+        Bind("disk/t", "whole");
+        Bind("disk/t/sub", "part with\tblank");
+        const Tree before = Show("disk/");
+        for (const std::string to : {"whole", "whole/new", "part with\tblank", "part with\tblank/new"}) {
+            int flag = 0;
+            CopyFile(files.At(to), files.At("disk/t/"), &flag);
+            EXPECT_EQ(Hear(), (Said{{Inside()}, 1})) << to;
+            EXPECT_EQ(Show("disk/"), before);
+        }
+        // The destination seen again inside the source.
+        Bind("disk/there", "disk/t/window");
+        Run("copy disk/t/ > disk/there");
+        EXPECT_EQ(Hear(), (Said{{Inside()}, 2}));
+        EXPECT_EQ(files.Contents("disk/there/t/sub/leaf"), "x");
+        // One directory in both trees, and one file under two names, are left as they are.
+        Bind("disk/a/both", "disk/b/a/both");
+        EXPECT_EQ(Run("move disk/a/ > disk/b !"), RESULT_DONE);
+        EXPECT_EQ(files.Contents("disk/a/both/x"), "x");
+        EXPECT_EQ(Hear().second, 1);
+        // A disk below the source, by another way.
+        Make({{"up/disk", "/"}, {"way", "-> up/disk"}});
+        Require(mount("none", files.At("up/disk").c_str(), "tmpfs", 0, "size=1m") == 0, "mount");
+        Run("copy up/ > way/new");
+        EXPECT_EQ(Hear().first, Asked{Inside()});
+        EXPECT_EQ(files.Names("up/disk").size(), 0U);
+        // Two disks number their files alike.
+        Make({{"disk2", "/"}, {"disk3", "/"}});
+        for (const std::string disk : {"disk2", "disk3"}) {
+            Require(mount("none", files.At(disk).c_str(), "tmpfs", 0, "size=1m") == 0, disk);
+            Make({{disk + "/x", disk}, {disk + "/y", "= " + disk + "/x"}});
+        }
+        Run("move disk2/x > disk3 !");
+        EXPECT_EQ(files.Contents("disk2/x") + files.Contents("disk3/x"), "disk2disk3");
+        Bind("disk/one", "disk/two");
+        Run("move disk/one > disk/two !");
+        EXPECT_EQ(files.Contents("disk/one"), "x");
+        EXPECT_EQ(Hear().first.size(), 2U);
+    });
+}
+
+TEST_F(EngineLimits, DirectoriesGetTheirModesWithoutProc)
+{
+    OnDisk("/proc", "size=4k", [this] {
+        Make({{"t", "0751 /"}, {"t/sub", "0505 /"}, {"t/file", "x"}});
+        EXPECT_EQ(Run("copy t/ > copy"), RESULT_DONE);
+        EXPECT_EQ(Show("copy/"), Show("t/"));
+        EXPECT_EQ(files.Status("copy").st_mode, files.Status("t").st_mode);
+    });
+}
+
+TEST_F(EngineLimits, FullDisksAndOtherDisksLeaveTheOldFile)
+{
+    OnDisk(files.Directory("disk"), "size=2m", [this] {
+        Make({{"big", std::string(8 << 20, 'x')}, {"disk/big", "old"}});
+        EXPECT_EQ(Run("copy big > disk !"), RESULT_DONE);
+        EXPECT_EQ(Hear(), (Said{{Failure("copy disk/big", "No space left on device")}, 1}));
+        EXPECT_EQ(files.Contents("disk/big"), "old");
+        // Nothing moves to another disk, and an empty directory in the way comes back.
+        Make({{"t/big", "new"}, {"disk/empty/t/big", "0777 /"}});
+        const Tree before = Show();
+        for (const auto& [command, target] : {std::pair("move t/big > disk !", "disk/big"),
+                                              {"move t/ > disk/new", "disk/new"},
+                                              {"move t/big > disk/empty/t !", "disk/empty/t/big"}}) {
+            Run(command);
+            EXPECT_EQ(Hear(), (Said{{Failure(std::string("move ") + target, "Invalid cross-device link")}, 1}));
+            EXPECT_EQ(Show(), before);
+        }
+        Require(mount("none", files.At("disk").c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0, "remount");
+        const std::string cause = "Read-only file system";
+        EXPECT_EQ(Run("copy t/big > disk/new"), RESULT_DONE);
+        EXPECT_EQ(Run("copy t/big > disk !"), RESULT_OK);
+        EXPECT_EQ(Run("copy t/ > disk/tree"), RESULT_CANCEL);
+        EXPECT_EQ(Hear(), (Said{{Failure("copy disk/new", cause), Failure("delete disk/big", cause),
+                                 "Error: Cannot create directory disk/tree cause:" + cause},
+                                2}));
+        EXPECT_EQ(Show(), before);
+    });
+}
+
+TEST_F(EngineLimits, ContentsArriveWhole)
+{
+    std::string content(9'000'001, '\0');
+    for (std::size_t i = 0; i < content.size(); ++i) {
+        content[i] = static_cast<char>(i * i >> 5);
+    }
+    constexpr off_t kSize = 64 << 20;
+    Make({{"large", content}, {"holes", "begin"}, {"socket", ""}});
+    files.Remove("socket");
+    files.Node("socket", S_IFSOCK);
+    const Descriptor holes(open(files.At("holes").c_str(), O_WRONLY));
+    Require(pwrite(holes.Get(), "middle", 6, kSize / 2) == 6 && ftruncate(holes.Get(), kSize) == 0, "holes");
+    EXPECT_EQ(Run("copy large > large2"), RESULT_DONE);
+    EXPECT_EQ(Run("copy holes > holes2"), RESULT_DONE);
+    EXPECT_EQ(Run("copy socket > socket2"), RESULT_DONE);
+    EXPECT_TRUE(files.Contents("large2") == content);
+    EXPECT_TRUE(files.Contents("holes2") == files.Contents("holes"));
+    EXPECT_LE(files.Status("holes2").st_blocks, files.Status("holes").st_blocks + 16);
+    EXPECT_EQ(files.Contents("socket2"), "");
+    int flag = 0;
+    EXPECT_EQ(CopyFile(files.At("status"), "/proc/self/status", &flag), RESULT_DONE) << "says that it has 0 bytes";
+    EXPECT_TRUE(files.Contents("status").starts_with("Name:"));
+}
+
+TEST_F(EngineLimits, AnOldFileGoesOnlyWhenTheNewOneIsOnTheDisk)
+{
+    Make({{"file", "new"}, {"to/file", "old"}});
+    for (const bool is_old_file_system : {false, true}) {
+        faults.is_old_file_system = is_old_file_system;
+        faults.log.clear();
+        faults.is_logging = true;
+        Run("copy file > to !");
+        faults.is_logging = false;
+        const auto synced = faults.log.find(" fdatasync ");
+        EXPECT_LT(synced, faults.log.find(" renameat ")) << faults.log;
+        EXPECT_GT(synced, faults.log.find(" pwrite ")) << faults.log;
+    }
+    const int before = faults.syncs;
+    FlushChanges();
+    EXPECT_GT(faults.syncs, before) << "and the command ends when the names are";
+}
+
+TEST_F(EngineLimits, WhatOthersMakeMeanwhileStaysAndWhatTheyDeleteIsGone)
+{
+    for (const bool is_old_file_system : {false, true}) {
+        for (const std::string command : {"copy x > to", "move x > to", "delete d/"}) {
+            bool is_disturbed = true;
+            for (int call = 1; is_disturbed; ++call) {
+                EmptyDisk(files.Path());
+                Make({{"x", "mine"}, {"to", "/"}, {"d/gone", "x"}});
+                Answer("n");
+                faults.is_old_file_system = is_old_file_system;
+                bool is_taken = false;
+                faults.at_call = [&] {
+                    is_taken = !std::filesystem::exists(files.At("to/x"));
+                    std::filesystem::remove(files.At("d/gone"));
+                    is_taken ? files.File("to/x", "theirs") : std::string();
+                };
+                faults.Arm(call, 0);
+                Run(command);
+                is_disturbed = faults.calls_made >= call;
+                faults.Disarm();
+                // On such a file system a moment stays between the look and the renaming.
+                const bool is_too_late = is_old_file_system && faults.failed_call == "renameat";
+                EXPECT_TRUE(!is_taken || is_too_late || files.Contents("to/x") == "theirs") << command << call;
+                const Said said = Hear();
+                EXPECT_TRUE(command != "delete d/" || said.first.empty() || said.first == Asked{"Delete - d/"}) << call;
+            }
+        }
+    }
+}
+
+TEST_F(EngineLimits, AnErrorNamesTheFileThatItIsOf)
+{
+    for (const auto& [failing, named] :
+         {std::pair("pread", "copy x"), {"pwrite", "copy to/x"}, {"fdatasync", "copy to/x"}}) {
+        for (int call = 1; faults.failed_call != failing && call < 100; ++call) {
+            Make({{"x", "new"}, {"to/x", "old"}});
+            Answer("n");
+            faults.Arm(call, EIO);
+            Run("copy x > to !");
+            faults.Disarm();
+        }
+        EXPECT_EQ(Hear().first, Asked{Failure(named, "Input/output error")});
+        EXPECT_EQ(files.Contents("to/x"), "old");
+    }
+}
+
+TEST_F(EngineLimits, CancelInsideALargeFileLeavesNothingOfIt)
+{
+    Make({{"large", std::string(128 << 20, 'x')}, {"to/large", "old"}});
+    answers.cancel_when_painting = true;
+    EXPECT_EQ(Run("copy large > to !"), RESULT_CANCEL);
+    EXPECT_EQ(Show("to/"), (Tree{{"large", "old"}}));
+    std::filesystem::resize_file(files.At("large"), 1);
+    for (int i = 0; i < 5; ++i) {
+        Make({{"d/" + std::to_string(i) + "/x", "x"}});
+    }
+    EXPECT_LT(CountOperationFile(files.At("d/")), 5) << "counting stops too";
+    answers.cancel_when_painting = false;
+    faults.is_old_file_system = true;
+    EXPECT_EQ(CountOperationFile(files.At("d/")), 5);
+    files.Link("link", "d");
+    EXPECT_EQ(CountOperationFile(files.At("link/")), 0) << "a link since it was chosen";
+}
+
+TEST_F(EngineLimits, TheDeepestTreeThereCanBeArrivesAndGoes)
+{
+    const auto work = [this] {
+        struct rlimit limit = {};
+        Require(getrlimit(RLIMIT_NOFILE, &limit) == 0, "getrlimit");
+        limit.rlim_cur = 256;
+        Require(setrlimit(RLIMIT_NOFILE, &limit) == 0, "setrlimit");
+        RaiseOpenFileLimit();
+        const std::string destination = files.Directory("to-another-place");
+        const std::size_t levels = (kMaxPathBytes - destination.size()) / 2 - 4;
+        Descriptor place(open(files.Directory("d").c_str(), O_PATH));
+        for (std::size_t i = 1; i < levels; ++i) {
+            Require(mkdirat(place.Get(), "d", 0755) == 0, "mkdirat");
+            place = Descriptor(openat(place.Get(), "d", O_PATH));
+        }
+        Require(mknodat(place.Get(), "f", S_IFREG | 0640, 0) == 0, "mknodat");
+        EXPECT_EQ(Run("copy d/ > to-another-place"), RESULT_DONE);
+        EXPECT_EQ(Hear(), (Said{{}, 1}));
+        EXPECT_EQ(CountOperationFile(destination + "/"), 1);
+        Answer("y", "Y");
+        EXPECT_EQ(Run("delete to-another-place/ d/"), RESULT_DONE);
+        EXPECT_EQ(files.Names(), std::vector<std::string>());
+    };
+    EXPECT_EQ(RunInChild(work), CHILD_PASSED);
+}
+
+TEST_F(EngineLimits, PathsThatGrowTooLongAreReportedAndStay)
+{
+    std::string path = files.Path();
+    Descriptor directory(open(path.c_str(), O_PATH | O_DIRECTORY));
+    const std::string name(200, 'd');
+    const auto make = [&] { Require(mkdirat(directory.Get(), name.c_str(), 0755) == 0, name); };
+    for (; path.size() + name.size() + 1 <= kMaxPathBytes; path += name + "/") {
+        make();
+        directory = Descriptor(openat(directory.Get(), name.c_str(), O_PATH | O_DIRECTORY));
+    }
+    make();
+    Require(mknodat(directory.Get(), std::string(200, 'f').c_str(), S_IFREG | 0644, 0) == 0, "mknodat");
+    Answer("y", "y");
+    EXPECT_EQ(Run("delete " + name + "/"), RESULT_OK);
+    const Said said = Hear();
+    ASSERT_EQ(said.first.size(), 3U);
+    for (const std::size_t report : {1, 2}) {
+        EXPECT_TRUE(said.first[report].ends_with("name too long [Skip]")) << said.first[report];
+    }
+    EXPECT_EQ(said.second, 1) << "the file";
+    EXPECT_EQ(IsDirectory(path), 1);
+    Make({{"file", "x"}});
+    EXPECT_EQ(Run("copy file > " + std::string(kMaxPathBytes - files.Path().size() - 10, 'd') + "/name-too-long"),
+              RESULT_DONE);
+    EXPECT_TRUE(Hear().first.back().ends_with("name too long [Skip]"));
+    const std::string long_path =
+        FormatPathMessage("%s: %s", std::string(100, 'a') + std::string(300, 'b') + std::string(100, 'c'), EIO);
+    EXPECT_EQ(long_path, std::string(100, 'a') + std::string(18, 'b') + "…" + std::string(18, 'b') +
+                             std::string(100, 'c') + ": Input/output error");
+    EXPECT_EQ(Run("copy " + name + "/ > to-a-longer-path"), RESULT_DONE);
+    EXPECT_EQ(Hear().first.size(), 2U);
+}
+
+TEST_F(EngineLimits, PrivateFilesAreNeverReadableByOthers)
+{
+    Make({{"from", "0700 /"}, {"from/secret", "0600 x"}, {"from/d", "0700 /"}, {"from/d/secret", "0640 x"}});
+    umask(0);
+    answers.at_step = [this] {
+        const Tree source = Show("from/");
+        for (const auto& [path, text] : Show("to/")) {
+            EXPECT_EQ(text, source.at(path)) << path;
+        }
+    };
+    EXPECT_EQ(Run("copy from/ > to"), RESULT_DONE);
+    EXPECT_EQ(Show("to/"), Show("from/"));
+}
+
+TEST_F(EngineLimits, TemporaryNamesGoWithTheProcess)
+{
+    // A signal ends the process inside the main loop that the engine runs, after the settings are
+    // written. Until then nobody else may read what has a name.
+    Make({{"from/large", "0600 " + std::string(32 << 20, 'x')}, {"to/large", "old"}});
+    EXPECT_EQ(RunInChild([this] {
+                  faults.is_old_file_system = true;
+                  umask(0);
+                  answers.at_paint = [this] {
+                      const std::vector<std::string> names = files.Names("to");
+                      const bool is_private = (files.Status("to/" + names.front()).st_mode & 077) == 0;
+                      WriteFile(files.At("settings"), "written");
+                      std::exit(names.size() == 2 && is_private ? CHILD_PASSED : CHILD_FAILED);
+                  };
+                  Run("copy from/large > to !");
+                  ADD_FAILURE() << "was over too soon";
+              }),
+              CHILD_PASSED);
+    EXPECT_EQ(files.Contents("to/large") + files.Contents("settings"), "oldwritten");
+    EXPECT_EQ(files.Names("to").size() + files.Names().size(), 4U);
+}
+
+}  // namespace

@@ -1,0 +1,37 @@
+#pragma once
+// A tree on the disk as one table: written, read and described.
+
+#include <sys/stat.h>
+
+#include <map>
+#include <string>
+
+struct Object {
+    bool IsDirectory() const { return type == S_IFDIR; }
+    bool IsLink() const { return type == S_IFLNK; }
+    bool operator==(const Object&) const = default;
+
+    mode_t type = S_IFREG;
+    mode_t mode = 0644;
+    std::string content;  ///< Or the text of a link.
+    uid_t owner = 0;
+    ino_t inode = 0;  ///< Files of the same inode are hard links.
+};
+/// By path below the top of the tree, without a "/" at the end.
+using Disk = std::map<std::string, Object>;
+
+/// top ends in "/". Whole pages of zeros become holes.
+void WriteDisk(const std::string& top, const Disk& disk);
+/// Reads what the owner could make readable too.
+Disk ReadDisk(const std::string& top);
+/// Removes everything below top, whatever its mode.
+void EmptyDisk(const std::string& top);
+
+const Object* FindObject(const Disk& disk, const std::string& path);
+
+/// Type, permission bits, and content or link text.
+std::string Describe(const Object& object);
+/// One line for each object, for people to read.
+std::string Describe(const Disk& disk);
+/// Escapes what cannot be printed, and shortens what nobody would read.
+std::string Printable(const std::string& text);
