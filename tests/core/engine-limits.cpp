@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "child.h"
+#include "engine/fnkprogress-count.h"
 #include "enginetest.h"
 #include "engine/fnkfiles-sync.h"
 #include "core/fnkfiles.h"

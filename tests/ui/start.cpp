@@ -40,10 +40,10 @@ TEST_F(Start, OnlyTheFirstArgumentIsAnOption)
         const CommandLine parsed = Parse(arguments);
         EXPECT_EQ(parsed.root, root) << testing::PrintToString(arguments);
         EXPECT_EQ(parsed.start, start) << testing::PrintToString(arguments);
-        EXPECT_FALSE(parsed.version);
+        EXPECT_FALSE(parsed.is_version_requested);
     }
     std::filesystem::current_path(before);
-    EXPECT_TRUE(Parse({"--version"}).version);
+    EXPECT_TRUE(Parse({"--version"}).is_version_requested);
     home_variable.Set(nullptr);
     EXPECT_EQ(Parse({}).root, "/");
 }
