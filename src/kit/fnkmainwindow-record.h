@@ -5,7 +5,7 @@
 
 #include <array>
 
-/// Indices of MainW::MenuItem: the entries of the five menus in order, with their separators.
+/// Indices of MainW::MenuItem: the entries of the five menus in order. Separators count too.
 enum MenuEntry {
     MENU_NEW_WINDOW = 0,
     MENU_NEW = 1,
@@ -29,7 +29,7 @@ enum MenuEntry {
     MENU_STORED_COUNT = 25,
 };
 
-/// Indices of MainW::ToolButton, with the spaces between the groups.
+/// Indices of MainW::ToolButton. The spaces between groups count too.
 enum ToolSlot {
     TOOL_BACK = 0,
     TOOL_UP = 1,
@@ -43,7 +43,7 @@ enum ToolSlot {
 struct MainW {
     GtkWidget* MainWindow = nullptr;
     std::array<GtkWidget*, MENU_STORED_COUNT> MenuItem = {};
-    std::array<GtkWidget*, TOOL_SLOT_COUNT> ToolButton = {};  ///< At a space: the toolbar.
+    std::array<GtkWidget*, TOOL_SLOT_COUNT> ToolButton = {};  ///< The toolbar itself at a space.
     GtkWidget* LocationCombo = nullptr;
     GtkWidget* Paned = nullptr;
     GtkWidget* TreeScroll = nullptr;
@@ -57,7 +57,7 @@ struct MainW {
     int ListBatches = 0;         ///< Number of live ListSelectionBatch objects.
     bool IsListChanged = false;  ///< The selection has changed since the last report.
     int HeldRow = -1;            ///< Row of a button press that may start a drag of the selection; -1: none.
-    std::array<int, 2> HeldRows = {-1, -1};  ///< HeldRow after each of the last two presses.
+    std::array<int, 2> HeldRows = {-1, -1};  ///< HeldRow after the last two presses, older first.
 };
 
 /// Like pGTable, null before InitGlobalTable and after TerminateGlobalTable.

@@ -135,7 +135,7 @@ Result DeleteMessageBox(const std::string& name)
     AddAnswerButton(buttons, N_("Yes"), &answers[0]);
     AddAnswerButton(buttons, N_("No"), &answers[1]);
     MakeDefault(dialog, AddAnswerButton(buttons, N_("Cancel"), &answers[2]));
-    // Track the box as it changes: it is destroyed before ModalMainLoop returns.
+    // Read the check box whenever it changes: ModalMainLoop destroys it before it returns.
     g_signal_connect(rest, "toggled", G_CALLBACK(+[](GtkToggleButton* button, gpointer yes) {
                          static_cast<Answer*>(yes)->value =
                              gtk_toggle_button_get_active(button) ? RESULT_YES_ALL : RESULT_OK;

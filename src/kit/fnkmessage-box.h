@@ -20,5 +20,5 @@ Result DeleteMessageBox(const std::string& name);
 /// null.
 void EntryMessageBox(const char* message, GtkWidget* entry);
 
-/// The same for a typed path; status says what is wrong with it.
+/// Like EntryMessageBox, for a typed path. status says what is wrong with the path.
 void FileExistMessageBox(PathStatus status, GtkWidget* entry);

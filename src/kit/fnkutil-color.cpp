@@ -10,7 +10,7 @@ constexpr double kReadable = 4.5;
 constexpr GdkRGBA kBlack = {0, 0, 0, 1};
 constexpr GdkRGBA kWhite = {1, 1, 1, 1};
 
-/// Removes the gamma of an sRGB component.
+/// Converts an sRGB component to linear light.
 double Linear(double part)
 {
     return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
@@ -58,10 +58,10 @@ GdkRGBA ReadableColor(const GdkRGBA& color, const GdkRGBA& ground)
         return color;
     }
     const GdkRGBA& end = Contrast(kBlack, ground) > Contrast(kWhite, ground) ? kBlack : kWhite;
-    // Bisect the mixing ratio: black or white, whichever contrasts more, is always readable.
+    // Bisect the mixing ratio. The upper end is always readable.
     double too_little = 0.0;
     double enough = 1.0;
-    constexpr int kSteps = 8;  // Precise to 1/256, the step of a usual screen.
+    constexpr int kSteps = 8;  // Precise to 1/256, one step of an 8-bit channel.
     for (int step = 0; step < kSteps; ++step) {
         const double middle = (too_little + enough) / 2;
         (Contrast(Mix(color, end, middle), ground) >= kReadable ? enough : too_little) = middle;

@@ -11,9 +11,10 @@ GdkRGBA ShownColor(const Color& color);
 /// The contrast ratio of two colours, 1 to 21.
 double Contrast(const GdkRGBA& text, const GdkRGBA& ground);
 
-/// color if text in it is readable on ground, else the nearest lighter or darker colour that is.
+/// color if text in it is readable on ground, else the first readable colour between color and black
+/// or white, whichever contrasts more with ground.
 GdkRGBA ReadableColor(const GdkRGBA& color, const GdkRGBA& ground);
 
-/// The colour in which widget shows text, readable on the theme's background. Black is the default
-/// of the settings; where it would be unreadable, the theme's text colour takes its place.
+/// color, adjusted to be readable on the theme's background. Black is the default for normal files;
+/// where it would be unreadable, the theme's text colour takes its place.
 GdkRGBA TextColor(GtkWidget* widget, const Color& color);

@@ -55,7 +55,7 @@ void on_Image_scale_factor(GtkWidget* image, GParamSpec*, gpointer)
     gtk_image_set_from_surface(GTK_IMAGE(image), PictureSurface(*picture, gtk_widget_get_scale_factor(image)));
 }
 
-/// The toolkit does not fade images made from surfaces when their button is insensitive.
+/// Fades the image of an insensitive button. The toolkit does not fade images made from surfaces.
 void on_Image_state_flags_changed(GtkWidget* image, GtkStateFlags, gpointer)
 {
     gtk_widget_set_opacity(image, gtk_widget_is_sensitive(image) ? 1.0 : kFaded);
@@ -74,7 +74,7 @@ GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale)
     }
     g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(on_Loader_size_prepared), GINT_TO_POINTER(scale));
     const gboolean is_read = gdk_pixbuf_loader_write_bytes(loader.get(), bytes.get(), nullptr);
-    // Close the loader even after an error.
+    // A loader must be closed before it is freed, even after an error.
     if (!gdk_pixbuf_loader_close(loader.get(), nullptr) || !is_read) {
         return nullptr;
     }
@@ -114,7 +114,7 @@ void ShowPicture(GtkWidget* image, const Picture& picture)
 
 namespace {
 
-/// Keeps the last surface: drawing each row asks for it, and the look-up in the map takes longer.
+/// Remembers the surface used last, to save a look-up in the map for every row that is drawn.
 struct CachedPicture {
     Picture picture;
     int scale = 0;

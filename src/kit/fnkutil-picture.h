@@ -1,14 +1,14 @@
 #pragma once
-// The built-in pictures. At scale factor 1 they are the XPM images; at higher scale factors, the SVG
-// drawings from which those were made.
+// The built-in pictures. At scale factor 1 they are XPM images. At higher scale factors they are the
+// SVG drawings from which the XPM images were made.
 
 #include <gtk/gtk.h>
 
 #include <string>
 
 /// Loads a picture from the program's resources, enlarged scale times. The caller owns it. Null if it
-/// does not exist or cannot be decoded. type, such as "png", saves a look-up in the MIME database,
-/// which takes longer than decoding the picture.
+/// does not exist or cannot be decoded. type is the format, such as "png": looking it up in the MIME
+/// database would take longer than decoding the picture.
 GdkPixbuf* ReadResource(const std::string& path, const char* type, int scale = 1);
 
 /// Decodes XPM data. The caller owns the picture. Null if the data is not valid.
@@ -28,7 +28,7 @@ struct Picture {
 /// The picture at a scale factor, cached and shared; not to be freed. Null if picture is empty.
 cairo_surface_t* PictureSurface(const Picture& picture, int scale);
 
-/// Makes image show picture, at the scale factor of whatever screen it is on.
+/// Makes image show picture, redrawn whenever the scale factor of image changes.
 void ShowPicture(GtkWidget* image, const Picture& picture);
 
 /// The folder pictures of both panes at the scale factor of widget; not to be freed.

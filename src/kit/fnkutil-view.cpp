@@ -8,7 +8,7 @@ constexpr const char* kNameKey = "fennick-name";
 
 }  // namespace
 
-// A tree view that names its accessible when that is first asked for.
+// A tree view that sets the name of its accessible only when the accessible is first requested.
 struct FnkTreeView {
     GtkTreeView parent_instance;
 };
@@ -36,7 +36,7 @@ static void fnk_tree_view_init(FnkTreeView*) {}
 static gboolean on_TreeView_button_press(GtkWidget* view, GdkEvent*, gpointer)
 {
     GtkWidget* const window = gtk_widget_get_toplevel(view);
-    // A view that can take the focus does so itself on this click.
+    // A view that can take the focus takes it from the entry by itself.
     if (GTK_IS_WINDOW(window) && !gtk_widget_get_can_focus(view)) {
         ReleaseEntryFocus(window);
     }
@@ -117,7 +117,7 @@ namespace {
 
 void on_View_style_updated(GtkWidget* view, gpointer cell)
 {
-    // Includes characters that are often drawn in a fallback font, which may be taller.
+    // The sample has characters that often come from a fallback font, which may be taller.
     PangoLayout* const layout = gtk_widget_create_pango_layout(view, "\u00c1g\u65e5\u21b5\ufffd");
     int text_height = 0;
     int padding = 0;

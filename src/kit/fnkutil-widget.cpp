@@ -43,7 +43,7 @@ void on_Combo_changed(GtkWidget* combo, gpointer)
         return;
     }
     GtkWidget* const entry = ComboEntry(combo);
-    // The next key, Return above all, is meant for the chosen text.
+    // Focus the entry: the next key, most likely Return, is meant for the chosen text.
     if (gtk_widget_get_mapped(entry) && gtk_editable_get_editable(GTK_EDITABLE(entry))) {
         gtk_entry_grab_focus_without_selecting(GTK_ENTRY(entry));
     }
@@ -225,8 +225,8 @@ GtkWidget* CreateScroll()
 {
     GtkWidget* const scroll = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_AUTOMATIC, GTK_POLICY_AUTOMATIC);
-    // Permanent scroll bars show the position in a long list. Overlay scroll bars cover the last row
-    // and are animated for two seconds each time they appear, also when the window opens.
+    // Permanent scroll bars show the position in a long list. Overlay scroll bars would cover the last
+    // row, and an animation of two seconds would run each time they appear, even at start.
     gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scroll), FALSE);
     gtk_widget_show(scroll);
     return scroll;
@@ -308,8 +308,8 @@ GtkWidget* InterruptedWindow()
     return pMainW != nullptr ? pMainW->MainWindow : nullptr;
 }
 
-/// Keeps a dialog above the window that it interrupts, and minimised only with it: nothing else takes
-/// input while the dialog runs, so the user must be able to find it.
+/// Keeps a dialog above the window that it interrupts; the two are minimised together. The user must
+/// be able to find the dialog, as nothing else takes input while it runs.
 void SetTransientParent(GtkWindow* dialog, GtkWidget* parent)
 {
     GtkWidget* const below = GTK_IS_WINDOW(parent) ? parent : InterruptedWindow();
@@ -380,7 +380,7 @@ GtkWidget* ComboEntry(GtkWidget* combo)
 
 void SetComboStrings(GtkWidget* combo, const History& list)
 {
-    // Without items, on_Combo_changed does not overwrite the entry.
+    // While no items are attached, on_Combo_changed leaves the entry alone.
     AttachData(combo, kItemsKey, History());
     gtk_combo_box_text_remove_all(GTK_COMBO_BOX_TEXT(combo));
     for (const std::string& item : list) {

@@ -10,9 +10,9 @@
 #include "core/fnktable.h"
 #include "kit/fnkutil-picture.h"
 
-/// Errors of dialog builders: a widget could not be created; an argument or its data is missing.
-constexpr int kWidgetError = -65535;
-constexpr int kArgumentError = -65534;
+/// Errors of dialog builders.
+constexpr int kWidgetError = -65535;    ///< A widget could not be created.
+constexpr int kArgumentError = -65534;  ///< An argument or its data is missing.
 
 /// Whether CreateDlgButtonBox connects the handlers that close the dialog.
 enum DialogClosing { CLOSING_UNWIRED = 0, CLOSING_WIRED = 1 };
@@ -31,35 +31,43 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height);
 GtkWidget* CreateButtonRow(GtkWidget* dialog);
 /// Adds a button, which can be the default, to a button row. label is translated.
 GtkWidget* AddDialogButton(GtkWidget* row, const char* label);
-/// Adds a button row with OK and Cancel, each only if its pointer is not null. The last one is the
-/// default and has the focus. With CLOSING_WIRED, closing the window presses it, and it ends the main
-/// loop. 0 or kWidgetError.
+/// Adds a button row with OK and Cancel; a null pointer leaves out its button. The last button is the
+/// default and has the focus. With CLOSING_WIRED, closing the window presses the last button, which
+/// ends the main loop. Returns 0 or kWidgetError.
 int CreateDlgButtonBox(GtkWidget* dialog, GtkWidget** ok, GtkWidget** cancel, DialogClosing closing);
 
-/// A container for a bar. It cannot be detached: the toolkit's own handle box does not draw its
-/// content and shrinks to a sliver once detached.
+/// A frame for a bar. It cannot be detached. GtkHandleBox can, but it does not draw its content and
+/// shrinks to a sliver once detached.
 GtkWidget* CreateHandleBox(GtkWidget* box);
 GtkWidget* CreateVBox(GtkWidget* container, int spacing, int border);
 GtkWidget* CreateHBox(GtkWidget* container, bool homogeneous, int spacing, int border);
-/// A grid. It and the next three are not packed.
+// These four builders do not pack their widgets.
+
+/// A grid.
 GtkWidget* CreateTable(int row_spacing, int column_spacing, int border);
 GtkWidget* CreateScroll();
 /// A combo box with an entry. max_length is in characters, 0 for no limit. entry may be null.
 GtkWidget* CreateComboBox(GtkWidget** entry, bool editable, int max_length);
-/// Also not shown.
+/// An image, not shown yet.
 GtkWidget* CreatePixmap(const Picture& picture);
+
 GtkWidget* CreateLabel(GtkWidget* box, const char* text);
 GtkWidget* CreateTabLabel(GtkWidget* notebook, int page, const char* text);
 GtkWidget* CreateSeparator(GtkWidget* box);
 
 /// Runs a dialog until one of its handlers calls gtk_main_quit, then destroys it. Meanwhile parent,
-/// the main window or another running dialog, is insensitive; with null, nothing changes its look.
+/// the main window or another running dialog, is insensitive. If parent is null, the windows below
+/// take no input either, but look as before.
 void ModalMainLoop(GtkWidget* window, GtkWidget* parent);
 
+/// Presses button instead of closing the window.
 gboolean on_delete_event(GtkWidget* widget, GdkEvent* event, gpointer button);
+/// Ends the main loop.
 void on_CancelButton_clicked(GtkWidget* button, gpointer data);
+/// These two raise the window of the widget.
 gboolean on_Window_button_press_event(GtkWidget* widget, GdkEvent* event, gpointer data);
 gboolean on_Window_visibility_notify(GtkWidget* widget, GdkEvent* event, gpointer data);
+/// Presses button.
 void on_ComboEntry_activate(GtkWidget* entry, gpointer button);
 
 /// The entry of a combo box from CreateComboBox.
@@ -69,8 +77,8 @@ void SetComboStrings(GtkWidget* combo, const History& list);
 /// Whether the entry's text equals one of the items.
 bool IsComboString(GtkWidget* combo);
 
-/// Entries hold UTF-8, but paths are bytes. The entry shows the bytes as valid UTF-8 and keeps them;
-/// GetEntryBytes returns them until the text is edited.
+/// Entries hold UTF-8, but paths are bytes. SetEntryBytes shows the bytes as valid UTF-8 and keeps the
+/// original. GetEntryBytes returns the original until the text is edited, then the text.
 void SetEntryBytes(GtkWidget* entry, const std::string& bytes);
 std::string GetEntryBytes(GtkWidget* entry);
 
@@ -87,9 +95,8 @@ void WrapLabel(GtkWidget* label);
 /// text that does not fit; the tooltip shows the whole text.
 void ShortenLabel(GtkWidget* label, int max_characters);
 
-/// The label of a status bar.
 GtkWidget* StatusBarLabel(GtkWidget* status_bar);
-/// Sets the label of a status bar, bypassing its message stack, and its accessible description.
+/// Sets the label and the accessible description of a status bar. Bypasses its message stack.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
 /// Sets the name that screen readers use.
 void SetAccessibleName(GtkWidget* widget, const char* name);

@@ -48,7 +48,7 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
     return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(tree), &copy);
 }
 
-/// Marks the node as the target of a drop. The rest on another node ends.
+/// Marks the node as the drop target. Stops the expand timer of the previous target.
 void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
 {
     if (!IsSelected(tree, node)) {
@@ -58,9 +58,9 @@ void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
     }
 }
 
-// Timers keep no node, as rows may come and go before they fire.
+// Timers hold no iterators, as nodes may be removed before the timer fires.
 
-/// Scrolls the neighbour of the row at height y into view. Stops the timer at the end of the tree.
+/// Scrolls to the row next to the one at y. Stops the timer at the end of the tree.
 gboolean ScrollOneRow(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, gpointer y, double alignment)
 {
     if (pGTable == nullptr) {
@@ -103,7 +103,7 @@ gboolean TreeExpand(gpointer data)
     return G_SOURCE_REMOVE;
 }
 
-/// Scrolls while the pointer is near an edge.
+/// Starts scrolling if the pointer is near an edge, else stops it.
 void UpdateScrolling(GtkWidget* tree, int y)
 {
     StopTimer(pGTable->ScrollTimer);

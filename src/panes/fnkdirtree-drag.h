@@ -1,7 +1,7 @@
 #pragma once
-// Dragging directories out of the tree and dropping files on its nodes. During a drag over the tree
-// the node under the pointer is selected, to mark the target, but not entered. A node expands when
-// the pointer rests on it, and the tree scrolls near its top and bottom edges.
+// Dragging directories out of the tree and dropping files on its nodes. During a drag over the tree,
+// the node under the pointer is selected to mark the target, but not entered. A node expands when the
+// pointer rests on it. The tree scrolls when the pointer is near its top or bottom edge.
 
 #include <gtk/gtk.h>
 

@@ -13,7 +13,7 @@ GtkTreeStore* StoreOf(GtkTreeView* tree)
     return GTK_TREE_STORE(gtk_tree_view_get_model(tree));
 }
 
-/// Inserts a node among the children of parent. Takes time linear in position, as the store counts.
+/// Inserts a child of parent. Takes time linear in position: the store walks there from the start.
 GtkTreeIter InsertNode(GtkTreeStore* store, GtkTreeIter* parent, std::size_t position, const std::string& name)
 {
     GtkTreeIter node;
@@ -38,6 +38,8 @@ std::vector<ExistingChild> ListChildren(GtkTreeModel* model, GtkTreeIter* parent
     return children;
 }
 
+/// Adds the one child that shows that parent can be expanded. Does nothing if name is empty or the
+/// child exists.
 void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& name)
 {
     if (name.empty()) {
@@ -52,8 +54,8 @@ void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& 
     }
 }
 
-/// Merges found, which is sorted, into the children of parent. Inserts from last to first: the store
-/// then counts past the old children only, and usually there are none.
+/// Merges found, which is sorted, into the children of parent. Inserts from last to first: InsertNode
+/// then walks only past old children, and usually there are none.
 void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<Subdirectory>& found)
 {
     std::vector<ExistingChild> existing = ListChildren(GTK_TREE_MODEL(store), parent);

@@ -16,16 +16,17 @@ constexpr int kNodeDirectoryColumn = 1;
 /// A store that holds just the root node. The caller owns it.
 GtkTreeStore* CreateNodeStore();
 std::string GetNodeName(GtkTreeModel* model, const GtkTreeIter& node);
-/// Moves node to its child of that name. False, with node unchanged, if it has none.
+/// Sets *node to its child of that name. If there is none, returns false and leaves *node alone.
 bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& name);
 
-/// Reads the directory of node and adds the subdirectories that are missing below it. Each comes
-/// with one of its own subdirectories, so that it can be expanded. Removes nothing.
+/// Reads the directory of node and adds the subdirectories that the tree lacks. Each gets one child
+/// if it has a subdirectory, so that the user can expand it. Removes nothing.
 ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node);
 void RemoveChildren(GtkTreeView* tree, GtkTreeIter* node);
-/// Adds a single node. False if path is outside RootDir or its parent is not in the tree.
+/// Adds a single node for path. False if path is outside RootDir or its parent is not in the tree.
 bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node);
 /// The path in bytes, ending in "/".
 std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node);
-/// Finds the node of an existing directory inside RootDir. Appends the final "/" if path lacks it.
+/// Finds the node of path. False if the tree has none, or if path is not an existing directory inside
+/// RootDir. Appends the final "/" if path lacks it.
 bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node);

@@ -25,9 +25,8 @@ int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
     return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
 }
 
-/// Fits the column to the widest visible row. The view has fixed row heights and a fixed column
-/// width; otherwise the toolkit measures every new row, visible or not, which takes a second for ten
-/// thousand rows.
+/// Fits the column to the widest visible row. The toolkit sizes neither the column nor the rows: it
+/// would measure every new row, visible or not, which takes a second for ten thousand rows.
 gboolean FitTreeColumn(gpointer data)
 {
     GtkTreeView* const tree = GTK_TREE_VIEW(data);
@@ -42,7 +41,7 @@ gboolean FitTreeColumn(gpointer data)
     }
     int width = 1;
     OptionalNode node = page->top;
-    // One row more than the page has, as another one may be partly visible.
+    // One row more than the page, as the row below it may be partly visible.
     for (int step = -1; step <= page->steps && node; ++step, node = walk.Below(*node)) {
         width = std::max(width, NodeWidth(tree, walk, *node));
     }
@@ -58,7 +57,7 @@ void StopFitting(GtkWidget* tree, gpointer)
     }
 }
 
-/// Called whenever the visible rows change. Fits the column once, before the next frame is drawn.
+/// Called whenever the visible rows change. Several calls fit the column once, before the next frame.
 void QueueFit(GtkWidget* tree)
 {
     StopFitting(tree, nullptr);

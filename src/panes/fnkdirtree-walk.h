@@ -1,5 +1,5 @@
 #pragma once
-// Walking the displayed rows of a tree. Children of collapsed nodes do not count.
+// Walking the displayed rows of a tree: every node whose ancestors are all expanded.
 
 #include <gtk/gtk.h>
 

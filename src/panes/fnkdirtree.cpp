@@ -36,7 +36,7 @@ void on_DirTree_select_row(GtkTreeSelection* selection, gpointer)
     EnterSelected(gtk_tree_selection_get_tree_view(selection));
 }
 
-/// The picker's tree leaves CurrentDir alone, which belongs to the file list.
+/// Unlike the main tree, a picker's tree does not change CurrentDir.
 void on_PickerTree_select_row(GtkTreeSelection* selection, gpointer combo)
 {
     std::string path;
@@ -58,7 +58,7 @@ void SetMousePointer(GtkTreeView* tree, const char* name)
     gdk_display_flush(display);
 }
 
-/// Runs before the toolkit expands the node. False lets it go on.
+/// Reads the node's children before the toolkit expands the node. FALSE lets the toolkit go on.
 gboolean on_DirTree_expand(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
 {
     if (pGTable == nullptr) {
@@ -70,7 +70,7 @@ gboolean on_DirTree_expand(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, g
     return FALSE;
 }
 
-/// Runs before the toolkit collapses the node. Moves a selection inside the node up to it.
+/// Before the toolkit collapses the node: if a node below it is selected, selects the node instead.
 gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
 {
     if (pGTable == nullptr) {
@@ -85,8 +85,7 @@ gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*,
     return FALSE;
 }
 
-/// While one exists for the main tree, selecting there enters no directory. For other trees it does
-/// nothing.
+/// During its lifetime, selecting in the main tree enters no directory. Does nothing for other trees.
 class SelectionPause {
 public:
     explicit SelectionPause(GtkTreeView* tree) : paused_(tree == MainTree() && pGTable->TreeSelectSignal != 0)
@@ -198,8 +197,8 @@ void SetTreeSelectPath(GtkTreeView* tree, const std::string& path)
 
 namespace {
 
-/// Finds the node of the directory prefix, a child of parent. If there is none, reads the children of
-/// parent again, as the directory may be newer than the tree.
+/// Finds the node of prefix, a subdirectory of parent. If there is none, reads parent again, as the
+/// directory may be newer than the tree.
 bool FindOrReadNode(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, GtkTreeIter* node)
 {
     if (GetPathNode(tree, prefix, node)) {
@@ -227,7 +226,7 @@ GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast e
         if (done == path.size() && expand_last == EXPAND_LAST_NO) {
             break;
         }
-        // The toolkit expands no node without children, but the directory may have some by now.
+        // The toolkit does not expand a node without children, but the directory may have some by now.
         if (!TreeWalk(tree).HasChildren(node)) {
             CreateChildtree(tree, &node);
         }
@@ -252,8 +251,8 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
         reached = ExpandAlong(tree, target, expand_last);
     }
     SetTreeSelectNode(tree, reached);
-    // Another directory has filled the list on entry. If it is still the same one, the list must be
-    // read again: commands end here and may have changed it.
+    // Entering a different directory has filled the list. If the directory is still the same, read it
+    // again: commands end here and may have changed it.
     std::string selected;
     if (tree == MainTree() && GetTreeSelect(tree, nullptr, &selected) && selected == shown) {
         OnDirTree.Reopened();
@@ -262,7 +261,8 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
 
 namespace {
 
-/// Selects the deepest displayed node on the way to path. Does not enter it.
+/// Selects the deepest displayed node on the way to path. The caller holds a SelectionPause, so that
+/// this enters no directory.
 void RestoreSelection(GtkTreeView* tree, const std::string& path)
 {
     GtkTreeIter node;

@@ -24,10 +24,10 @@ GtkWidget* CreateDirTree(GtkWidget* paned);
 /// entry of combo, if given, follows the selection.
 GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo);
 
-/// Stores the selected node and its path; either may be null. False if nothing is selected.
+/// Stores the selected node and its path. Both pointers may be null. False if nothing is selected.
 bool GetTreeSelect(GtkTreeView* tree, GtkTreeIter* node, std::string* path);
-/// Selects the node and scrolls to it. In the main tree, while the select signal is connected, this
-/// enters the directory, even if the node was selected already.
+/// Selects the node and scrolls to it. In the main tree, while the select signal is connected, also
+/// enters the directory unless it is CurrentDir, even if the node was selected already.
 void SetTreeSelectNode(GtkTreeView* tree, const GtkTreeIter& node);
 void SetTreeSelectPath(GtkTreeView* tree, const std::string& path);
 
@@ -42,7 +42,7 @@ void RescanTree(GtkTreeView* tree, const std::string& path);
 /// Opens CurrentDir again, or its deepest ancestor that is still shown.
 void RebuildTree();
 
-/// Turn on and off that selecting in the main tree enters the directory. Calls need not be paired.
+/// While connected, selecting a node of the main tree enters its directory. Calls need not be paired.
 void ConnectTreeSelectSignal();
 void DisconnectTreeSelectSignal();
 

@@ -18,27 +18,27 @@ constexpr GdkDragAction kActions = static_cast<GdkDragAction>(GDK_ACTION_COPY | 
 char text_plain[] = "text/plain";
 char text_uri_list[] = "text/uri-list";
 
-/// The target's order decides. It prefers URIs, as a source that offers both may pass them as plain
-/// text too, with CR LF line ends.
+/// The order of kAccepted decides which format a drop uses. URIs come first: a source that offers both
+/// formats may send URIs as plain text too, with CR LF line ends.
 constexpr GtkTargetEntry kOffered[] = {{text_plain, 0, TARGET_TEXT}, {text_uri_list, 0, TARGET_URIS}};
 constexpr GtkTargetEntry kAccepted[] = {{text_uri_list, 0, TARGET_URIS}, {text_plain, 0, TARGET_TEXT}};
 
-/// A button pressed on a row that has not become a drag yet.
+/// A button press on a row that has not become a drag yet.
 struct Press {
     GtkTreeView* view = nullptr;  ///< Null if no button is down.
     guint button = 0;
     int x = 0;
     int y = 0;
     TreePath row;
-    std::string path;  ///< Path of the row at that time, as the rows may change while the button is down.
+    std::string path;  ///< Path of the row at the press. The rows may change while the button is down.
 };
 
-/// What a view keeps while something is dragged from or to it; lives as long as the view.
+/// The state of drags from and to a view. Lives as long as the view.
 struct ViewDrag {
     const DragPane& pane;
     Press press = {};
-    std::vector<std::string> items = {};  ///< Paths that are dragged from here.
-    std::string destination = {};         ///< Of the drop whose data has been requested.
+    std::vector<std::string> items = {};  ///< Paths being dragged from the view.
+    std::string destination = {};         ///< Of a drop whose data has been requested.
 };
 constexpr const char* kViewDragKey = "fennick-drag";
 
@@ -98,7 +98,8 @@ void EndDrag(ViewDrag& drag)
     }
 }
 
-/// Needed because the pane may miss the release: a dialog opened by a double click gets it instead.
+/// Whether the button is still down. The pane may miss the release, as when a dialog opened by a
+/// double click gets it instead.
 bool IsHeld(guint button, guint state)
 {
     return (state & (button == GDK_BUTTON_PRIMARY ? GDK_BUTTON1_MASK : GDK_BUTTON3_MASK)) != 0;
@@ -144,8 +145,8 @@ void on_Pane_drag_end(GtkWidget*, GdkDragContext*, gpointer data)
     EndDrag(DragOf(data));
 }
 
-/// Keeps the signal from the tree view, which would look for a row to drop on. GTK_DEST_DEFAULT_MOTION
-/// has answered already.
+/// Keeps the signal from the tree view's own handler, which would look for a row to drop on.
+/// GTK_DEST_DEFAULT_MOTION has already told the source what a drop would do.
 gboolean on_Pane_drag_motion(GtkWidget*, GdkDragContext*, int, int, guint, gpointer)
 {
     return TRUE;
@@ -188,15 +189,15 @@ struct Drop {
     guint time;
 };
 
-/// Runs from an idle source, because the popup and the command run nested main loops, which must not
-/// happen in a "drag-data-received" handler. A source may take long to send its data, so check again
-/// that no command has started since the drop.
+/// Runs from the main loop, because the pop-up menu and the command run nested main loops, which must
+/// not happen in a "drag-data-received" handler. The data may have taken long to arrive, so checks
+/// again that no command has started since the drop.
 gboolean RunDrop(gpointer data)
 {
     auto* const drop = static_cast<Drop*>(data);
     const bool is_done = CanAcceptDrop() && OnFilesDropped != nullptr && !drop->items.empty() &&
                          !drop->destination.empty() && OnFilesDropped(drop->items, drop->destination) == 0;
-    // Never asks the source to delete anything: after a move the engine has done so.
+    // Never ask the source to delete the originals: the engine has done so after a move.
     gtk_drag_finish(drop->context, is_done, FALSE, drop->time);
     return G_SOURCE_REMOVE;
 }

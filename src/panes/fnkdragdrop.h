@@ -1,6 +1,6 @@
 #pragma once
-// Drag and drop of files, for both panes. The toolkit's own row drags do not serve: they carry a
-// single row, and only of the toolkit's own models.
+// Drag and drop of files, for both panes. The toolkit's row drags cannot be used: they carry a single
+// row, and only from the toolkit's own models.
 
 #include <gtk/gtk.h>
 
@@ -11,7 +11,7 @@
 /// Set once at start.
 extern int (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination);
 
-/// What is particular to one pane.
+/// What differs between the panes.
 struct DragPane {
     /// The path of a row; empty if the row cannot be dragged.
     std::string (*PathOfRow)(GtkTreeView* view, GtkTreePath* row);

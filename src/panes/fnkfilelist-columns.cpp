@@ -51,6 +51,7 @@ void DrawIcon(GtkTreeViewColumn* column, GtkCellRenderer* cell, GtkTreeModel* mo
 
 GdkRGBA RowColor(GtkWidget* list, const FileRow& row)
 {
+    // The settings have no colour for FIFOs.
     const FileType type = row.type == FT_FIFO ? FT_NORMAL : row.type;
     return TextColor(list, pGTable->Colors[type]);
 }
@@ -101,8 +102,8 @@ int DefaultWidth(int id)
     return place != end ? defaults.ColumnSize[static_cast<std::size_t>(place - defaults.ColumnPosition.begin())] : 0;
 }
 
-/// The stored width, or the natural one if none is stored. A column of numbers that still has its
-/// default width grows to the natural one: with a large font it would cut off digits.
+/// The stored width, or the natural width if none is stored. A right-aligned column that still has its
+/// default width grows to its natural width: with a large font the default would cut off digits.
 int ColumnWidth(GtkTreeView* list, GtkTreeViewColumn* column, std::size_t position)
 {
     const int id = pGTable->ColumnPosition[position];
@@ -176,7 +177,7 @@ void AppendDetailColumn(GtkTreeView* list, std::size_t position, ColumnClickHand
     g_signal_connect(column, "notify::fixed-width", G_CALLBACK(on_FileList_resize_column), GSIZE_TO_POINTER(position));
 }
 
-/// Key of the filler's "expand" property as it was at the last size allocation.
+/// Key under which the filler keeps the value of "expand" at the last size allocation.
 constexpr const char* kWasExpandingKey = "fennick-was-expanding";
 
 void on_FileList_size_allocate(GtkWidget*, GdkRectangle*, gpointer filler)
@@ -186,8 +187,9 @@ void on_FileList_size_allocate(GtkWidget*, GdkRectangle*, gpointer filler)
 }
 
 /// When a column gets wider, the toolkit does not shrink the filler, and the list scrolls into empty
-/// space. It distributes the width again only if the number of expanding columns changes, so toggle
-/// that. As the last column the filler gets the remaining width either way.
+/// space. The toolkit distributes the width again only if the number of expanding columns changes, so
+/// this toggles whether the filler expands. As the last column, the filler gets the remaining width
+/// either way.
 void on_Column_notify_fixed_width(GtkTreeViewColumn*, GParamSpec*, gpointer filler)
 {
     const bool was_expanding = g_object_get_data(G_OBJECT(filler), kWasExpandingKey) != nullptr;

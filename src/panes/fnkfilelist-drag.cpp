@@ -24,9 +24,9 @@ void SelectOnly(int row)
     SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
 }
 
-/// Holds back a plain press on one of several selected rows, as it may start a drag of all of them.
-/// Only a release without a drag selects the row alone. A double click whose first press was held is
-/// handled here, because the toolkit does not see it.
+/// Holds back a plain press on one of several selected rows, as it may start a drag of all of them. A
+/// release without a drag then selects that row alone. The toolkit never sees a held press, so this
+/// also handles a double click that began with one.
 gboolean on_FileList_hold_press(GtkWidget* widget, GdkEventButton* event, gpointer)
 {
     if (pMainW == nullptr) {
@@ -79,7 +79,7 @@ std::vector<std::string> PrepareListDrag(GtkTreeView*, GtkTreePath* pressed)
     for (const std::size_t index : ListSelection()) {
         paths.push_back(ListRowPath(index));
     }
-    // The drag moves the tree's selection while it is over the tree. That must enter no directory.
+    // A drag over the tree moves the tree's selection, which must not enter a directory.
     DisconnectTreeSelectSignal();
     return paths;
 }

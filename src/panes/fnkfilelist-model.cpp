@@ -5,7 +5,7 @@
 struct _FnkListModel {
     GObject parent_instance;
     FileRows* rows;
-    int stamp;  ///< Changes whenever the rows are sorted. Older iterators are invalid then.
+    int stamp;  ///< Changes whenever the rows are sorted, which invalidates older iterators.
 };
 
 namespace {
@@ -115,7 +115,7 @@ void InitTreeModel(GtkTreeModelIface* iface)
 
 }  // namespace
 
-// Two casts, or the compiler warns that the function types differ.
+// Two casts: with one, the compiler warns that the function types differ.
 G_DEFINE_TYPE_WITH_CODE(FnkListModel, fnk_list_model, G_TYPE_OBJECT,
                         G_IMPLEMENT_INTERFACE(GTK_TYPE_TREE_MODEL, reinterpret_cast<GInterfaceInitFunc>(
                                                                        reinterpret_cast<void (*)()>(InitTreeModel))))

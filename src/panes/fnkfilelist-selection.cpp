@@ -12,8 +12,8 @@ namespace {
 
 constexpr const char* kModelKey = "fennick-model";
 
-/// Unselects the ".." row before the change is reported. A select function would do as well, but the
-/// toolkit calls that for every row on each change, and there may be a hundred thousand.
+/// Unselects the ".." row before the change is reported. A select function could do the same, but the
+/// toolkit would call it for every row on each change, and there may be a hundred thousand rows.
 void UnselectParentRow()
 {
     const FileRows& rows = ListRows();
@@ -169,8 +169,8 @@ void SetListSelection(std::vector<bool> chosen)
     const ListSelectionBatch batch;
     const DrawingPause pause;
     UnselectAllListRows();
-    // A select function takes one walk over all rows. Selecting rows one by one makes the toolkit
-    // search for each of them.
+    // With a select function the toolkit walks over the rows once. Selecting them one by one makes it
+    // search for each row.
     gtk_tree_selection_set_select_function(selection, IsChosenRow, &chosen, nullptr);
     gtk_tree_selection_select_all(selection);
     gtk_tree_selection_set_select_function(selection, nullptr, nullptr, nullptr);

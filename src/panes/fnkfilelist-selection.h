@@ -21,10 +21,10 @@ GtkTreeView* MainList();
 const FileRows& ListRows();
 /// The model of MainList, even while the view is detached from it. Null if there is no list.
 FnkListModel* MainListModel();
-/// Makes the list the owner of its model. Does not attach the view to it.
+/// Makes list own model, without displaying the model yet.
 void SetListModel(GtkTreeView* list, FnkListModel* model);
 
-/// The row under a button event; -1 if there is none, as on a column title.
+/// The row under a button event; -1 if there is none, as for a click on a column title.
 int ListRowAt(GtkTreeView* list, const GdkEventButton* event);
 
 /// The path of the row's entry; that of a directory ends in "/".
@@ -45,7 +45,7 @@ public:
     void MarkChanged();
 };
 
-// ".." is never selected.
+// None of these functions selects "..".
 
 void SelectAllListRows();
 void UnselectAllListRows();

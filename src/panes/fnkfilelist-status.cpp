@@ -16,10 +16,10 @@
 namespace {
 
 constexpr std::size_t kMaxStatusBytes = 1024;
-/// Files per turn of the main loop; they take a few milliseconds.
+/// Files per iteration of the main loop. This many take a few milliseconds.
 constexpr std::size_t kSumPiece = 2000;
 
-/// The summary in progress. It holds row numbers, so whatever changes the rows must stop it.
+/// The summary in progress. It holds row numbers, so whoever changes the rows must restart it.
 struct Summary {
     std::vector<std::size_t> rows;
     std::size_t next = 0;

@@ -2,11 +2,11 @@
 // The two status bars at the bottom of the window.
 
 /// Updates StatusText and the status bar with the count and size of the selected files, or with the
-/// tree's directory if none is selected. A large selection is summed up by an idle source.
+/// directory selected in the tree if there are none. Sums up a large selection in an idle source.
 void DisplayFileStatus();
 
 /// Shows the filter of the list.
 void DisplayFilterStatus();
 
-/// Shows StatusText again after a menu tip.
+/// Shows StatusText again after a tip for a menu item or a tool button.
 void RestoreStatusText();

@@ -115,17 +115,17 @@ int FirstVisibleRow(GtkTreeView* list)
     return first != nullptr ? gtk_tree_path_get_indices(first.get())[0] : static_cast<int>(ListRows().Count());
 }
 
-/// Scrolls after the model was replaced; row -1 stays at the top.
+/// Scrolls to the row in a view whose model was just replaced. For row -1, scrolls to the top.
 void ScrollRowToTop(GtkTreeView* list, int row)
 {
-    // A new model starts at the top, but the adjustment keeps its old value. Scrolling to that value
-    // would then do nothing.
+    // The view shows a new model from the top, but the adjustment keeps its old value. Scrolling to
+    // that value would do nothing.
     gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(list)), 0);
     if (row < 0 || row >= static_cast<int>(ListRows().Count())) {
         return;
     }
     // Rows that have not been measured have no position to scroll to. Asking for the preferred width
-    // makes the view give all rows the height of the first.
+    // makes the view measure the first row and give all rows its height.
     int width = 0;
     gtk_widget_get_preferred_width(GTK_WIDGET(list), &width, nullptr);
     const TreePath path(gtk_tree_path_new_from_indices(row, -1));
@@ -157,8 +157,8 @@ GtkWidget* CreateFileList(GtkWidget* paned)
     GtkTreeView* const list = NewListView();
     gtk_container_add(GTK_CONTAINER(pMainW->ListScroll), GTK_WIDGET(list));
     pMainW->FileList = GTK_WIDGET(list);
-    // At start the tree opens the directory once the window is built. Reading it here too would
-    // double the time to the first frame.
+    // At start the tree opens the directory once the window is built. Reading the directory here too
+    // would double the time to the first frame.
     if (gtk_widget_get_realized(pMainW->MainWindow)) {
         DisplayFileList(pGTable->CurrentDir);
     }
@@ -167,8 +167,8 @@ GtkWidget* CreateFileList(GtkWidget* paned)
 
 namespace {
 
-/// Replaces the rows with those of a directory, or with none if path is null. Row scroll_to is at
-/// the top afterwards.
+/// Replaces the rows with those of a directory, or with none if path is null. Then scrolls so that row
+/// scroll_to is at the top.
 void ReplaceRows(const std::string* path, int scroll_to)
 {
     GtkTreeView* const list = MainList();
@@ -218,8 +218,8 @@ void on_FileList_click_column(int column)
 }
 
 // On "rows-reordered" the view reorders its own node for each row, which takes longer than the sort
-// itself. As all rows have the same height, nodes differ only in their selection and in what
-// assistive technology knows of them. If neither matters, redrawing is enough.
+// itself. As all rows have the same height, the nodes differ only in whether they are selected and in
+// their accessibles. If there are no selected rows and no accessibles, redrawing is enough.
 void SortFileList()
 {
     GtkTreeView* const list = MainList();
@@ -246,8 +246,8 @@ void ShowListRow(const std::string& name)
         ++row;
     }
     if (row < ListRows().Count()) {
-        // Not ScrollRowTo: this also replaces a scroll request that is still pending in a list that
-        // has just been filled.
+        // Not ScrollRowTo: a list that has just been filled may have a scroll request pending, which
+        // this replaces.
         const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
         gtk_tree_view_scroll_to_cell(MainList(), path.get(), nullptr, FALSE, 0.0F, 0.0F);
     }

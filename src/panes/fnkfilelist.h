@@ -10,14 +10,15 @@
 #include "panes/fnkfilelist-selection.h"
 
 /// Builds the list in the second pane, with the columns of the settings. To change the columns,
-/// destroy MainW::ListScroll and call it again.
+/// destroy MainW::ListScroll and call this again.
 GtkWidget* CreateFileList(GtkWidget* paned);
 
 /// Fills the list with the entries of path, which ends in "/". Does nothing if path is not a
 /// directory. Always returns 0.
 int DisplayFileList(const std::string& path);
 
-/// Removes all rows. For a CurrentDir that cannot be listed: the old rows would give paths in it.
+/// Removes all rows. Needed when CurrentDir is not a directory: ListRowPath would combine CurrentDir
+/// with the names in the old rows.
 void EmptyFileList();
 
 /// Sorts by the column; reverses the order if it is the sort column already.
@@ -34,5 +35,5 @@ void ActivateListRow(std::size_t index);
 
 /// Widths of the detail columns in pixels.
 std::vector<int> ListColumnWidths();
-/// The view's column 0 for the icon, i + 1 for detail column i.
+/// A column of the view: 0 for the icon, i + 1 for detail column i.
 GtkTreeViewColumn* ListViewColumn(int column);

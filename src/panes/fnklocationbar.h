@@ -7,8 +7,8 @@
 /// Builds the bar in box. Returns the drop-down, or null.
 GtkWidget* CreateLocationBar(GtkWidget* box);
 
-/// Goes to the typed path, or to its deepest directory that exists. A relative path or one outside
-/// RootDir opens the current directory again.
+/// Goes to the typed path, or to the deepest directory on it that exists. If the path is relative, too
+/// long or outside RootDir, opens the current directory again.
 void on_LocationComboEntry_activate(GtkWidget* entry, gpointer data);
 
 /// Handler of the window's "set-focus". Keeps the focus in the entry while its text is neither empty

@@ -37,7 +37,7 @@ void StackAbove(GtkWidget* dialog, GtkWidget* widget)
 
 struct FileSelection {
     GtkWidget* dialog;
-    GtkWidget* entry;  ///< The caller's.
+    GtkWidget* entry;  ///< The caller's entry, for the result.
 };
 
 /// Leaves the dialog open if no file is chosen.
@@ -51,8 +51,8 @@ void on_FileSel_OKButton_clicked(GtkWidget*, gpointer data)
     }
 }
 
-/// Uses the response, not the button's "clicked": the toolkit may enter a chosen directory instead of
-/// responding.
+/// Handles the response, not the button's "clicked": when a directory is chosen, the toolkit may enter
+/// it instead of responding.
 void on_FileSel_response(GtkWidget* dialog, int response, gpointer state)
 {
     if (response == GTK_RESPONSE_ACCEPT) {
@@ -96,7 +96,7 @@ struct DirSelection {
     GtkTreeView* tree = nullptr;
 };
 
-/// Opens the typed path, or its deepest directory that exists, if it is inside RootDir.
+/// Opens the typed path, or the deepest directory on it that exists. Ignores a path outside RootDir.
 void OpenTypedPath(const DirSelection& state)
 {
     const std::string path = GetEntryBytes(state.entry);
@@ -153,7 +153,7 @@ void OfferDirHistory(GtkWidget* combo)
     }
 }
 
-/// Adds the drop-down and the tree, and connects them. False if the root cannot be read.
+/// Adds a drop-down and a tree whose selection it follows. False if the root cannot be read.
 bool AddDirectoryTree(GtkWidget* vbox, DirSelection& state)
 {
     CreateLabel(vbox, _("Select directory:"));
@@ -190,7 +190,8 @@ void on_DirBrowseButton_clicked(GtkWidget*, gpointer combo)
     }
 }
 
-/// Returns FALSE, unlike the handler it calls; otherwise the button would not see the press.
+/// Raises the button's window, but returns FALSE, unlike on_Window_button_press_event: otherwise the
+/// button would not see the press.
 gboolean on_BrowseButton_button_press_event(GtkWidget* button, GdkEvent* event, gpointer)
 {
     on_Window_button_press_event(button, event, nullptr);
@@ -245,7 +246,7 @@ int CreateSelectDirDlg(GtkWidget** dialog, GtkWidget* combo)
     *dialog = nullptr;
     g_signal_connect(state.entry, "activate", G_CALLBACK(on_DirSel_ComboEntry_activate), &state);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_DirSel_OKButton_clicked), &state);
-    // Shown first, because a tree that is not on the screen cannot scroll to its selection.
+    // Show the window first: a tree that is not on the screen cannot scroll to its selection.
     gtk_widget_show(window);
     OpenStartingDirectory(state);
     ModalMainLoop(window, nullptr);
@@ -300,7 +301,7 @@ void on_SelApp_row_activated(GtkTreeView*, GtkTreePath*, GtkTreeViewColumn*, gpo
     gtk_button_clicked(GTK_BUTTON(ok));
 }
 
-/// Makes OK the default once something is selected. Until then it is Cancel, as in every dialog.
+/// Makes OK the default once an application is selected. Until then Cancel is, as in every dialog.
 void on_SelApp_selection_changed(GtkTreeSelection* selection, gpointer ok)
 {
     if (gtk_tree_selection_count_selected_rows(selection) > 0) {

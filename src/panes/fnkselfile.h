@@ -20,7 +20,7 @@ GtkWidget* CreatePathCombo(GtkWidget* box, const char* accessible_name);
 /// kArgumentError or kWidgetError. After an error the caller destroys *dialog unless it is null.
 int CreateSelectDirDlg(GtkWidget** dialog, GtkWidget* combo);
 
-/// Lets the user pick an application of ApplicationList and stores its program in *result. Without
-/// a pick *result is unchanged. Does nothing if the list is empty. Returns the same as
-/// CreateSelectDirDlg.
+/// Lets the user pick an application of ApplicationList and stores its program in *result, which stays
+/// as it is if the user picks none. Does nothing if the list is empty. The return value and *dialog
+/// are as for CreateSelectDirDlg.
 int SelectAppDlg(GtkWidget** dialog, std::string* result);
