@@ -37,7 +37,8 @@ std::vector<std::string> ColumnTitles()
     return titles;
 }
 
-/// Index of the sort column in ColumnTitles. The icon column has no title; it sorts by name.
+/// Index of the sort column in ColumnTitles. For the icon column, which has no title, that of the name:
+/// its rows are sorted by name, too.
 int SortedTitleIndex()
 {
     const int column = EffectiveSortColumn();
