@@ -29,7 +29,7 @@ namespace {
 
 constexpr int kStatusSpacing = 2;
 constexpr int kFilterStatusWidth = 202;
-/// Whatever the settings file says, so many pixels of the window's corner stay on the screen, and of
+/// Whatever the settings file says, at least this many pixels of the window stay on the screen, and of
 /// the list beside the divider.
 constexpr int kMinVisible = 64;
 /// Minimum height of the panes in pixels; the toolkit cannot draw scroll bars in less.

@@ -305,7 +305,7 @@ bool ApplyProperty(PropertyDlgData* data)
 {
     struct stat now = {};
     if (lstat(data->Path.c_str(), &now) != 0) {
-        FileExistMessageBox(PATH_NEW, nullptr);  // Says that it does not exist.
+        FileExistMessageBox(PATH_NEW, nullptr);  // Says that the file does not exist.
         return true;
     }
     ApplyMode(data, now);
