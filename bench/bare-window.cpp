@@ -1,4 +1,4 @@
-// The least that a program with a window costs: what everything else is compared with.
+// The cheapest possible program with a window, to compare all others with.
 
 #include <gtk/gtk.h>
 

@@ -1,6 +1,6 @@
-// What browsing large directories costs, beside the bare system calls and library procedures that it
-// cannot do without, in turns; and how that grows with the directory. Needs a display;
-// FENNICK_BENCH_DIR names the folder for the scratch directory, which takes 1.2 million files.
+// Measures browsing large directories, in turns with the bare system calls and library functions that
+// this takes at least; and how the time grows with the directory. Needs a display. FENNICK_BENCH_DIR
+// names the folder for the scratch directory, which gets 1.2 million files.
 //
 //     script/with-display build/bench/bench-browse [--growth] [PART OF A NAME]
 
@@ -29,7 +29,7 @@ constexpr int kSubdirectories = 10'000;
 
 std::string top;
 
-/// Names that come in no order, as those of real files.
+/// Names in no particular order, like those of real files.
 std::string NameOf(int i)
 {
     char name[64];
@@ -37,7 +37,7 @@ std::string NameOf(int i)
     return name;
 }
 
-/// A directory of count files, made when it is first asked for.
+/// A directory of count files, created on first use.
 std::string ManyFiles(int count)
 {
     const std::string path = top + "/files" + std::to_string(count) + "/";
@@ -47,7 +47,7 @@ std::string ManyFiles(int count)
     for (int i = 0; i < count; ++i) {
         const std::string name = path + NameOf(i);
         mknod(name.c_str(), S_IFREG | (i % 7 == 0 ? 0755 : 0644), 0);
-        // Half of them with a size of their own is enough for a sort to work on, and twice as fast.
+        // Half of the files get a size: enough to sort by, and created twice as fast.
         if (count <= kEntries && i % 2 == 0) {
             truncate(name.c_str(), i * 37L % 5'000'000);
         }
@@ -73,7 +73,7 @@ void Settle()
     }
 }
 
-/// Lets the main loop run until the window has painted what was asked of it.
+/// Runs the main loop until the window has painted the pending changes.
 void Paint()
 {
     bool painted = false;
@@ -97,7 +97,7 @@ void BareRead(const std::string& path)
     closedir(directory);
 }
 
-/// The directories of a directory, each looked into until the first one in it is found.
+/// Reads the subdirectories of a directory, and each of them up to its first own subdirectory.
 void BareExpand(const std::string& path)
 {
     DIR* const directory = opendir(path.c_str());
@@ -117,8 +117,8 @@ void BareExpand(const std::string& path)
     closedir(directory);
 }
 
-/// Shows a directory as a click on it in the tree does. The tree is told to look again, as the
-/// directory may be younger than it.
+/// Shows a directory as a click in the tree does. The directory may be newer than the tree, which is
+/// therefore read again.
 void Enter(const std::string& path)
 {
     RescanTree(MainTree(), pGTable->RootDir);
@@ -132,7 +132,8 @@ void OpenAndPaint(const std::string& path)
     Settle();
 }
 
-/// The node's path in the tree, which is freshly read and shows no child of it.
+/// The tree path of a directory's node, in a tree that has just been read again, so that the node has no
+/// children yet.
 GtkTreePath* FreshNode(const std::string& path)
 {
     RescanTree(MainTree(), pGTable->RootDir);
@@ -156,10 +157,10 @@ Side Expanding(const std::string& path)
             [path](int) { node = FreshNode(path); }};
 }
 
-/// Every other row or so: as many single rows as there can be.
+/// Matches about every other row: the worst case, with the most separate ranges.
 constexpr const char* kScattered = "*[13579].dat";
 
-/// One pass over the rows, as choosing among them takes at least.
+/// One pass over the rows, the least that choosing among them takes.
 void LookAtRows()
 {
     volatile std::size_t letters = 0;
@@ -218,7 +219,7 @@ constexpr int kIconColumn = 0;
 constexpr int kNameColumn = 1;
 constexpr int kOtherColumn = 2;
 
-/// A row's value in a column as the language's own sort would be given it.
+/// A row's value in a column, as a plain std::stable_sort would get it.
 struct PlainKey {
     std::int64_t number;
     std::string text;
@@ -248,8 +249,8 @@ PlainKey KeyOf(const FileRow& row, int kind)
     }
 }
 
-/// Brings the rows into an order that has nothing to do with the one to come. That of the icon
-/// column is by name, that of the numbers by when a file was made.
+/// Brings the rows into an order unrelated to the one to be measured. Sorting by the icon column is by
+/// name, sorting by inode follows the order in which the files were created.
 void Shuffle(int kind)
 {
     pGTable->ColumnPosition[1] = kind == COLUMN_NAME ? static_cast<int>(COLUMN_INODE) : kind;
@@ -259,7 +260,7 @@ void Shuffle(int kind)
     Settle();
 }
 
-/// A click on the title of the column, but for painting the screenful of rows that is in view.
+/// A click on the title of the column, without the painting that follows.
 Side Sorting(int kind)
 {
     return {[kind](int) { on_FileList_click_column(kind == COLUMN_NAME ? kNameColumn : kOtherColumn); },

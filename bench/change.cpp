@@ -1,6 +1,6 @@
-// What changing files costs, progress dialog and all, beside the standard tools doing the same, in
-// turns; and for how long the window does not paint meanwhile. Needs a display; FENNICK_BENCH_DIR
-// names the folder for the scratch directory, which should be on a disk and have 12 GiB to spare.
+// Measures changing files, with the progress dialog, in turns with standard tools that do the same.
+// Also measures how long the main loop is blocked meanwhile. Needs a display. FENNICK_BENCH_DIR names
+// the folder for the scratch directory; it should be on a disk and have 12 GiB to spare.
 //
 //     script/with-display build/bench/bench-change [--growth] [PART OF A NAME]
 
@@ -29,7 +29,7 @@ constexpr std::size_t kLargeBytes = std::size_t{1} << 30;
 
 std::string top;
 
-/// As the commands do.
+/// Runs work as the commands of the window do.
 void RunCommand(OperationKind kind, const std::string& item, const std::function<void()>& work)
 {
     SetupProgress({item}, kind);
@@ -91,7 +91,7 @@ void Measure()
             {[&](int run) { Tool("cp " + top + "/large " + at("tool-large", run) + " && sync"); }});
 }
 
-/// A tree of so many empty files, a hundred in each directory, made when it is first asked for.
+/// A tree of count empty files, a hundred in each directory, created on first use.
 std::string ManyFiles(int count)
 {
     constexpr int kInDirectory = 100;
@@ -115,7 +115,7 @@ void CopyByTool(const std::string& source, const std::string& copy)
     Tool("cp -a " + source + " " + copy + " && sync");
 }
 
-/// What works on a copy gets one that is not timed, where no step before it has left one.
+/// Prepares a step that works on a copy. Makes the copy, untimed, unless an earlier step left one.
 void NeedCopy(const std::string& source, const std::string& copy)
 {
     if (!fs::exists(copy)) {
@@ -123,8 +123,8 @@ void NeedCopy(const std::string& source, const std::string& copy)
     }
 }
 
-/// Everything is copied before anything is deleted: where many files were deleted, ext4 is slow at
-/// making new ones for some minutes.
+/// Copies everything before deleting anything: for some minutes after many deletions, ext4 is slow at
+/// creating files.
 void MeasureGrowth()
 {
     const Step nothing = [](const std::string&, const std::string&) {};

@@ -1,6 +1,6 @@
-// What finding files costs, from the press of OK to the painted result, beside find(1) looking for
-// the same, in turns; and for how long the window does not paint meanwhile. Needs a display;
-// FENNICK_BENCH_DIR names the folder for the scratch directory, which takes 1.1 million files.
+// Measures finding files, from the press of OK to the painted result, in turns with find(1) doing the
+// same. Also measures how long the main loop is blocked meanwhile. Needs a display. FENNICK_BENCH_DIR
+// names the folder for the scratch directory, which gets 1.1 million files.
 //
 //     script/with-display build/bench/bench-find [--growth] [PART OF A NAME]
 
@@ -13,19 +13,19 @@
 
 namespace {
 
-constexpr int kDirectories = 100;  ///< At most, in each top directory.
-constexpr int kFiles = 99;         ///< In each of those.
+constexpr int kDirectories = 100;  ///< Maximum in each top directory.
+constexpr int kFiles = 99;         ///< In each of those directories.
 
 std::string top;
 
-/// One file in a hundred is a "one-", one in five a "many-".
+/// In each directory one file begins with "one-", and one in five with "many-".
 std::string FileName(int number)
 {
     const char* const kind = number == 0 ? "one-" : number % 5 == 0 || number == 1 ? "many-" : "file-";
     return kind + std::to_string(number) + ".txt";
 }
 
-/// A tree of so many entries, made when it is first asked for.
+/// A tree of count entries, created on first use.
 std::string Tree(int count)
 {
     const std::string tree = top + "/" + std::to_string(count) + "/";
@@ -41,7 +41,7 @@ std::string Tree(int count)
     return tree;
 }
 
-/// Presses OK as soon as the result is on the screen: with less priority than painting it.
+/// Presses OK once the result is on the screen; runs with lower priority than painting does.
 gboolean LeaveResult(gpointer)
 {
     GtkWidget* const dialog = gtk_grab_get_current();

@@ -1,6 +1,6 @@
 #pragma once
-// What the benchmarks that need a window have in common: a scratch directory, the program in it,
-// and ours beside a standard tool in turns.
+// What the benchmarks share: a scratch directory, a Fennick that runs in it, and procedures that measure
+// Fennick in turns with a yardstick.
 
 #include <glib.h>
 #include <gtk/gtk.h>
@@ -18,7 +18,7 @@
 #include "app/fnktable-life.h"
 #include "app/fnktable-start.h"
 
-/// Milliseconds between two looks of the main loop.
+/// Measures the longest time, in milliseconds, in which the main loop handled no event.
 class PauseMeter {
 public:
     PauseMeter() : last_(g_get_monotonic_time()), source_(g_timeout_add(1, Look, this)) {}
@@ -68,21 +68,21 @@ inline double Median(std::vector<double> values)
 
 constexpr int kRuns = 5;
 
-/// What is timed, and what is done before it each time. Both are told which run it is.
+/// What is timed, and what is done, untimed, before each run. Both get the number of the run.
 struct Side {
     std::function<void(int)> work;
     std::function<void(int)> prepare = [](int) {};
 };
 
-/// At most; 0 asks for nothing.
+/// Upper limits; 0 for none.
 struct Goal {
     double ratio = 0;
     double milliseconds = 0;
-    /// Of the main loop, milliseconds.
+    /// Longest pause of the main loop in milliseconds.
     double pause = 0;
 };
 
-/// Median of the runs, with the least and the most.
+/// Median, minimum and maximum of the runs.
 struct Times {
     double median;
     double least;
@@ -118,7 +118,8 @@ inline std::string GoalText(const Goal& goal)
     return text;
 }
 
-/// What is measured: the table of comparisons or that of growth, and of it what has part in its name.
+/// What to measure: the table of comparisons or the table of growth, and only rows whose names contain
+/// part.
 struct Wanted {
     bool growth = false;
     std::string part;
@@ -149,7 +150,7 @@ inline void Compare(const char* name, const Goal& goal, const Side& ours, const 
     std::vector<double> other_times;
     double pause = 0;
     for (int run = 0; run < kRuns; ++run) {
-        // In changing order, so that neither always finds what the other left.
+        // In alternating order, so that it is not always the same side that runs after the other.
         for (const bool is_ours : {run % 2 == 0, run % 2 != 0}) {
             const Side& side = is_ours ? ours : other;
             side.prepare(run);
@@ -170,11 +171,11 @@ inline void Compare(const char* name, const Goal& goal, const Side& ours, const 
 }
 
 const std::vector<int> kUpToAMillion = {1'000, 10'000, 100'000, 1'000'000};
-/// From here on once is enough: it takes long, and noise counts for less.
+/// From this count on one run is enough: it takes long, and noise matters less.
 constexpr int kMeasuredOnce = 1'000'000;
 
-/// Prints one row: what a step takes with growing counts, and by how much it grew where that shows
-/// best, from 10,000 on. `runs_of` says how often a count is measured.
+/// Prints one row: the time that step takes for each count, and the growth factors from 10,000 on, where
+/// fixed costs matter less. runs_of gives the number of runs for a count.
 inline void PrintGrowth(
     const char* name, const std::vector<int>& counts, const std::function<Side(int)>& step,
     const std::function<int(int)>& runs_of = [](int) { return kRuns; })
@@ -203,8 +204,8 @@ inline void PrintGrowth(
     std::fflush(stdout);
 }
 
-/// A directory below FENNICK_BENCH_DIR, removed with everything in it at the end; also the home of
-/// the program while it is measured.
+/// A directory in FENNICK_BENCH_DIR, which is removed with its contents in the end. It also serves as
+/// HOME.
 class BenchDirectory {
 public:
     BenchDirectory()
@@ -221,14 +222,14 @@ public:
     BenchDirectory& operator=(const BenchDirectory&) = delete;
     ~BenchDirectory() { std::filesystem::remove_all(path_); }
 
-    /// Without a "/" at its end.
+    /// Without a final "/".
     const std::string& Path() const { return path_; }
 
 private:
     std::string path_;
 };
 
-/// The window, rooted at a directory.
+/// Opens Fennick's window on a tree rooted at directory.
 inline void StartFennick(const std::string& directory)
 {
     std::string root = directory + "/";

@@ -17,7 +17,8 @@
 
 namespace {
 
-/// Which way a key moves. If the view scrolls, the row goes to the top or bottom accordingly.
+/// Which way a key moves the selection. If the view has to scroll, the new row ends up at the top after
+/// a move up, at the bottom after a move down.
 enum Direction { DIRECTION_UP, DIRECTION_DOWN };
 
 /// Maps keys of the numeric keypad, and Shift+Tab, to the plain keys.
@@ -137,8 +138,8 @@ void SelectOnly(int row)
     SelectListRows(static_cast<std::size_t>(row), static_cast<std::size_t>(row));
 }
 
-/// Selects the first entry, so that keys act on the list. Asks the toolkit to scroll to the top: this
-/// replaces the pending scroll to the old position of a list that has just been filled.
+/// Selects the first entry, so that keys act on the list. A list that has just been filled may still
+/// wait to scroll to its old position; scrolling to the top replaces that request.
 void SelectFirstEntry()
 {
     SelectListRows(1, 1);
@@ -272,7 +273,7 @@ OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direct
     return target;
 }
 
-/// The node to which the key moves, if it moves.
+/// The node that the key moves to; none if it does not move.
 OptionalNode KeyTarget(const TreeWalk& walk, const GtkTreeIter& current, guint key)
 {
     switch (key) {
@@ -314,7 +315,7 @@ void TreeKeyPress(GtkTreeView* tree, guint key)
     }
 }
 
-/// Tab switches the pane on which keys act.
+/// Tab moves from one pane to the other.
 void SwitchPane()
 {
     if (IsLocationFocused()) {
@@ -327,8 +328,8 @@ void SwitchPane()
     }
 }
 
-/// A drag then has the pointer and keyboard grabs. A menu opened by a key would get neither, and the
-/// toolkit would keep a grab on a window that no longer exists.
+/// While a button is held, a drag may own the pointer and keyboard grabs. A menu opened by a key would
+/// get neither, and the toolkit would keep a grab on a window that no longer exists.
 bool IsButtonHeld(guint state)
 {
     return (state & (GDK_BUTTON1_MASK | GDK_BUTTON2_MASK | GDK_BUTTON3_MASK)) != 0;
@@ -350,7 +351,7 @@ gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gp
         return TRUE;
     }
     if (IsLocationFocused()) {
-        // The entry comes before the accelerators: keys that edit text must not act on files.
+        // The entry gets the key before the accelerators do: keys that edit text must not act on files.
         return gtk_window_propagate_key_event(GTK_WINDOW(window), event);
     }
     if (!IsNavigationKey(key)) {

@@ -29,10 +29,10 @@ namespace {
 
 constexpr int kStatusSpacing = 2;
 constexpr int kFilterStatusWidth = 202;
-/// Pixels of the window's corner that stay on the screen, and of the list beside the divider,
-/// whatever the settings file says.
+/// Whatever the settings file says, at least this many pixels of the window stay on the screen, and of
+/// the list beside the divider.
 constexpr int kMinVisible = 64;
-/// Minimum height of the panes; the toolkit cannot draw scroll bars in less.
+/// Minimum height of the panes in pixels; the toolkit cannot draw scroll bars in less.
 constexpr int kPaneHeight = 80;
 
 constexpr const char* kPanedStyle = "paned > separator { min-width: 10px; }";
@@ -222,7 +222,8 @@ void ShowMainWindow()
 {
     gtk_widget_show(pMainW->MainWindow);
     ReleaseEntryFocus(pMainW->MainWindow);
-    // OpenChildTree must not take the directory for the one already shown.
+    // CurrentDir is set already, but nothing is shown yet. Cleared, so that OpenChildTree enters the
+    // directory.
     const std::string start = std::exchange(pGTable->CurrentDir, {});
     OpenChildTree(MainTree(), start, EXPAND_LAST_NO);
 }

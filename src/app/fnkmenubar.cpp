@@ -28,7 +28,7 @@ using MenuHandler = void (*)(GtkWidget*, gpointer);
 
 enum MenuKind { MENU_ITEM, MENU_SEPARATOR, MENU_WITH_SUBMENU };
 
-/// The mnemonic of a label is in brackets, so that it also works in scripts without that letter.
+/// The label ends in its mnemonic in brackets, so that languages without Latin letters have one too.
 struct MenuTableEntry {
     MenuKind kind;
     const char* label = "";
@@ -43,6 +43,7 @@ void on_Menu_CloseWindow_activate(GtkWidget*, gpointer)
     gtk_main_quit();
 }
 
+/// Indexed by MenuEntry. From kSubmenuBegin on, the entries of the submenu New.
 constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Create new window(_W)"), on_Menu_CreateNewWindow_activate},
     {MENU_WITH_SUBMENU, N_("New(_N)")},
@@ -76,7 +77,7 @@ constexpr std::size_t kSubmenuBegin = MENU_STORED_COUNT;
 
 struct MenuTitle {
     const char* label;
-    std::size_t entries;  ///< Number of entries, which follow each other in the table.
+    std::size_t entries;  ///< Number of entries, consecutive in kEntries.
     MenuHandler handler;
 };
 
@@ -115,8 +116,8 @@ void on_Menu_deselect(GtkWidget*, gpointer)
     RestoreStatusText();
 }
 
-/// Updates the menu before its accelerator is tried. Otherwise the sensitivity of the entry would
-/// still depend on what was selected when the menu was last opened.
+/// Updates the menu before an accelerator of one of its entries is tried. Otherwise the entry would
+/// still be as sensitive as when the menu was last opened.
 gboolean on_Menu_can_activate_accel(GtkWidget* item, guint, gpointer title)
 {
     if (pGTable != nullptr) {

@@ -10,8 +10,8 @@ std::string ArgumentAt(int argc, char** argv, int index)
     return index < argc ? argv[index] : "";
 }
 
-/// Makes the relative path of a directory absolute. Anything else stays as typed, even a link to a
-/// directory, which does not count as one.
+/// Makes the relative path of a directory absolute. Anything else stays as typed, also a link to a
+/// directory: IsDirectory does not follow it.
 std::string DirectoryArgument(int argc, char** argv, int index)
 {
     const std::string argument = ArgumentAt(argc, argv, index);

@@ -1,5 +1,5 @@
 #pragma once
-// The command line, and the initial state that it sets.
+// The command line, and the start values that follow from it.
 
 #include <string>
 
@@ -9,12 +9,12 @@ struct CommandLine {
     std::string start;  ///< Directory to open first; not checked, may be empty.
 };
 
-/// Only the first argument can be an option, and abbreviations do not count. A root that is too long
-/// to take a "/" is ignored.
+/// Only the first argument can be an option, spelled in full. The root is the home directory unless the
+/// arguments name another; one that is not a directory, or too long for a final "/", is ignored.
 CommandLine ParseCommandLine(int argc, char** argv);
 
 /// Sets RootDir, and StartDir if the start is a directory inside RootDir.
 void SetStartDirectories(const CommandLine& command_line);
 
-/// Adds RootDir to LocationDirHistory and gives each of the other histories an entry if it is empty.
+/// Adds RootDir to LocationDirHistory, and a first entry to each of the other histories that is empty.
 void SeedHistories();

@@ -1,5 +1,5 @@
 #pragma once
-// The toolbar. Back and Forward walk through LocationDirHistory; HistoryIndex is the current entry.
+// The toolbar. Back and Forward walk through LocationDirHistory, where HistoryIndex is the shown entry.
 
 #include <gtk/gtk.h>
 

@@ -23,8 +23,8 @@
 
 namespace {
 
-/// Opens standard descriptors that the parent process has closed. Otherwise the next file or
-/// connection would get that number, and warnings would be written to it.
+/// Opens the standard file descriptors that the parent process has closed. Otherwise the next file or
+/// connection would get one of their numbers, and warnings would be written to it.
 void OpenStandardDescriptors()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -45,8 +45,8 @@ void SignalHandler(int)
     errno = saved;
 }
 
-/// Runs in the innermost main loop. Exits at once: the dialog of that loop must not go on without the
-/// records.
+/// Runs in the innermost main loop. Exits at once, because the dialog that runs that loop must not go on
+/// without the records.
 gboolean on_Signal(int, GIOCondition, gpointer)
 {
     TerminateGlobalTable();
@@ -67,8 +67,8 @@ void InstallSignalHandler()
     }
 }
 
-/// Sets the icon of all windows, in the sizes of title bars, window lists and panels. The icons are
-/// resources, so that they also work before the program is installed.
+/// Sets the icon of all windows, in the sizes of title bars, window lists and panels. Icons that are
+/// resources also work before the program is installed.
 void SetWindowIcons()
 {
     GList* icons = nullptr;
@@ -82,7 +82,7 @@ void SetWindowIcons()
     g_list_free_full(icons, g_object_unref);
 }
 
-/// Falls back to C.UTF-8 if the locale is not installed, since names are shown as UTF-8.
+/// Falls back to C.UTF-8 if the user's locale is not installed, since names are shown as UTF-8.
 void InitLocale()
 {
     if (std::setlocale(LC_ALL, "") == nullptr) {
@@ -123,7 +123,7 @@ int main(int argc, char** argv)
         return 0;
     }
     RaiseOpenFileLimit();
-    signal(SIGXFSZ, SIG_IGN);  // Report a file that grows too large instead of exiting.
+    signal(SIGXFSZ, SIG_IGN);  // Writing a file that is too large then fails instead of ending the program.
     InitLocale();
     if (!InitToolkit(&argc, &argv)) {
         return 1;

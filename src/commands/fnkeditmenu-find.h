@@ -12,8 +12,8 @@ struct FindDlgInfo {
 };
 
 void CreateFindFilesDlg();
-/// Searches, then closes the dialog. It stays open if an input is invalid or the user wants another
-/// search.
+/// Searches, then closes the dialog; but if an input is invalid or the user wants another search, the
+/// dialog stays open.
 void on_Find_OKButton_clicked(GtkWidget* button, gpointer info);
 
 void on_Menu_FindFile_activate(GtkWidget* item, gpointer data);

@@ -3,7 +3,7 @@
 
 #include <gtk/gtk.h>
 
-/// Asks for an existing file and the name of the link, and creates the link.
+/// Asks for an existing file and a name for the link, then creates the link and shows it.
 void CreateSymbolicLinkDlg();
 void on_Link_OKButton_clicked(GtkWidget* button, gpointer info);
 

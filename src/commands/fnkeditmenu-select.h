@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// Selects the rows whose names match the pattern, and unselects all others.
+/// Selects the rows whose names match pattern, and unselects all others.
 void SelectMatchingRows(const std::string& pattern);
 /// Asks for a pattern and selects the rows that match.
 void CreateSelectFilesDlg();

@@ -19,7 +19,7 @@ namespace {
 constexpr int kSpacing = 5;
 constexpr int kEntrySpacing = 10;
 constexpr int kEntryWidth = 310;
-/// A longer prompt contains a long name; its middle is cut out.
+/// A prompt with a long name in it is shortened to this width; its middle is cut out.
 constexpr int kPromptCharacters = 60;
 
 struct OperationText {

@@ -16,7 +16,7 @@ enum OperationMode {
     MODE_MOVE = OPERATION_MOVE,
 };
 
-/// Asks until the path exists or could be created, or the user cancels. Returns RESULT_OK and the
-/// path, absolute and canonical, or RESULT_CANCEL. description says what is copied or moved.
+/// Asks until the user cancels or types a path that exists or could be created. Returns RESULT_OK and
+/// the path, absolute and canonical, or RESULT_CANCEL. description names what is copied or moved.
 Result CreateFileOperationDlg(OperationMode mode, const std::string& description, std::string* path);
 void on_FileOperation_OKButton_clicked(GtkWidget* button, gpointer state);

@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Opens the popup at the pointer. The popup takes the pointer device from an event, so make one up:
-/// a drop from another program comes without.
+/// A menu learns from an event which pointer it belongs to. A drop from another program comes without
+/// an event, so make one up.
 PopupChoice AskAtPointer()
 {
     GdkEvent* const event = gdk_event_new(GDK_BUTTON_RELEASE);
@@ -30,7 +30,7 @@ int UIFileDragDrop(const std::vector<std::string>& items, const std::string& des
     if (items.empty() || destination.empty()) {
         return 1;
     }
-    // Copied, because destination may refer to a field of pGTable that the command changes.
+    // A copy, because destination may refer to a field of pGTable that the command changes.
     const std::string place = destination;
     const std::string& first = items.front();
     if (GetParentDirectory(first) == place || first == place || !IsDirectory(place)) {

@@ -17,11 +17,11 @@
 
 namespace {
 
-// The umask applies.
+// Before the umask is applied.
 constexpr mode_t kDirectoryMode = 0775;
 constexpr mode_t kFileMode = 0666;
 
-/// Notes the change, or shows a message with errno.
+/// Notes the change. On failure, shows a message with the reason from errno instead.
 bool ReportCreation(bool created, const char* failure, const std::string& path)
 {
     if (created) {
@@ -32,14 +32,15 @@ bool ReportCreation(bool created, const char* failure, const std::string& path)
     return created;
 }
 
-/// Writes the noted changes to disk; EndProgress does so.
+/// Flushes the noted changes to the disk: EndProgress waits for them.
 void SyncQuietly()
 {
     SetupQuietRun();
     EndProgress();
 }
 
-/// Asks for a path to create. False if the user cancels or, after a message, if it cannot be created.
+/// Asks for the path of a new object. False if the user cancels or, after a message, if nothing can be
+/// created there.
 bool AskForNewPath(OperationMode mode, std::string* path)
 {
     if (CreateFileOperationDlg(mode, "", path) != RESULT_OK) {

@@ -8,9 +8,9 @@
 void on_Menu_NewDirectory_activate(GtkWidget* item, gpointer data);
 void on_Menu_NewFile_activate(GtkWidget* item, gpointer data);
 
-/// Creates a directory and notes the change for the next sync. Shows a message if that fails.
+/// Creates a directory and notes the change for the next sync. False, after a message, on failure.
 bool CreateNewDirectory(const std::string& path);
-/// The same for an empty file. Never touches an existing one, even if it has only just appeared.
+/// The same for an empty file. Never touches an existing file, even one that has only just appeared.
 bool CreateNewFile(const std::string& path);
 
 /// Syncs the noted changes, opens the parent directory and scrolls to the new file.

@@ -33,9 +33,9 @@ Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, c
 
 namespace {
 
-/// Makes sure that several sources have a directory to go into; without one, each would replace the
-/// one before. Creates a missing directory and sets *made. False, after a message, if that fails or
-/// a file is in the way.
+/// Several sources need a directory to go into: at a plain path, each would replace the one before.
+/// Creates a missing directory and sets *made. False, after a message, if that fails or a file is in
+/// the way.
 bool PrepareDestination(const std::vector<std::string>& sources, const std::string& destination, bool* made)
 {
     struct stat st = {};
@@ -74,7 +74,7 @@ void FileOperation(OperationKind kind)
     const Result result =
         RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });
     if (made && result == RESULT_CANCEL) {
-        rmdir(destination.c_str());  // Fails if anything has been put into it, which is fine.
+        rmdir(destination.c_str());  // Fails, as it should, if something has been put into it.
     }
     const std::string parent = ParentInTree(destination);
     if (kind == OPERATION_MOVE) {
@@ -120,7 +120,8 @@ PopupChoice CreateFileOperationPopup(const GdkEvent* event)
     gtk_widget_add_events(gtk_widget_get_toplevel(menu), GDK_VISIBILITY_NOTIFY_MASK);
     g_signal_connect(gtk_widget_get_toplevel(menu), "visibility-notify-event", G_CALLBACK(on_Window_visibility_notify),
                      nullptr);
-    // An item's "activate" comes after "deactivate", but before gtk_main returns.
+    // A choice emits "deactivate" first. It is safe to quit there: the item's "activate" still comes
+    // before gtk_main returns.
     g_signal_connect(menu, "deactivate", G_CALLBACK(on_CancelButton_clicked), nullptr);
     gtk_menu_popup_at_pointer(GTK_MENU(menu), event);
     if (gtk_widget_get_mapped(menu)) {

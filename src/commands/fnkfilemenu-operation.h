@@ -1,5 +1,5 @@
 #pragma once
-// Copy and Move, and the frame of all commands on several files.
+// Copy and Move, and the loop that Copy, Move, Delete and drops share.
 
 #include <gtk/gtk.h>
 
@@ -19,6 +19,6 @@ Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, c
 void FileOperation(OperationKind kind);
 
 enum PopupChoice { POPUP_NOTHING = 0, POPUP_COPY = 1, POPUP_MOVE = 2 };
-/// Asks in a menu at the pointer whether to copy or move. event is the one that caused it. The menu
-/// may not open without a real event; that counts as POPUP_NOTHING.
+/// Asks in a menu at the pointer whether to copy or move. event is what caused the question; without an
+/// event the menu may fail to open. The result is POPUP_NOTHING if it does, or if the user picks neither.
 PopupChoice CreateFileOperationPopup(const GdkEvent* event);

@@ -85,7 +85,7 @@ void CreateStatisticsPage(GtkWidget* notebook, PropertyDlgData* data)
     CreateTabLabel(notebook, 0, _("Statistics"));
 }
 
-/// Shows the state by a tick, as some themes hardly shade a pressed button.
+/// Shows the state by a tick as well, because some themes hardly shade a pressed button.
 void AddTick(GtkWidget* toggle)
 {
     GtkWidget* const tick = gtk_image_new_from_icon_name("object-select-symbolic", GTK_ICON_SIZE_BUTTON);

@@ -26,7 +26,7 @@ struct PropertyDlgData {
     std::array<std::array<GtkWidget*, kPermissionColumns>, kPermissionRows> PermToggle = {};
     GtkWidget* OwnerEntry = nullptr;
     GtkWidget* GroupCombo = nullptr;
-    bool IsApplied = false;  ///< Something was changed, even if the user then cancels.
+    bool IsApplied = false;  ///< The list must be read again, even if the user cancels in the end.
     struct stat Stat = {};   ///< As read from disk, except for the mode, which the toggles edit.
 };
 

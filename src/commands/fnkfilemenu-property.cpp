@@ -186,7 +186,7 @@ void CheckPermission(const PropertyDlgData* data)
     gtk_widget_set_sensitive(data->OwnerEntry, is_super_user);
     gtk_widget_set_sensitive(data->GroupCombo, may_change);
     gtk_widget_set_sensitive(data->NameEntry, may_change && data->Path != pGTable->RootDir);
-    // The mode of a link has no meaning, and chmod would change its target.
+    // The mode of a link has no meaning, and chmod would change that of its target.
     const bool has_mode = !S_ISLNK(data->Stat.st_mode);
     for (const auto& row : data->PermToggle) {
         for (GtkWidget* const toggle : row) {
@@ -244,7 +244,7 @@ bool ApplyOwner(PropertyDlgData* data, const struct stat& now)
     return true;
 }
 
-/// Checks a new name and makes it a path. Uses lstat first, because CheckFileExist would follow a
+/// Checks a new name and makes a path of it. Calls lstat first, because CheckFileExist would follow a
 /// link of that name.
 PathStatus CheckNewName(const std::string& parent, const std::string& name, std::string* target)
 {
@@ -271,8 +271,8 @@ void ShowRenamedDirectory(const std::string& old_path, const std::string& new_pa
     if (new_parent != old_parent) {
         RescanTree(MainTree(), new_parent);
     }
-    // CurrentDir may be inside the renamed directory: a drag over the tree can leave an ancestor of it
-    // selected there.
+    // CurrentDir may be inside the renamed directory: a drag over the tree can leave an ancestor of
+    // CurrentDir selected.
     if (pGTable->CurrentDir.starts_with(old_path) && IsDirectory(new_path)) {
         const std::string below = pGTable->CurrentDir.substr(old_path.size());
         OpenChildTree(MainTree(), WithSlash(new_path) + below, EXPAND_LAST_NO);
@@ -305,7 +305,7 @@ bool ApplyProperty(PropertyDlgData* data)
 {
     struct stat now = {};
     if (lstat(data->Path.c_str(), &now) != 0) {
-        FileExistMessageBox(PATH_NEW, nullptr);  // It no longer exists.
+        FileExistMessageBox(PATH_NEW, nullptr);  // Says that the file does not exist.
         return true;
     }
     ApplyMode(data, now);

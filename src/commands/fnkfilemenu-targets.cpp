@@ -11,7 +11,7 @@
 
 SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::string* description)
 {
-    // Not translated.
+    // Indexed by SelectionKind; shown in English in every language.
     constexpr const char* kKindWords[] = {"file", "directory", "file/directory"};
     bool files = false;
     bool directories = false;

@@ -11,8 +11,8 @@ enum SelectionKind {
     SELECTION_NONE,
 };
 
-/// Appends the paths of the targets in row order; those of directories end in "/". Describes them in
-/// one line of UTF-8, such as "notes.txt file" or "3 file/directory". description may be null.
+/// Appends the paths of the targets in row order; those of directories end in "/". Unless description
+/// is null, stores a line of UTF-8 in it, such as "notes.txt file" or "3 file/directory".
 SelectionKind GetFileOperationString(std::vector<std::string>& paths, std::string* description);
 
 /// False, after a message, if one of the paths is too long to work with.

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// Only a single row can be opened, or a node of the tree that can be expanded.
+/// Open takes a single row or, without a selection in the list, a tree node that can be expanded.
 bool HasOpenableTarget()
 {
     GtkTreeIter node;
@@ -27,8 +27,8 @@ bool HasOpenableTarget()
     return walk.HasChildren(node) && !walk.IsExpanded(node);
 }
 
-/// RootDir itself must not be copied, moved or deleted. Both paths are checked, as they differ after
-/// a drag over the tree.
+/// RootDir itself must not be copied, moved or deleted. Checks both the selected directory and
+/// CurrentDir, because they differ after a drag over the tree.
 bool HasChangeableTarget()
 {
     if (CountListSelection() > 0) {

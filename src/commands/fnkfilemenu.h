@@ -3,7 +3,8 @@
 
 #include <gtk/gtk.h>
 
-/// Updates which entries are sensitive, as the menu opens.
+/// Updates which entries are sensitive. Called when the menu opens, and before an accelerator of one of
+/// its entries is tried.
 void on_Menu_File_activate(GtkWidget* item, gpointer data);
 /// Starts another instance of the program.
 void on_Menu_CreateNewWindow_activate(GtkWidget* item, gpointer data);

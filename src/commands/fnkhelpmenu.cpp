@@ -15,8 +15,8 @@ namespace {
 
 constexpr int kSpacing = 5;
 constexpr const char* kInstalledManual = FENNICK_HELP_DIR "/fennick.htm";
-/// Relative to the parent of the program's directory: in an installation, which may have been moved,
-/// and in the source tree.
+/// Relative to the parent of the program's directory. The first is the place in an installation, even
+/// one that was moved; the second, in the source tree of a build.
 constexpr const char* kManualsBeside[] = {"share/fennick/Help/fennick.htm", "help/fennick.htm"};
 
 void AddNotice(GtkWidget* vbox)

@@ -37,7 +37,8 @@ std::vector<std::string> ColumnTitles()
     return titles;
 }
 
-/// Index of the sort column in ColumnTitles. The icon column has no title; it sorts by name.
+/// Index of the sort column in ColumnTitles. The icon column has no title; it also sorts by name, so it
+/// counts as the name column.
 int SortedTitleIndex()
 {
     const int column = EffectiveSortColumn();

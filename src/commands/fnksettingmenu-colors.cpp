@@ -17,8 +17,8 @@ constexpr int kSampleWidth = 73;
 constexpr int kSampleHeight = 15;
 constexpr int kChooserBorder = 7;
 
-/// Removes the theme's padding, so that the colour fills the button. The colour then covers the
-/// theme's focus line, so the border shows the focus.
+/// Without the theme's padding the colour fills the button. It then covers the theme's focus line, so
+/// the border shows the focus instead.
 constexpr const char* kButtonStyle =
     "button { padding: 2px; min-width: 0; min-height: 0; }"
     "button:focus { border-color: @theme_selected_bg_color;"
@@ -81,8 +81,7 @@ void CreateColorButton(GtkWidget* table, std::size_t index, int row, const char*
     info->ColorButton[index] = button;
 }
 
-/// Stores the chosen colour. An unchanged one is kept as it is, because the chooser would return it
-/// slightly rounded.
+/// Stores the chosen colour. An unchanged colour is not stored, because converting it back may round it.
 void on_ColorOKButton_clicked(GtkWidget* dialog, Color* color)
 {
     constexpr double kFull = 65535.0;
@@ -105,7 +104,7 @@ void on_ColorSelection_response(GtkWidget* dialog, int response, gpointer color)
     gtk_main_quit();
 }
 
-/// Gives one of the toolkit's own buttons the label it has in our dialogs.
+/// Gives one of the toolkit's own buttons the label that it has in our dialogs.
 GtkWidget* RelabelButton(GtkWidget* dialog, int response, const char* label)
 {
     GtkWidget* const button = gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), response);

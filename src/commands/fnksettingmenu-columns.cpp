@@ -42,9 +42,8 @@ void AppendColumn(GtkWidget* list, int id)
                                       GetListColumnString(id).c_str(), -1);
 }
 
-/// Moves the selected rows to the end of the other list, in their order. The rows are collected
-/// first and the selection is cleared at the end, because removing a row makes the toolkit select
-/// another one.
+/// Moves the selected rows from source to the end of target, in their order. Removing a row makes the
+/// toolkit select another one, so the rows are collected first and the selection is cleared last.
 void MoveSelectedRows(GtkWidget* source, GtkWidget* target)
 {
     GtkTreeModel* const model = ModelOf(source);
@@ -74,7 +73,7 @@ void on_DetaildButton_clicked(GtkWidget* button, gpointer data)
     }
 }
 
-/// The name column cannot be removed, as files could not be told apart without it.
+/// Enables the Remove button. Not for the name column: without it, files could not be told apart.
 void GetListSensitive(GtkWidget* list, GtkWidget* button)
 {
     bool can_remove = gtk_tree_selection_count_selected_rows(SelectionOf(list)) > 0;
@@ -110,7 +109,7 @@ void on_ColumnList_row_activated(GtkTreeView* list, GtkTreePath* row, GtkTreeVie
     }
 }
 
-/// Alt+Up and Alt+Down move the row, like dragging it does.
+/// Alt+Up and Alt+Down move the row, as dragging does.
 gboolean on_DisplayedList_key_press_event(GtkWidget* list, GdkEventKey* event, gpointer)
 {
     const bool up = event->keyval == GDK_KEY_Up || event->keyval == GDK_KEY_KP_Up;

@@ -92,7 +92,7 @@ void SetOptionValue(OptionDlgInfo* info)
 
 namespace {
 
-/// Stores the switches. True if the list now shows other entries.
+/// Stores the switches. True if the list and the tree must now show other entries.
 bool StoreChecks(const OptionDlgInfo* info)
 {
     const int old_backup = pGTable->ShowBackup;

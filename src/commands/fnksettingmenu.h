@@ -11,5 +11,5 @@ void on_Menu_Option_activate(GtkWidget* item, gpointer data);
 void CreateOptionDlg();
 /// Fills the dialog from the settings.
 void SetOptionValue(OptionDlgInfo* info);
-/// Stores the settings and rebuilds the affected parts of the window.
+/// Stores the settings, rebuilds the parts of the window that they affect, and closes the dialog.
 void on_Option_OKButton_clicked(GtkWidget* button, gpointer info);
