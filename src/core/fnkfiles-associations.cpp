@@ -12,7 +12,7 @@ constexpr const char* kFileName = ".extension";
 constexpr std::size_t kMaxLineBytes = 2047;
 constexpr std::size_t kMaxKeyBytes = 255;
 
-/// Skips a line that is too long. Cut off, it could name a different program.
+/// Skips a line that is too long: the beginning of its value could name a different program.
 void AppendEntry(const std::string& line, std::vector<AppInfo>& list)
 {
     const char* const separator = line.size() <= kMaxLineBytes ? CharNext(line.c_str(), '=') : nullptr;

@@ -17,24 +17,24 @@ struct NamedTemporary {
     int directory = -1;
     std::string name;
 };
-/// The temporary files that exist now, the newest last. A stack, because a signal may quit the
-/// program while the engine has a temporary, and quitting writes the settings file.
+/// The temporary files that exist now, the newest last. There can be two: if a signal quits the
+/// program during a copy, writing the settings file needs a second one.
 std::vector<NamedTemporary> temporaries;
 
-/// Drops the newest entry once its file is renamed.
+/// Drops the newest entry, whose file is now renamed or deleted.
 void ForgetTemporary()
 {
     temporaries.pop_back();
 }
 
-/// Deletes the newest file.
+/// Deletes the newest file and drops its entry.
 void RemoveTemporary()
 {
     unlinkat(temporaries.back().directory, temporaries.back().name.c_str(), 0);
     ForgetTemporary();
 }
 
-/// An exit handler. A signal can end the process inside a main loop that the engine runs. The stack
+/// The exit handler. A signal can end the process inside a main loop that the engine runs. The stack
 /// is not unwound then, so no destructor removes the files.
 void RemoveTemporaries()
 {
@@ -49,8 +49,8 @@ void RegisterTemporary(int directory, const std::string& name)
     temporaries.push_back({directory, name});
 }
 
-/// Calls make(name) with new names until one is free. make returns false and sets errno on failure.
-/// 0 or an errno.
+/// Calls make with random names until it finds a free one, which it leaves in name. make returns
+/// false and sets errno on failure. 0 or an errno.
 template <typename Make>
 int MakeTemporary(int directory, std::string& name, Make make)
 {
@@ -98,7 +98,7 @@ NewFile::NewFile(int directory) : directory_(directory)
     if (CanLinkUnnamedFiles()) {
         file_ = Descriptor(openat(directory, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, kWriterOnly));
         error_ = file_ ? 0 : errno;
-        // The errors that mean that the kernel or the file system has no unnamed files.
+        // These errors mean that the kernel or the file system has no unnamed files.
         if (error_ != EOPNOTSUPP && error_ != EISDIR && error_ != EINVAL && error_ != ENOENT) {
             return;
         }

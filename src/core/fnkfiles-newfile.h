@@ -6,7 +6,7 @@
 #include "core/fnkraii.h"
 
 /// A new file in a directory. Until it is committed it has no name, or a temporary one if the file
-/// system has no unnamed files. Uncommitted files are removed with the object, or at exit.
+/// system has no unnamed files. Without a commit the destructor removes it, or else the exit handler.
 class NewFile {
 public:
     /// Creates the file with mode 0600. The directory must stay open.
@@ -15,7 +15,7 @@ public:
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();
 
-    /// False if creating the file failed; Error says why.
+    /// False if creating the file failed; Error is then the errno.
     explicit operator bool() const { return static_cast<bool>(file_); }
     int Error() const { return error_; }
     int Get() const { return file_.Get(); }

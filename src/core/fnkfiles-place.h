@@ -23,9 +23,9 @@ struct Place {
 class PathPlace {
 public:
     explicit PathPlace(const std::string& path);
-    /// For a path whose parent is directory. Fails if directory has become a link.
+    /// For a path whose parent is directory. Fails if directory is a link and does not end in "/".
     PathPlace(const std::string& path, const std::string& directory);
-    /// False if the parent cannot be opened; Error says why.
+    /// False if the parent cannot be opened; Error is then the errno.
     explicit operator bool() const { return static_cast<bool>(parent_); }
     int Error() const { return error_; }
     Place Get() const { return {parent_.Get(), name_, path_}; }

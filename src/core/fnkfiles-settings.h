@@ -10,17 +10,19 @@
 #include "core/fnkfiles.h"
 #include "core/fnktable.h"
 
+/// Written, but never read.
 struct ConstantSetting {
     const char* value;
 };
 struct TextSetting {
     std::string GTable::*field;
-    std::size_t size;  ///< Longer than the longest value, in bytes.
+    std::size_t size;  ///< In bytes; a value must be shorter.
     bool has_default;  ///< DefaultGTable resets it.
 };
 struct NumberSetting {
     int GTable::*field;
 };
+/// Stored as "yes" or "no".
 struct FlagSetting {
     int GTable::*field;
 };
@@ -43,7 +45,7 @@ struct Setting {
 /// longer ones that begin with it ("Filter" before "FilterName").
 extern const std::span<const Setting> kSettings;
 
-/// Sizes and positions of the widgets, in pixels, for the file.
+/// Sizes and positions of the widgets in pixels, to be stored.
 struct LiveLayout {
     bool HasWindow = false;
     int WindowX = 0;
@@ -54,7 +56,7 @@ struct LiveLayout {
     std::vector<int> ColumnSize;  ///< Of the detail columns; empty if there is no list.
 };
 
-/// Reads the layout of the widgets. Set by the main window, else null.
+/// Reads the layout of the widgets. Null until the main window sets it.
 extern LiveLayout (*ReadLiveLayout)();
 
 /// Resets all stored settings but the histories and CurrentDir. Does nothing without a record.
@@ -66,5 +68,5 @@ int GetGTable();
 
 /// Stores the layout in the record and writes the record to the file.
 FileResult SetGTable(const LiveLayout& layout);
-/// The same with the current layout of the widgets, if there are any.
+/// The same with the result of ReadLiveLayout, or with an empty layout if that is null.
 FileResult SetGTable();

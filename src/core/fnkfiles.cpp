@@ -57,7 +57,7 @@ bool WriteAll(int fd, std::string_view data)
     return true;
 }
 
-/// The end of a chain of symbolic links, which need not exist. Empty for a loop.
+/// Follows a chain of symbolic links to its end, which need not exist. Empty for a loop.
 std::string FollowLinks(std::string path)
 {
     for (int links = 0; links <= kMaxLinks; ++links) {
@@ -68,7 +68,7 @@ std::string FollowLinks(std::string path)
     return {};
 }
 
-/// Replacing a file needs no write permission for it, so ask for that separately.
+/// Renaming over a file needs no write permission for it, so check that separately.
 bool IsWritableFile(const std::string& path)
 {
     return static_cast<bool>(Descriptor(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW)));
@@ -155,8 +155,8 @@ const char* FindLineEnd(CharStepper& stepper, const char* position, const char* 
     return position;
 }
 
-/// The first line that begins with the section, else its first occurrence. Values may contain the
-/// section name, too, for example as a directory name.
+/// The first line that begins with section, else the first occurrence of section. A value may
+/// contain it as well, for example as the name of a directory.
 const char* FindSection(const char* text, const char* section)
 {
     const char* const first = std::strstr(text, section);
@@ -167,8 +167,8 @@ const char* FindSection(const char* text, const char* section)
     return found != nullptr ? found : first;
 }
 
-/// Calls use(line begin, line end) for each line of a section until it returns true. Returns whether
-/// it did.
+/// Calls use(line begin, line end) for each line of a section until use returns true. Returns whether
+/// it ever did.
 template <typename Use>
 bool WalkSection(const char* text, const char* section, Use use)
 {
@@ -197,8 +197,9 @@ const char* SkipSeparators(const char* position)
     return position + std::strspn(position, " =\t");
 }
 
-/// Records the values that a line has for history keys. A key matches any line that it is a prefix
-/// of, so a line "History12" is also the value of "History1" unless an earlier line matched that.
+/// Records the value that a line gives to each history key. As in GetValuePosition, a key matches
+/// every line that begins with it: "History12=x" also sets History1, to "2=x", unless an earlier line
+/// has set it.
 void CollectHistoryLine(std::string_view line, std::map<int, std::string>& values)
 {
     constexpr std::string_view kKey = "History";

@@ -7,13 +7,13 @@
 
 /// Translates now.
 #define _(text) gettext(text)
-/// Marks a text in a table for translation when it is looked up.
+/// Marks a text in a table; the code that looks it up translates it.
 #define N_(text) text
 
 constexpr int kMenuEntryCount = 27;
 constexpr int kToolSlotCount = 9;
 
-/// These functions translate on every call. Indices out of range give an empty text.
+// These functions translate on every call. Indices out of range give an empty text.
 
 /// Help text of a menu entry; empty for separators.
 std::string GetMenuTipsString(int index);
@@ -21,9 +21,9 @@ std::string GetMenuTipsString(int index);
 std::string GetToolTipsString(int slot);
 /// Title of a detail column by its ColumnId.
 std::string GetListColumnString(int id);
-/// The ColumnId with this translated title; 11 if there is none, 0 for null.
+/// The ColumnId with this translated title; kColumnKinds if there is none, 0 for null.
 int GetListStringColumn(const char* title);
 
-/// The directory of the message catalogues: the one beside program_directory, which is also found
-/// in a build or after a move, else the installed one.
+/// The directory of the message catalogues. Looks near program_directory first, which also works in
+/// a build tree and after the installed tree was moved; else returns the path fixed at build time.
 std::string FindCatalogues(const std::string& program_directory);

@@ -19,7 +19,7 @@ constexpr std::size_t kMaxFilterBytes = 511;
 constexpr int kColumnKinds = 11;
 /// One per file type, except that FIFOs share the colour of normal files.
 constexpr int kColorCount = 8;
-/// Pixels.
+/// Default width of the tree pane in pixels.
 constexpr int kDefaultDivider = 200;
 
 /// What a detail column shows. The settings file stores these numbers.
@@ -46,8 +46,8 @@ struct Color {
     std::uint16_t blue = 0;
 };
 
-/// A "key=value" line of the associations: an extension or the name of an application, and its
-/// program.
+/// A "key=value" line of the associations. The key is an extension or the name of an application,
+/// the value its program.
 struct AppInfo {
     std::string Key;
     std::string Value;
@@ -85,7 +85,7 @@ struct GTable {
     int ProgressTotal = 0;   ///< Steps in total.
     int ProgressCancel = 0;  ///< Flag: the user pressed Cancel.
 
-    // Stored in the settings file; the initialisers are its defaults.
+    // Stored in the settings file; the initialisers are the defaults.
     std::string CurrentDir;  ///< Directory shown in the file list.
     int WindowX = 50;        ///< Pixels. The position is that of the window manager's frame.
     int WindowY = 50;

@@ -86,7 +86,7 @@ bool MayRead(const struct stat& st)
     return (st.st_mode & (st.st_uid == getuid() ? S_IRUSR : S_IROTH)) != 0;
 }
 
-/// How to open something that is not a link.
+/// How to open an object that is not a link.
 Launch Classify(const std::string& path, const struct stat& st)
 {
     if (S_ISDIR(st.st_mode)) {
@@ -210,7 +210,7 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts)
     return pointers;
 }
 
-/// The limit at the start of this process; all 0 until RaiseOpenFileLimit changes it.
+/// The limit on open files when this process started; all 0 until RaiseOpenFileLimit records it.
 struct rlimit initial_file_limit = {};
 
 // The procedures from here to ForkAndExit run between fork and exec. Other threads may have held
@@ -242,8 +242,8 @@ void CloseDescriptors()
     }
 }
 
-/// Executes the first of the files that the kernel accepts. Unlike execvp, does not run a file
-/// without a "#!" line in the shell: it may contain anything.
+/// Executes the first file that the kernel accepts. Unlike execvp, does not hand a file without a
+/// "#!" line to the shell: the file may contain anything.
 [[noreturn]] void ExecFirst(char* const* files, char* const* arguments)
 {
     setsid();
@@ -294,7 +294,7 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
     return helper;
 }
 
-/// The program and its arguments; ExecProcess describes the case of the browser.
+/// The program and its arguments. ExecProcess explains the special case of the browser.
 std::vector<std::string> MakeCommand(const std::string& program, const std::string& argument, const Browser& browser)
 {
     if (argument.empty()) {
@@ -339,7 +339,7 @@ std::string GetProgramDirectory()
 
 void RaiseOpenFileLimit()
 {
-    // Ample: a path of kMaxPathBytes has about 1,000 directories, and a walk needs two descriptors for
+    // Ample: a path of kMaxPathBytes has at most 1,023 directories, and a walk needs two descriptors for
     // each.
     constexpr rlim_t kManyFiles = 65536;
     struct rlimit limit = {};

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-/// The program associated with the extension of path, whatever its case. The first association
-/// wins. Null if there is none. The result points into ExtensionList. The extension follows the
-/// last "." of the whole path, even if that is in a directory name.
+/// The program associated with the extension of path, ignoring case. The first association wins.
+/// Null if there is none. The result points into ExtensionList. The extension follows the last "."
+/// of the whole path, even if that is in a directory name.
 const std::string* GetCompatibleAP(const std::string& path);
 
 /// What opening an entry means.
@@ -23,7 +23,7 @@ enum LaunchKind {
 
 struct Launch {
     LaunchKind kind = LAUNCH_NOTHING;
-    std::string path;     ///< After following links: below RootDir and without "..".
+    std::string path;     ///< Links followed, canonical and inside RootDir, except for LAUNCH_OUTSIDE_ROOT.
     std::string program;  ///< For LAUNCH_PROGRAM; never empty then.
 };
 
@@ -42,22 +42,22 @@ pid_t CheckWebProcess(const std::string& processes = Browser().processes);
 /// size - 1 bytes. 0, or 1 if key is not found.
 int GetStatus(const char* key, const char* text, std::string& value, std::size_t size);
 
-/// Starts a program, a single file name looked up in PATH, with the argument unless it is empty.
-/// The program is not a child of this process, has its own session and inherits only the three
-/// standard descriptors. A failure to start it is not reported.
+/// Starts program, a file name that is looked up in PATH. It gets argument unless that is empty. It
+/// is not a child of this process, has its own session and inherits only the three standard
+/// descriptors. A failure to start it is not reported.
 ///
-/// If program is browser.start, a running browser is told to show the file. If that start program
-/// is not installed, the desktop's opener replaces it.
+/// If program is browser.start, argument is a file to show. The desktop's opener shows it if
+/// browser.start is not installed; else a running browser is told to show it.
 ///
 /// Returns the id of a helper process, which has ended.
 pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser = Browser());
 
-/// Starts another instance with the same command line: "fennick" from PATH, else the running file.
+/// Starts another instance with the same command line: "fennick" from PATH, else the file of this process.
 pid_t ExecFennick();
 
 /// The directory of this program's file, ending in "/"; empty if unknown.
 std::string GetProgramDirectory();
 
-/// Raises the limit on open files as far as useful and allowed: a walk keeps every directory on
-/// its way open. Started programs get the original limit.
+/// Raises the limit on open files as far as useful and allowed: a walk keeps all directories from
+/// its start to the current one open. Started programs get the original limit.
 void RaiseOpenFileLimit();

@@ -278,8 +278,8 @@ std::string TakeComponent(std::string& rest)
     return component;
 }
 
-/// Like realpath, but also returns the part resolved before a failed lookup. The last component of
-/// a path that is about to be created does not exist yet.
+/// Like realpath, but on failure also returns the part resolved so far. If a file is about to be
+/// created, the last component of its path does not exist yet.
 Resolution ResolvePath(const std::string& absolute)
 {
     Resolution result{"/", 0};

@@ -39,61 +39,61 @@ enum PathStatus {
     PATH_NULL,  ///< A null pointer.
 };
 
-/// Steps through text whose encoding is not known for sure.
+/// Steps through the characters of a text whose encoding is uncertain.
 ///
-/// If the rest of the text is well-formed UTF-8, a step is one UTF-8 sequence. Otherwise, in a
-/// UTF-8 locale, an invalid byte is a character of its own. In any other locale a byte of 0x80 or
-/// above forms one character with the byte after it, as in two-byte Japanese encodings.
+/// In a UTF-8 locale, a character is a UTF-8 sequence or a single invalid byte. In any other locale,
+/// a character is a UTF-8 sequence if the rest of the text is well-formed UTF-8. If it is not, a byte
+/// of 0x80 or above forms a character with the byte after it, as in two-byte Japanese encodings.
 class CharStepper {
 public:
     /// The text is [begin, end) and must outlive the stepper.
     CharStepper(const char* begin, const char* end);
-    /// The character after the one at position, at most end. Positions must not go backwards; then
-    /// a walk over the whole text takes linear time.
+    /// The character after the one at position, at most end. Positions must not decrease: this lets
+    /// a walk over the whole text take linear time.
     const char* Next(const char* position);
 
 private:
     bool IsWellFormedFrom(const char* position);
 
     const char* end_;
-    const char* ill_formed_;             ///< The rest is ill-formed at every position up to here.
-    const char* well_formed_ = nullptr;  ///< The rest is well-formed from here on; null if not known yet.
+    const char* ill_formed_;             ///< The rest is ill-formed from every position up to here.
+    const char* well_formed_ = nullptr;  ///< The rest is well-formed from here; null until known.
     bool utf8_locale_;
 };
 
-/// With a delimiter: its first occurrence as a character of its own, possibly text itself.
-/// With delimiter 0: the second character. Null if there is none, or no text.
+/// The first occurrence of delimiter as a character of its own, which may be at text itself. With
+/// delimiter 0, the second character. Null if there is none, or if text is null.
 const char* CharNext(const char* text, char delimiter);
 
-/// The parent of path, ending in "/". The parent of "/" is "/". Empty for an empty path.
+/// The parent of an absolute path, ending in "/". The parent of "/" is "/". Empty for an empty path.
 std::string GetParentDirectory(const std::string& path);
-/// The last component without a trailing "/". Empty for "/".
+/// The last component of an absolute path, without a trailing "/". Empty for "/".
 std::string GetLastPath(const std::string& path);
 /// path with "/" appended, unless it ends in one.
 std::string WithSlash(std::string path);
 
-/// The value of "HOME". Empty if unset, or too long for another "/" to fit.
+/// The value of "HOME". Empty if unset, or too long to append a "/".
 std::string GetHomeDirectory();
 /// 0 if path is RootDir, with or without its "/", or below it; else 1. Compares text only.
 int CheckChildDirectory(const std::string& path);
 /// Reads the target of a symbolic link. False, with errno, on failure or if the target is longer
 /// than kMaxPathBytes.
 bool ReadLink(const std::string& path, std::string& target);
-/// Replaces the path of a symbolic link by its target. A relative target counts from the directory
-/// of the link. False, with errno, if path is no link or cannot be read.
+/// Replaces the path of a symbolic link with that of its target. A relative target counts from the
+/// directory of the link. False, with errno, if path is not a link or cannot be read.
 bool FollowLink(std::string& path);
 /// Whether path is RootDir, with or without its "/".
 bool IsRootDirectory(const std::string& path);
 /// The canonical path of a directory, ending in "/"; empty if it cannot be reached.
 std::string GetRealDirectory(const std::string& path);
-/// Makes a canonical path inside real_root, the canonical form of RootDir, begin with RootDir. The
-/// two differ if the root was given by a path through a link. False if path is outside.
+/// Replaces real_root at the beginning of a canonical path with RootDir. real_root is the canonical
+/// form of RootDir; the two differ if the user gave the root by a path through a link. False if path
+/// is outside real_root.
 bool SpellFromRoot(std::string& path, const std::string& real_root);
 /// 1 if path is a directory, else 0. A symbolic link is followed only if path ends in "/".
 int IsDirectory(const std::string& path);
-/// Whether entry, read from the open directory, is a directory itself.
+/// Whether entry, read from the open directory, is a directory and not a link to one.
 bool IsDirectoryEntry(int directory, const struct dirent& entry);
-/// Whether name is one of the two entries that every directory has.
 bool IsDotOrDotDot(const char* name);
 
 /// A byte count in its display unit, rounded to a tenth.
@@ -109,8 +109,9 @@ std::string ConvertSize(std::uint64_t size);
 /// 1 if ShowHidden and ShowBackup let an entry of this name appear, else 0.
 int CheckFileName(std::string_view name);
 
-/// Judges a typed path. Relative text counts from CurrentDir. For PATH_OUTSIDE_ROOT and
-/// PATH_NO_PARENT to PATH_FILE, path becomes canonical, and begins with RootDir if it is inside.
+/// Judges a typed path. A relative one counts from CurrentDir. Makes path canonical, beginning with
+/// RootDir if it is inside, unless the verdict is PATH_EMPTY, PATH_TOO_LONG, PATH_INVALID or
+/// PATH_NULL.
 PathStatus CheckFileExist(std::string* path);
 
 /// Whether the whole name matches a shell wildcard pattern. Case matters, and a leading "." is not
@@ -119,7 +120,7 @@ bool MatchPattern(const std::string& pattern, const char* name);
 /// Whether a typed pattern is neither empty nor too long to be stored.
 bool IsUsablePattern(const std::string& text);
 
-/// Type of an entry of CurrentDir. path is absolute, st its lstat record.
+/// Type of an entry of CurrentDir, given its absolute path and its lstat record.
 FileType GetFileType(const std::string& path, const struct stat& st);
 
 /// The real user and group of the process; they decide whether a file counts as executable.
@@ -128,8 +129,8 @@ struct UserIds {
     gid_t gid;
 };
 UserIds GetUserIds();
-/// The same for the entry name of CurrentDir, which is open as directory. Faster for a listing:
-/// no paths, and the ids are looked up once.
+/// The same for the entry name of CurrentDir, which is open as directory. Faster for a listing,
+/// because it needs no paths and no look-up of the ids.
 FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user);
 
 /// Puts text at the front of a history of at most ten entries, moving an equal entry or dropping

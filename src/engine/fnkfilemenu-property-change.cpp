@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Opens an object, or the link itself, with O_PATH: this neither blocks on a pipe nor touches a
+/// Opens an object, or the link itself, with O_PATH, which neither blocks on a pipe nor touches a
 /// device.
 Descriptor OpenAsPath(const std::string& path)
 {
@@ -27,8 +27,8 @@ struct stat GetOpenFileStatus(const Descriptor& file)
     return st;
 }
 
-/// fchmod refuses an O_PATH descriptor, so this goes through its path under /proc. Fails also if the
-/// system drops some of the bits.
+/// Uses the path under /proc, because fchmod refuses an O_PATH descriptor. Also fails if the system
+/// drops some of the bits.
 bool SetPermissionBits(const Descriptor& file, mode_t bits)
 {
     return chmod(DescriptorPath(file.Get()).c_str(), bits) == 0 &&

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Copying up to this size is quicker than switching threads. Also the size of the buffer.
+/// Copying this much or less is quicker than switching threads. Also the size of the buffer.
 constexpr off_t kInlineBytes = 64 << 10;
 /// Limit of one copy_file_range call, so that stop is checked often enough.
 constexpr std::size_t kChunkBytes = 4 << 20;
@@ -21,8 +21,8 @@ class Copier {
 public:
     Copier(int source, int target, const std::atomic<bool>& stop) : source_(source), target_(target), stop_(stop) {}
 
-    /// Copies st.st_size bytes, even if the file grows meanwhile; with size 0, up to the end of the
-    /// file. Fewer blocks than the size needs are a sign of holes.
+    /// Copies st.st_size bytes, even if the file grows meanwhile. If that is 0, copies up to the end of
+    /// the file. A file with fewer blocks than its size needs may have holes.
     ContentResult CopyAll(const struct stat& st)
     {
         constexpr off_t kBlockBytes = 512;
@@ -89,15 +89,15 @@ private:
         return CONTENT_COPIED;
     }
 
-    /// The number of bytes copied; 0 at the end of the file or if copy_file_range fails for another
-    /// reason than lack of space; negative if there is no space.
+    /// The number of bytes copied. Negative, with errno, if the target has no room. 0 at the end of the
+    /// source and after any other failure.
     ssize_t CopyChunk(off_t position, off_t end)
     {
         off_t from = position;
         off_t to = position;
         const std::size_t wanted = std::min(kChunkBytes, static_cast<std::size_t>(end - position));
         const ssize_t count = copy_file_range(source_, &from, target_, &to, wanted, 0);
-        // Read and write then find out which of the two files is at fault.
+        // After another failure, ReadAndWrite finds out which of the two files is at fault.
         return count >= 0 || errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? count : 0;
     }
 

@@ -23,10 +23,10 @@
 
 namespace {
 
-/// Shared by all objects of an item.
+/// What all objects of one item share.
 struct Command {
     OperationKind kind;
-    struct stat target_root;  ///< Status of the directory that the item became; zero before it exists.
+    struct stat target_root;  ///< Status of the directory made for the item; zero until then.
 };
 
 /// One object that is copied or moved.
@@ -50,7 +50,7 @@ bool AreInSameDirectory(const Place& one, const Place& other, int* error)
 }
 
 /// The errno with which deleting an object other than a directory would fail, else 0. Renaming over
-/// it fails in the same cases, but its errno does not tell which of the two objects is the cause.
+/// the object fails in the same cases, but that errno does not tell which object is the cause.
 int DeletionError(const Place& place, const struct stat& st)
 {
     if (faccessat(place.directory, ".", W_OK | X_OK, AT_EACCESS) != 0) {
@@ -63,7 +63,8 @@ int DeletionError(const Place& place, const struct stat& st)
 }
 
 /// Makes way for an object at its target. Deletes an empty directory there, and creates it again
-/// unless Commit is called.
+/// unless Commit is called. Any other object stays until it is replaced. The constructor reports an
+/// object that cannot be removed.
 class ClearedTarget {
 public:
     explicit ClearedTarget(const Transfer& transfer) : target_(transfer.target)
@@ -86,7 +87,7 @@ public:
     ~ClearedTarget()
     {
         if (must_restore_ && mkdirat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits) == 0) {
-            // If even this fails there is nothing left to do.
+            // If this fails as well, nothing more can be done.
             std::ignore =
                 fchmodat(target_.directory, target_.name.c_str(), st_.st_mode & kPermissionBits, AT_SYMLINK_NOFOLLOW);
         }
@@ -97,7 +98,7 @@ public:
     /// Whether an object is still there and must be replaced atomically.
     bool MustReplace() const { return must_replace_; }
     const struct stat& Status() const { return st_; }
-    /// The new object is in place.
+    /// Call it once the new object is in place.
     void Commit() { must_restore_ = false; }
 
 private:
@@ -122,7 +123,7 @@ Result Finish(ClearedTarget& cleared)
     return ReportStep();
 }
 
-/// 0 or an errno.
+/// Makes a copy of the source link at the target. 0 or an errno.
 int MakeLink(const Transfer& transfer, bool replace)
 {
     char text[PATH_MAX];
@@ -143,14 +144,14 @@ Result CopyLink(const Transfer& transfer, ClearedTarget& cleared)
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// An opened regular file; without a file if there is no content to copy.
+/// The file to copy from; not open if there is no content to copy.
 struct Source {
     Descriptor file;
     struct stat st;
     int error = 0;
 };
 
-/// Opens only regular files: a pipe would block, and opening a device may have effects.
+/// Opens only regular files: a pipe would block, and opening a device may have side effects.
 Source OpenSource(const Transfer& transfer)
 {
     Source source{{}, transfer.st};
@@ -167,7 +168,7 @@ Source OpenSource(const Transfer& transfer)
     if (fstat(source.file.Get(), &source.st) != 0) {
         source.error = errno;
     } else if (!S_ISREG(source.st.st_mode)) {
-        source.file = Descriptor();  // Replaced by something else in the meantime.
+        source.file = Descriptor();  // The file was replaced meanwhile.
     }
     return source;
 }
@@ -180,7 +181,7 @@ int Publish(NewFile& file, const Source& source, const std::string& name, bool r
     if (!replace) {
         return file.CommitAs(name);
     }
-    // The old file must not go before the new one would survive a crash.
+    // The old file must stay until the new one would survive a crash.
     const int error = SyncFileData(file.Get());
     return error != 0 ? error : file.CommitOver(name);
 }
@@ -210,8 +211,8 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
     return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
-/// Whether the directory of both places lists both names, rather than one entry that matches both
-/// because case is ignored.
+/// Whether the directory of both places lists both names. If the file system ignores case, two names
+/// may be one entry.
 bool HaveSeparateEntries(const Place& one, const Place& other)
 {
     const std::string itself = ".";
@@ -298,8 +299,8 @@ Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& 
     return RESULT_DONE;
 }
 
-/// Copies or moves permission bits and contents of a directory to the open target directory. After a
-/// complete move it removes the source.
+/// Copies the permission bits of a directory to the open target directory, and copies or moves the
+/// contents there. Removes the source after a complete move.
 Result TransferContents(const Transfer& transfer, const Descriptor& directory)
 {
     SetDirectoryMode(directory, transfer.st.st_mode);
@@ -408,15 +409,15 @@ Result TransferDirectory(OperationKind kind, const PathPlace& source, const stru
     }
 }
 
-/// The path under which to look at destination. Without its "/" a link is not followed. RootDir keeps
-/// its "/": even if it is a link, the user sees it as a directory.
+/// destination without its "/", so that lstat does not follow a link. RootDir keeps its "/": even if
+/// it is a link, the user sees it as a directory.
 std::string DestinationPath(const std::string& destination)
 {
     return IsRootDirectory(destination) ? pGTable->RootDir : WithoutSlash(destination);
 }
 
-/// The target path of source: inside destination if into_directory, else destination itself. Without
-/// a "/" at the end.
+/// The path to which source goes, without a "/" at the end: inside destination if into_directory is
+/// set, else destination itself.
 std::string ProofDstPath(const std::string& destination, const std::string& source, bool into_directory)
 {
     return WithoutSlash(into_directory ? WithSlash(destination) + GetLastPath(source) : destination);
@@ -439,7 +440,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     struct stat destination_st = {};
     const bool exists = lstat(DestinationPath(destination).c_str(), &destination_st) == 0;
     if (!exists && errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG) {
-        return FileErrorMessage(kind, destination, errno);  // It may be a directory.
+        return FileErrorMessage(kind, destination, errno);  // It may still be a directory.
     }
     const bool is_directory = exists && S_ISDIR(destination_st.st_mode);
     if (!is_directory && destination.ends_with('/') && !S_ISDIR(st.st_mode)) {
@@ -462,6 +463,7 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
     const Command command{kind, {}};
     const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOT_NEEDED};
     if (!IsTransferredWhole(transfer)) {
+        // RootDir may be a link. Passing target lets CreateDirectoryEx follow it.
         const std::string& kept = IsRootDirectory(destination) ? target : destination;
         return TransferDirectory(kind, source_place, st, target, kept,
                                  overwriting == OVERWRITE_CONFIRMED ? LINK_REPLACE : LINK_ASK);

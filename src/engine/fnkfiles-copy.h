@@ -14,17 +14,17 @@
 
 #include "engine/fnkmessage.h"
 
-/// Checks whether source, whose mode is mode, may go to target. RESULT_DONE if so. RESULT_CANCEL if
-/// they are the same object, or if target is inside the directory source; the latter is reported.
-/// Different spellings of a path are recognised. If the check itself fails, the result is
-/// RESULT_CANCEL and error is an errno, not yet reported; otherwise error is 0.
+/// Checks whether source, whose mode is mode, may go to target: RESULT_DONE or RESULT_CANCEL. It may
+/// not if both paths are equal, if both are the same directory, or if target is inside the directory
+/// source. Only the last case is reported here. If the check itself fails, sets error to an errno and
+/// leaves the report to the caller. error must start at 0.
 Result CheckSrcSubDirectory(const std::string& target, const std::string& source, mode_t mode, int* error);
 
-/// Copies source to destination. Paths of directories end in "/"; a file is not copied to a
-/// destination that ends in "/" but is not a directory. Permission bits are copied; owner, group
-/// and times are not. Devices, pipes and sockets become empty files.
+/// Copies source to destination, or into it if it is a directory. Paths of directories end in "/"; a
+/// file is not copied to a destination that ends in "/" but is not a directory. Permission bits are
+/// copied; owner, group and times are not. Devices, pipes and sockets become empty files.
 Result CopyFile(const std::string& destination, const std::string& source, int* flag);
 
-/// Moves source to destination. A directory is merged into one of the same name, entry by entry.
-/// Fails across file systems.
+/// Moves source to destination, or into it if it is a directory. A directory is merged into one of
+/// the same name, entry by entry. Fails across file systems.
 Result MoveFile(const std::string& destination, const std::string& source, int* flag);

@@ -12,7 +12,8 @@
 
 namespace {
 
-/// Ends the deletion of an object, and reports error unless it is 0. RESULT_OK if the object stays.
+/// Ends the deletion of an object: reports error unless it is 0, and counts a step if asked to.
+/// RESULT_OK if the object stays.
 Result FinishDeletion(const std::string& path, int error, StepCount counted)
 {
     if (error != 0 && ReportDeleteFailure(path, error) == RESULT_CANCEL) {
@@ -23,8 +24,8 @@ Result FinishDeletion(const std::string& path, int error, StepCount counted)
     return progress != RESULT_DONE ? progress : error != 0 ? RESULT_OK : RESULT_DONE;
 }
 
-/// Ends the deletion after a failed look-up. Success if the object is already gone; with any other
-/// error it may still exist.
+/// Ends the deletion after a failed look-up. RESULT_DONE if the object is already gone; after any
+/// other error it may still exist.
 Result FinishUnlessGone(const std::string& path, int error, StepCount counted)
 {
     return error == ENOENT || error == ENOTDIR ? RESULT_DONE : FinishDeletion(path, error, counted);
@@ -37,7 +38,8 @@ Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
     return FinishDeletion(place.path, error, is_directory ? STEP_NOT_COUNTED : counted);
 }
 
-/// Asks whether to delete the contents of path, unless the user has agreed before. RESULT_DONE if so.
+/// Asks whether to delete the contents of path, unless the user has agreed before. RESULT_DONE to
+/// delete them, RESULT_OK to keep them, RESULT_CANCEL to stop.
 Result AskBeforeEmptying(const std::string& path, Result* answer)
 {
     if (*answer != RESULT_CANCEL) {

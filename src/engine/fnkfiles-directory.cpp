@@ -28,8 +28,8 @@ Result ReportMakeFailure(const std::string& path, int error)
     return RESULT_CANCEL;
 }
 
-/// Whether the object in the way may be deleted. Ask about a link: the user may have meant the
-/// directory to which it points.
+/// Whether the object in the way may be deleted. Asks about a link: the user may have meant the
+/// directory it points to.
 bool MayReplace(const Place& place, const struct stat& st, LinkRule rule)
 {
     return !S_ISLNK(st.st_mode) || rule == LINK_REPLACE || AskToOverwrite(place.path);
@@ -42,7 +42,7 @@ Result MakeDirectoryOfMode(const Place& place, mode_t mode, LinkRule rule, Descr
         if (!MayReplace(place, st, rule)) {
             return RESULT_OK;
         }
-        // If this fails, so does mkdirat, which is reported.
+        // If this fails, mkdirat below fails as well and stops the command.
         RemoveFileInternal(place, STEP_NOT_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
@@ -78,7 +78,7 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
         const Place place{parent.Get(), name, prefix};
         Descriptor next = OpenPlace(place, is_above_destination ? 0 : O_NOFOLLOW);
         if (!next && errno != ENOENT && errno != ENOTDIR && errno != ELOOP) {
-            // It may still be a directory, or a link to one; do not replace it.
+            // There may still be a directory, or a link to one; do not replace it.
             return ReportMakeFailure(prefix, errno);
         }
         if (!next) {

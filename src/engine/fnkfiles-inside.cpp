@@ -34,7 +34,7 @@ int OpenNearestDirectory(const std::string& target, Descriptor* directory)
     return *directory ? 0 : errno;
 }
 
-/// Climbs from directory to the root and sets is_below if it meets source. 0 or an errno.
+/// Climbs from directory to the root and sets is_below if source is on the way. 0 or an errno.
 int FindAmongAncestors(Descriptor directory, const struct stat& source, bool* is_below)
 {
     struct stat st = {};
@@ -56,7 +56,7 @@ int FindAmongAncestors(Descriptor directory, const struct stat& source, bool* is
     return errno;
 }
 
-/// Decodes a field of the mount table, where blanks and the like are octal escapes.
+/// Decodes a field of the mount table, which writes white space and "\" as octal escapes.
 std::string UnescapeOctal(const std::string& field)
 {
     std::string text;
@@ -72,7 +72,7 @@ std::string UnescapeOctal(const std::string& field)
 }
 
 struct Mount {
-    std::string root;   ///< The directory of the file system that is mounted.
+    std::string root;   ///< The mounted directory, as a path within its file system.
     std::string point;  ///< The mount point.
 };
 
@@ -92,15 +92,18 @@ bool FindMount(std::uint64_t wanted, Mount* mount)
     return false;
 }
 
-/// Where an open directory is in its file system.
+/// Where a directory is within its file system.
 struct InnerPlace {
     std::string path;                  ///< Ends in "/"; empty if unknown.
-    std::uint64_t unlisted_mount = 0;  ///< 0 if the path starts at the root of the file system.
+    std::uint64_t unlisted_mount = 0;  ///< Id of a mount that the mount table lacks, else 0.
 };
 
-/// Needed for bind mounts: climbing from one does not meet its parents in the file system itself.
-/// The mount table does not list the mount of a root directory that is not a mount point, as after
-/// chroot: only paths on that same mount can be compared.
+/// Needed for bind mounts: climbing from one leads to the parents of the mount point, not to those of
+/// the mounted directory.
+///
+/// If "/" is not a mount point, as after chroot, the mount table lacks its mount. The path then
+/// starts at "/" instead of at the root of the file system, so it can only be compared with other
+/// paths on that mount.
 InnerPlace FindInnerPlace(int directory)
 {
     struct statx status = {};

@@ -4,6 +4,6 @@
 #include <string>
 
 /// Sets is_inside to whether target, which need not exist, is or would be inside the directory
-/// source. Sees through links and mounts that make the paths look unrelated. 0, or an errno if it
-/// cannot tell.
+/// source. Sees through links and mounts that make the paths look unrelated. 0 or an errno if that
+/// cannot be determined.
 int CheckIsInside(const std::string& target, const std::string& source, bool* is_inside);

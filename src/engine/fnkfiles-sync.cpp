@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Changes within this time share a sync(). With the delay of waking up, it starts within 250 ms.
+/// Changes within this time share a sync(). Leaves 50 ms for waking up.
 constexpr std::chrono::milliseconds kGather{200};
 constexpr std::chrono::milliseconds kLookEvery{5};
 
@@ -66,7 +66,7 @@ private:
     std::condition_variable done_;
     unsigned long noted_ = 0;    ///< Number of changes so far.
     unsigned long written_ = 0;  ///< How many of these are on the disk.
-    bool hurry_ = false;         ///< Somebody waits; do not gather.
+    bool hurry_ = false;         ///< Flush is waiting: call sync() at once.
 };
 
 Syncer& TheSyncer()

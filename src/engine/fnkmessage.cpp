@@ -19,7 +19,7 @@ std::string FormatPathMessage(const char* format, const std::string& path, int e
         const char* const tail = g_utf8_offset_to_pointer(shown.c_str(), length - kKeptAtEachEnd);
         shown = std::string(shown.c_str(), head_end) + "\u2026" + tail;
     }
-    // Formats without a second %s ignore the reason.
+    // A format without a second %s ignores the error.
     const GlibPointer<char> text(g_strdup_printf(format, shown.c_str(), error != 0 ? g_strerror(error) : ""));
     return text.get();
 }

@@ -1,5 +1,6 @@
 #pragma once
-// Messages and questions of the file engine. The engine has no windows; its user sets OnEngine.
+// Messages and questions of the file engine. The engine has no windows; the layers above it set
+// OnEngine.
 
 #include <string>
 
@@ -23,7 +24,7 @@ enum MessageStyle : unsigned {
 
 enum OperationKind { OPERATION_COPY = 2, OPERATION_MOVE = 3, OPERATION_DELETE = 4 };
 
-/// Callbacks of the engine, set once at start. By default every question is answered "Cancel".
+/// Callbacks of the engine, set once at start. The defaults answer every question with "Cancel".
 struct EngineEvents {
     /// Shows a translated UTF-8 message and waits for the answer. style is a MessageStyle.
     Result (*MessageBox)(const char* title, const std::string& message,
@@ -31,14 +32,14 @@ struct EngineEvents {
     /// Asks whether to delete a directory that is not empty: RESULT_OK, RESULT_YES_ALL,
     /// RESULT_CANCEL ("No") or RESULT_ABORT.
     Result (*DeleteMessageBox)(const std::string& name) = [](const std::string&) { return RESULT_ABORT; };
-    /// Reports one step done. RESULT_CANCEL once after the user pressed Cancel, else 0.
+    /// Reports one step done. RESULT_CANCEL if the user has pressed Cancel, but only once; else 0.
     int (*UpdateProgress)() = [] { return 0; };
-    /// Lets the windows repaint. Called at least every 50 ms, so it must be cheap. True if the user
-    /// pressed Cancel.
+    /// Lets the windows repaint. Must be cheap, because it is called for every object and every few
+    /// milliseconds during slow work. True if the user has pressed Cancel.
     bool (*KeepPainting)() = [] { return false; };
 };
 extern EngineEvents OnEngine;
 
-/// Formats a message with a path (the first %s) and the text of error, an errno (the second %s; empty
-/// for 0). The middle of a long path is replaced by an ellipsis; the reason is never cut.
+/// Formats a message. The first %s is the path; an ellipsis replaces the middle of a long one. The
+/// second %s, if there is one, is the text of the errno error, uncut; empty for 0.
 std::string FormatPathMessage(const char* format, const std::string& path, int error = 0);

@@ -3,6 +3,6 @@
 
 #include <string>
 
-/// The number of steps of an item: objects at or below path that are not directories. Links are not
-/// followed; a directory that cannot be read counts 0. Stops early when the user presses Cancel.
+/// The number of steps of an item: the objects at or below path, not counting directories. Links are
+/// not followed. A directory that cannot be read counts as empty. Stops early if the user cancels.
 int CountOperationFile(const std::string& path);

@@ -20,7 +20,8 @@ bool IsShownDirectory(int directory, const struct dirent& entry, std::size_t max
     return IsDirectoryEntry(directory, entry) && std::strlen(name) <= max_name_bytes;
 }
 
-/// The longest name with which a path below one of path_length bytes still fits, with its "/".
+/// The longest name with which the path of a subdirectory still fits. path_length is the length of
+/// the parent's path; both paths end in "/".
 std::size_t MaxNameBytesBelow(std::size_t path_length)
 {
     return path_length < kMaxPathBytes ? kMaxPathBytes - path_length - 1 : 0;

@@ -6,17 +6,17 @@
 
 struct Subdirectory {
     std::string name;
-    /// Any subdirectory of this one, or empty. It tells the tree whether to draw an expander, without
-    /// reading the whole directory.
+    /// The name of any one subdirectory of this one, or empty. One is enough for the tree to draw an
+    /// expander, so the directory need not be read to its end.
     std::string any_child;
 };
 
 enum ScanResult {
-    SCAN_DONE,  ///< Also without permission to read the directory; there are no children then.
+    SCAN_DONE,  ///< Also if permission to read the directory is denied; nothing is found then.
     SCAN_FAILED = -65532,
 };
 
-/// Appends the subdirectories that the tree shows and sorts found by bytes. Skips links, paths
-/// longer than kMaxPathBytes and, depending on the settings, hidden and backup names. A
-/// subdirectory that cannot be read has no child.
+/// Appends the subdirectories that the tree shows, then sorts found by the bytes of the names. Skips
+/// links, paths longer than kMaxPathBytes and, depending on the settings, hidden and backup names.
+/// The any_child of a subdirectory that cannot be read is empty.
 ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirectory>& found);

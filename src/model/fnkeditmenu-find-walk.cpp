@@ -20,8 +20,9 @@ FoundEntry FoundTree::NewEntry(const std::string& name, bool is_directory)
     return entry;
 }
 
-/// Appends the sorted children to entries_ and makes them children of parent. Their own children
-/// are there already and get their final parent index. Those of the top keep kTop.
+/// Sorts the children, appends them to entries_ and makes them the children of parent. Only now are
+/// their indices known, so their own children, which are in entries_ already, get their parent here.
+/// The parent of the children of the top entry is kTop from the start.
 void FoundTree::AdoptChildren(FoundEntry& parent, std::vector<FoundEntry>& children)
 {
     std::sort(children.begin(), children.end(), [this](const FoundEntry& one, const FoundEntry& other) {
@@ -103,7 +104,7 @@ bool FindWalk::Enter(const Place& place)
     return true;
 }
 
-/// Adds a directory to the result if it matches or contains a match.
+/// Ends the current directory. Adds it to the result if it matches or contains a match.
 void FindWalk::Leave()
 {
     Level level = std::move(levels_.back());
@@ -139,7 +140,7 @@ void FindWalk::Visit(const struct dirent& entry)
 
 FoundTree FindWalk::Run()
 {
-    // "/" has no name in its parent. As an absolute name, it needs none.
+    // "/" has no name in its parent. As an absolute path, it needs no parent.
     const PathPlace start(request_.StartPath);
     const std::string name = request_.StartPath == "/" ? "/" : start.Get().name;
     Enter({start.Get().directory, name, request_.StartPath});

@@ -220,7 +220,7 @@ std::string SetPermission(mode_t mode)
 
 std::optional<std::string> GetFormatTime(std::int64_t time, bool seconds)
 {
-    // Not translated, because CompareTime parses them.
+    // Not translated, because CompareTime parses the names.
     constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::time_t stamp = time;

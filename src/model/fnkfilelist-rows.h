@@ -34,12 +34,12 @@ public:
     std::size_t Count() const { return rows_.size(); }
     bool IsEmpty() const { return rows_.empty(); }
     const FileRow& Row(std::size_t index) const { return rows_[index]; }
-    /// The name in bytes; valid until rows are added or cleared.
+    /// The name in bytes; valid until Add, Clear or ShrinkToFit.
     const char* Name(const FileRow& row) const { return names_.data() + row.name; }
     const char* Name(std::size_t index) const { return Name(rows_[index]); }
     bool IsParentRow(std::size_t index) const
     {
-        // Sorting asks this of every row. The flag avoids a cache miss for the name of most of them.
+        // Sorting asks this of every row. Testing the flag first avoids a cache miss for most names.
         return rows_[index].is_directory && std::string_view(Name(index)) == "..";
     }
 
@@ -48,7 +48,7 @@ public:
 
     void Add(const char* name, const struct stat& st, FileType type);
     void Clear();
-    /// Moves row order[i] to index i. order is a permutation of all rows.
+    /// Moves row order[i] to index i. order is a permutation of all indices.
     void Permute(const std::vector<std::uint32_t>& order);
     void Reverse();
     /// Releases spare capacity.
@@ -63,15 +63,15 @@ private:
 };
 
 /// Reads a directory into rows: first "..", which shows the status of the directory itself, then
-/// the entries that pass the filters, the last one read first. path ends in "/". A directory that
-/// cannot be read has only "..". False, with rows unchanged, if path is not a directory.
+/// the entries that pass the filters, in reverse order of reading. path ends in "/". A directory
+/// that cannot be read has only "..". False, with rows unchanged, if path is not a directory.
 bool ReadFileRows(const std::string& path, FileRows& rows);
 
-/// 1 if the name filter is off or lets a file of this name pass, else 0. The filter is not meant for
-/// directories.
+/// 1 if the name filter is off or lets a file of this name pass, else 0. The caller exempts
+/// directories from the filter.
 int CheckFilter(const char* name);
 /// Type and permissions in 10 characters, such as "drwxr-xr-x".
 std::string SetPermission(mode_t mode);
-/// Local time as "Mar 07 2001 09:05", in a Japanese locale as "2001/03/07 09:05", on request with
-/// seconds. Nothing if the time has no calendar date.
+/// Local time as "Mar 07 2001 09:05", in a Japanese locale as "2001/03/07 09:05". If seconds is set,
+/// the seconds follow. Null if the time has no calendar date.
 std::optional<std::string> GetFormatTime(std::int64_t time, bool seconds);

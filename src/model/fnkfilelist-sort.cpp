@@ -22,6 +22,7 @@ int SortKind()
     return pGTable->ColumnPosition[static_cast<std::size_t>(EffectiveSortColumn() - 1)];
 }
 
+/// Whether the largest value comes first in ascending order.
 bool IsNumberKind(int kind)
 {
     return kind == COLUMN_USER_ID || kind == COLUMN_GROUP_ID || kind == COLUMN_INODE;
@@ -98,6 +99,7 @@ int CompareTime(const char* a, const char* b)
 
 namespace {
 
+/// 1 if a is smaller than b, else 0: numbers are listed in reverse.
 int CompareNumber(const char* a, const char* b)
 {
     return std::strtol(a, nullptr, 10) < std::strtol(b, nullptr, 10) ? 1 : 0;
@@ -121,7 +123,7 @@ int CompareCells(int kind, const char* a, const char* b)
     }
 }
 
-/// The text to compare. For names these are the bytes, not their UTF-8 form.
+/// The text to compare: for names the bytes, else the text of the cell.
 std::string SortText(const FileRows& rows, const FileRow& row, int kind)
 {
     return kind == COLUMN_NAME ? rows.Name(row) : rows.CellText(row, kind);
@@ -162,7 +164,7 @@ int CompareFileListRow(const FileRows& rows, std::size_t a, std::size_t b)
 
 namespace {
 
-/// Replaces the cell in comparisons: by value first, then by text unless it is null.
+/// Stands for a row in comparisons. Keys are compared by value first, then by text unless it is null.
 struct SortKey {
     std::uint64_t value;
     const char* text;
@@ -175,8 +177,8 @@ std::uint64_t OrderedBits(std::int64_t number)
     return static_cast<std::uint64_t>(number) ^ (std::uint64_t{1} << 63);
 }
 
-/// The first eight bytes of text as a number, with ASCII letters in lower case if fold is set. It
-/// orders most names without reading their text.
+/// The first eight bytes of text as a number, with ASCII letters in lower case if fold is set. Most
+/// names can be ordered by this number alone.
 std::uint64_t TextPrefix(const char* text, bool fold)
 {
     std::uint64_t prefix = 0;
@@ -189,7 +191,7 @@ std::uint64_t TextPrefix(const char* text, bool fold)
     return prefix;
 }
 
-/// Orders sizes as CompareSize does: by displayed unit, then by number in single precision.
+/// Orders sizes as CompareSize does: by displayed unit, then by displayed number in single precision.
 std::uint64_t SizeKey(std::int64_t size)
 {
     const DisplaySize shown = RoundSize(static_cast<std::uint64_t>(size));
@@ -261,8 +263,8 @@ std::uint64_t MinuteKey(const struct tm& local)
     return (days * 24 + static_cast<std::uint64_t>(local.tm_hour)) * 60 + static_cast<std::uint64_t>(local.tm_min);
 }
 
-/// False if a year does not have four digits. That shifts the fields of the text, so only comparing
-/// the texts gives the defined order.
+/// False if a time has no calendar date or its year does not have four digits. The order is then
+/// whatever CompareTime makes of the text, which it reads at fixed positions.
 bool MakeTimeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
 {
     // Converting to local time is slow, and files of the same minute are often adjacent.
@@ -286,7 +288,8 @@ bool MakeTimeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     return true;
 }
 
-/// Fills in the keys. False if keys cannot express this order.
+/// Fills in the keys. False if keys cannot express the order. Complements numbers that are listed in
+/// reverse.
 bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
 {
     const auto fill = [&keys, &rows](auto make) {
@@ -321,8 +324,9 @@ bool MakeKeys(const FileRows& rows, int kind, std::vector<SortKey>& keys)
     }
 }
 
-/// Rows are sorted only within their group. ".." always comes first. Next come the directories, if
-/// they are separate; but sorting mixed rows by icon in descending order puts the files first.
+/// Rows are sorted only within their group. ".." comes first, then the directories, then the files.
+/// MixFileDir makes the latter two one group. When sorting by icon they stay apart even then, but
+/// swap places in descending order.
 enum Group : std::size_t { GROUP_PARENT, GROUP_FIRST, GROUP_LAST, GROUP_COUNT };
 
 Group GroupOf(const FileRows& rows, std::size_t index, bool by_icon)
@@ -339,8 +343,9 @@ Group GroupOf(const FileRows& rows, std::size_t index, bool by_icon)
 
 using GroupEnds = std::array<std::size_t, GROUP_COUNT>;
 
-/// Makes keys without values, group by group. In descending order, equal rows must be reversed: the
-/// keys of a group then start out reversed, and a stable sort keeps equal ones so.
+/// Makes keys without values, group by group; ends receives the end of each group. In descending
+/// order equal rows must end up reversed: the keys start out reversed, and a stable sort keeps equal
+/// ones that way.
 std::vector<SortKey> GroupedKeys(const FileRows& rows, bool by_icon, GroupEnds& ends)
 {
     const std::size_t count = rows.Count();

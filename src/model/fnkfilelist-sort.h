@@ -8,9 +8,9 @@
 
 /// Compares bytes; with SortCase, ignores the case of ASCII letters. Negative, 0 or positive.
 int CompareString(const char* a, const char* b);
-/// 1 if a is larger than b, else 0. Both are texts of ConvertSize.
+/// 1 if a is larger than b, else 0. Both are texts made by ConvertSize.
 int CompareSize(const char* a, const char* b);
-/// Positive if a is later than b, else 0 or negative. Both are texts of GetFormatTime without
+/// Positive if a is later than b, else 0 or negative. Both are texts made by GetFormatTime without
 /// seconds.
 int CompareTime(const char* a, const char* b);
 
@@ -24,5 +24,6 @@ std::vector<std::uint32_t> SortFileRows(FileRows& rows);
 
 /// SortColumn, or NameColumn if the list has no such column.
 int EffectiveSortColumn();
-/// Whether the displayed values of the sorted column grow from top to bottom.
+/// Whether the displayed values of the sorted column grow from top to bottom. Ids and inode numbers
+/// are listed in reverse: in ascending order, the largest comes first.
 bool IsShownAscending();

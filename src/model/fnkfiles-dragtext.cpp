@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view kMarker = "file:";
 constexpr std::string_view kUriStart = "file://";
 
-/// All paths or none: the user does not mean half of what they drop.
+/// All paths or none: nobody expects a drop to act on only some of the items.
 std::vector<std::string> KeepIfAllUsable(std::vector<std::string> paths)
 {
     const bool all_usable = std::all_of(paths.begin(), paths.end(), [](const std::string& path) {

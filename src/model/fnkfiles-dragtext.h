@@ -8,7 +8,7 @@
 
 /// "file:" and the path of each item, separated by blanks. Paths of directories end in "/".
 std::string MakeDragText(const std::vector<std::string>& paths);
-/// The paths in such a text, or in a URI list, which some programs send as text. Empty if it is
+/// The paths in such a text, or in a URI list, which some programs send as text. Empty if text is
 /// neither, or if any item is not an absolute path of at most kMaxPathBytes.
 std::vector<std::string> SplitDragText(std::string_view text);
 
