@@ -151,6 +151,8 @@ TEST_F(Sort, OrdersThatPeopleExpect)
         EXPECT_EQ(order, expected) << "column " << column << " type " << type;
         EXPECT_EQ(IsSortedUpwards(), upwards) << "column " << column << " type " << type;
     }
+    table.SortColumn = kColumnKinds;
+    EXPECT_EQ(EffectiveSortColumn(), kColumnKinds) << "the last one";
 }
 
 }  // namespace
