@@ -7,6 +7,7 @@
 #include <set>
 
 #include "child.h"
+#include "faults.h"
 #include "model/fnkdirtree-scan.h"
 #include "core/fnkutil.h"
 #include "tabletest.h"
@@ -193,7 +194,9 @@ TEST_F(Subdirectories, AreSortedByBytesAndLookOneLevelAhead)
     files.Link("b/link", "../Zeta");
     files.Link("link", "Zeta");
     EXPECT_EQ(Scan(files.Path()), "Zeta(only) a\nb() b() mad\xFE() ");
-    EXPECT_EQ(Scan(files.Path().substr(0, files.Path().size() - 1)), Scan(files.Path()));
+    faults.is_old_file_system = true;  // It does not tell what is a directory.
+    EXPECT_EQ(Scan(files.Path().substr(0, files.Path().size() - 1)), "Zeta(only) a\nb() b() mad\xFE() ");
+    faults.is_old_file_system = false;
     table.ShowHidden = table.ShowBackup = 1;
     EXPECT_EQ(Scan(files.Path()), ".hidden() Zeta(only) a\nb() b() mad\xFE(.hidden) old.BAK() ");
     EXPECT_EQ(Scan(files.At("missing/"), SCAN_FAILED), "");

@@ -38,43 +38,39 @@ Order SlowOrder(const FileRows& rows)
     return order;
 }
 
-/// Seconds since the epoch: of one minute, around the end of summer time, of any month, and now and
-/// then, if wanted, of times that have no year of four digits.
-std::int64_t HardTime(SeededRandom& random, bool with_rare)
-{
-    constexpr std::int64_t kCommon[] = {1636263000, 1636266600, 1636263059, 983923500, 60, -61, -2208988800};
-    constexpr std::int64_t kRare[] = {-30610224000, -70000000000, 253402300800, 1700000000000, INT64_MAX};
-    if (with_rare && random.Below(4) == 0) {
-        return random.Pick(kRare);
-    }
-    const auto spread = static_cast<std::int64_t>(random.Below(random.Pick(std::array{90U, 7200U, 0x7fffffffU})));
-    return random.Pick(kCommon) + spread;
-}
-
 /// Rows that are hard to tell apart: sizes that look alike, ids beyond 2^31, names that differ late
-/// or in case only.
+/// or in case only, times of one minute, around the end of summer time, or without a year of four
+/// digits.
 FileRows HardRows(SeededRandom& random, std::size_t count)
 {
-    constexpr std::int64_t kSizes[] = {0,          1,          51,         1023,         1025,   1030,
-                                       1048575,    1048576,    1048585,    1048064,      153600, 153601,
-                                       1638400000, 1638410000, 5368709120, 1099511627776};
-    constexpr std::uint32_t kIds[] = {0, 1, 1000, 1001, 65534, 0x80000000U, 4294967294U};
+    constexpr std::int64_t kTimes[] = {1636263000,   1636266600,   983923500,     60,       -61, -2208988800,
+                                       -70000000000, 253402300800, 1700000000000, INT64_MAX};
+    constexpr std::int64_t kSizes[] = {0,       1,       51,     1023,   1025,       1030,       1048575,
+                                       1048576, 1048585, 153600, 153601, 1638400000, 1638410000, 1099511627776};
+    constexpr std::uint32_t kIds[] = {0, 1, 1000, 65534, 0x80000000U, 4294967294U};
     constexpr mode_t kModes[] = {S_IFREG | 0644, S_IFREG | 0600, S_IFDIR | 0755, S_IFDIR | 0700, S_IFLNK | 0777};
     constexpr const char* kStarts[] = {"", "common-start-", "Common-Start-", "\xE6\x97\xA5", "Z", "."};
     constexpr const char* kEnds[] = {"a", "A", "b", "_", "[", "\xFF", "ab", "aB", ""};
-    const bool with_rare = random.Below(3) == 0;
+    const std::size_t times = random.Below(3) == 0 ? std::size(kTimes) : 6;
     const std::size_t parent = random.Below(count + 3);
     FileRows rows;
     for (std::size_t i = 0; i < count; ++i) {
+        const auto time = [&] {
+            const std::int64_t base = kTimes[random.Below(times)];
+            return base == INT64_MAX
+                       ? base
+                       : base +
+                             static_cast<std::int64_t>(random.Below(random.Pick(std::array{90U, 7200U, 0x7fffffffU})));
+        };
         struct stat st = {};
         st.st_mode = random.Pick(kModes);
         st.st_size = random.Pick(kSizes);
         st.st_uid = random.Pick(kIds);
         st.st_gid = random.Pick(kIds);
         st.st_ino = random.Below(random.Pick(std::array{20UL, 1UL << 33}));
-        st.st_atim.tv_sec = HardTime(random, with_rare);
-        st.st_mtim.tv_sec = HardTime(random, with_rare);
-        st.st_ctim.tv_sec = HardTime(random, with_rare);
+        st.st_atim.tv_sec = time();
+        st.st_mtim.tv_sec = time();
+        st.st_ctim.tv_sec = time();
         const std::string name = std::string(random.Pick(kStarts)) + random.Pick(kEnds) + random.Pick(kEnds);
         rows.Add(i == parent ? ".." : name.c_str(), st, FT_NORMAL);
     }
@@ -155,6 +151,8 @@ TEST_F(Sort, OrdersThatPeopleExpect)
         EXPECT_EQ(order, expected) << "column " << column << " type " << type;
         EXPECT_EQ(IsShownAscending(), upwards) << "column " << column << " type " << type;
     }
+    table.SortColumn = kColumnKinds;
+    EXPECT_EQ(EffectiveSortColumn(), kColumnKinds) << "the last one";
 }
 
 }  // namespace

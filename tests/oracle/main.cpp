@@ -278,8 +278,9 @@ std::string RunSwapped(std::uint64_t seed, const std::string& top)
             continue;
         }
         faults.at_call = [&, path = top + name] {
-            if (std::filesystem::is_directory(std::filesystem::symlink_status(path))) {
-                std::filesystem::rename(path, aside);
+            std::error_code error;
+            const bool is_directory = std::filesystem::is_directory(std::filesystem::symlink_status(path, error));
+            if (is_directory && rename(path.c_str(), aside.c_str()) == 0) {
                 std::filesystem::create_symlink(outside + name, path);
             }
         };
@@ -290,7 +291,11 @@ std::string RunSwapped(std::uint64_t seed, const std::string& top)
             plan.command.Run();
             is_swapped = faults.calls_made >= call;
             faults.Disarm();
-            std::filesystem::remove_all(aside);
+            if (std::filesystem::exists(aside)) {
+                chmod(aside.c_str(), 0700);
+                EmptyDisk(aside + "/");
+                std::filesystem::remove(aside);
+            }
             if (ReadDisk(outside) != before) {
                 faults.at_call = nullptr;
                 return plan.Story(Printable(name) + " was swapped at call " + std::to_string(call) + "\nOutside:\n" +
