@@ -85,6 +85,7 @@ TEST_F(Tree, ExpandingAddsAndRescanningAlsoRemoves)
     }
     EXPECT_FALSE(IsExpanded(files.At("beta")));
     EXPECT_EQ(TreeSelected(), files.At("Zeta/"));
+    EXPECT_EQ(pGTable->CurrentDir, files.At("Zeta/one/")) << "no directory was entered on the way";
     Steps("visit Zeta/one = Zeta/one/");
 }
 
