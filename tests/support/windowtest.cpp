@@ -269,19 +269,14 @@ void WindowTest::Steps(const std::string& text, const Where& where)
     std::istringstream steps(text);
     for (std::string step; std::getline(steps, step, ';');) {
         const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), step);
-        std::istringstream words(step.substr(0, step.find('=')));
+        const std::size_t end = step.find('=');
         argument.clear();
-        words >> act >> argument;
+        std::istringstream(step.substr(0, end)) >> act >> argument;
         acts.at(act)();
-        if (step.find('=') != std::string::npos) {
-            std::istringstream expected(step.substr(step.find('=') + 1));
-            std::string directory, selected = "*", state = State();
-            expected >> directory >> selected >> state;
-            ExpectAt(directory == "." ? "" : directory,
-                     selected == "*"   ? Joined(SelectedNames())
-                     : selected == "-" ? ""
-                                       : selected,
-                     where);
+        if (end != std::string::npos) {
+            std::string directory, selected = Joined(SelectedNames()), state = State();
+            std::istringstream(step.substr(end + 1)) >> directory >> selected >> state;
+            ExpectAt(directory == "." ? "" : directory, selected == "-" ? "" : selected, where);
             EXPECT_EQ(State(), state);
         }
     }

@@ -157,6 +157,7 @@ TEST_F(Drag, NothingHappensWithoutADragOrAChoiceOrInTheSameDirectory)
     SelectNames({"a"});
     DragFromTo(Row("a"), Node(files.At("to/")));
     Choosing(GDK_KEY_Escape, [] { Release(); });
+    Steps("node to = to/; visit from; select a");
     DragFromTo(Row("a"), Row("sub"));
     ExpectNoDrop();
     DragFromTo(Row("a"), {TreeEdge().x, TreeEdge().y - 40});  // Below the last node.
@@ -164,6 +165,9 @@ TEST_F(Drag, NothingHappensWithoutADragOrAChoiceOrInTheSameDirectory)
     const Spot node = Node(files.At("to/"));
     DragFromTo(node, {node.x + 40, node.y});
     ExpectNoDrop();
+    DragFromTo(node, Node(files.At("from/")));
+    EXPECT_EQ(pGTable->CurrentDir, files.At("to/"));
+    Choosing(GDK_KEY_Escape, [] { Release(); });
     Steps("node from = from/");
     // As the first press of a double click it opens.
     SelectNames({"a", "sub"});
