@@ -83,24 +83,18 @@ std::string Joined(const Names& names)
 
 OrdinaryUser::OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
 {
-    if (geteuid() != 0) {
-        return;
+    std::string roots = std::string(" ") + std::getenv("XDG_DATA_HOME");
+    for (const ScratchDirectory* const directory : owned) {
+        roots += " " + directory->Path();
     }
-    Names roots = {std::getenv("XDG_DATA_HOME")};
-    std::transform(owned.begin(), owned.end(), std::back_inserter(roots), std::mem_fn(&ScratchDirectory::Path));
-    for (const std::string& root : roots) {
-        Require(std::system(("chown -hR 65534:65534 " + root).c_str()) == 0, root);
-    }
-    groups_.emplace(static_cast<std::size_t>(getgroups(0, nullptr)));
-    Require(getgroups(static_cast<int>(groups_->size()), groups_->data()) >= 0 && setgroups(0, nullptr) == 0 &&
-                setresgid(kNobody, kNobody, 0) == 0 && setresuid(kNobody, kNobody, 0) == 0,
-            "setresuid");
+    Require(!is_root_ || (std::system(("chown -hR 65534:65534" + roots).c_str()) == 0 && setgroups(0, nullptr) == 0 &&
+                          setresgid(kNobody, kNobody, 0) == 0 && setresuid(kNobody, kNobody, 0) == 0),
+            "to become an ordinary user");
 }
 
 OrdinaryUser::~OrdinaryUser()
 {
-    if (groups_ &&
-        (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0 || setgroups(groups_->size(), groups_->data()) != 0)) {
+    if (is_root_ && (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0)) {
         std::abort();
     }
 }
@@ -273,19 +267,14 @@ void WindowTest::Steps(const std::string& text, const Where& where)
     std::istringstream steps(text);
     for (std::string step; std::getline(steps, step, ';');) {
         const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), step);
-        std::istringstream words(step.substr(0, step.find('=')));
+        const std::size_t end = step.find('=');
         argument.clear();
-        words >> act >> argument;
+        std::istringstream(step.substr(0, end)) >> act >> argument;
         acts.at(act)();
-        if (step.find('=') != std::string::npos) {
-            std::istringstream expected(step.substr(step.find('=') + 1));
-            std::string directory, selected = "*", state = State();
-            expected >> directory >> selected >> state;
-            ExpectAt(directory == "." ? "" : directory,
-                     selected == "*"   ? Joined(SelectedNames())
-                     : selected == "-" ? ""
-                                       : selected,
-                     where);
+        if (end != std::string::npos) {
+            std::string directory, selected = Joined(SelectedNames()), state = State();
+            std::istringstream(step.substr(end + 1)) >> directory >> selected >> state;
+            ExpectAt(directory == "." ? "" : directory, selected == "-" ? "" : selected, where);
             EXPECT_EQ(State(), state);
         }
     }

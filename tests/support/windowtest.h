@@ -37,7 +37,7 @@ public:
     ~OrdinaryUser();
 
 private:
-    std::optional<std::vector<gid_t>> groups_;  ///< Root's; none if the test is not run by root.
+    bool is_root_ = geteuid() == 0;
 };
 
 /// Whether the directories on disk are still those that the window has read.
@@ -78,6 +78,11 @@ protected:
     /// Chooses an entry as a user does, who has to open its menu first.
     static void Choose(MenuEntry entry);
     static bool IsOffered(MenuEntry entry);
+    /// Chooses an entry and acts on the dialogs it opens.
+    static void Ask(MenuEntry entry, const DialogActs& acts)
+    {
+        DuringDialogs([entry] { Choose(entry); }, acts);
+    }
     /// Focuses the location entry and replaces its text.
     static void Type(const std::string& text);
     /// Goes to a directory below the root by way of the tree.

@@ -6,10 +6,6 @@ namespace {
 
 class Choosing : public WindowTest {
 protected:
-    static void Ask(MenuEntry entry, const DialogActs& acts)
-    {
-        DuringDialogs([entry] { Choose(entry); }, acts);
-    }
     static std::string FilterShown() { return gtk_label_get_text(GTK_LABEL(StatusBarLabel(pMainW->FilterStatusBar))); }
     static DialogAct ExpectOffered(const std::string& text)
     {

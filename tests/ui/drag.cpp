@@ -64,6 +64,13 @@ protected:
     {
         return "mousemove " + std::to_string(spot.x) + " " + std::to_string(spot.y) + " sleep 0.05 ";
     }
+    static bool IsButtonDown()
+    {
+        GdkDevice* const pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
+        GdkModifierType state = {};
+        gdk_window_get_device_position(gdk_get_default_root_window(), pointer, nullptr, nullptr, &state);
+        return (state & GDK_BUTTON1_MASK) != 0;
+    }
     /// Presses, moves in small steps and stays there.
     static void DragFromTo(Spot from, Spot to, int button = 1)
     {
@@ -90,9 +97,13 @@ protected:
         EXPECT_TRUE(Await([] { return pending == 0 && gtk_grab_get_current() == nullptr; }));
         Settle();
     }
-    static void ReleaseAndChoose(guint key, int button = 1)
+    /// Drags, chooses and arrives in the directory.
+    void Carry(Spot from, Spot to, guint key, int button, const std::string& directory) const
     {
+        DragFromTo(from, to, button);
         Choosing(key, [button] { Release(button); });
+        EXPECT_TRUE(Await([&] { return pGTable->CurrentDir == files.At(directory); }));
+        ExpectAt(directory, "");
     }
     /// Lets go where a drop leads to nothing.
     void ExpectNoDrop() const
@@ -114,48 +125,39 @@ TEST_F(Drag, AllSelectedRowsGoToTheDirectoryUnderThePointer)
     EXPECT_EQ(Joined(SelectedNames()), "sub,a,b b") << "the press must not select one row alone";
     EXPECT_EQ(TreeSelected(), files.At("to/")) << "where they would go";
     EXPECT_EQ(pGTable->CurrentDir, files.At("from/")) << "but it is not entered";
-    DuringDialogs([] { ReleaseAndChoose(GDK_KEY_c); }, {PressButton("Yes")});
+    DuringDialogs([] { Choosing(GDK_KEY_c, [] { Release(); }); }, {PressButton("Yes")});
     EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("to/"); }));
     EXPECT_EQ(Joined(files.Names("from")) + " " + Joined(files.Names("to")), "a,b b,sub a,b b,deep,sub");
     ExpectAt("to/", "");
     // What is moved leaves the tree. The other button drags what is under it.
-    Visit("from/");
-    SelectNames({"a"});
-    DragFromTo(Row("sub"), Node(files.At("to/deep/")), 3);
-    EXPECT_EQ(Joined(SelectedNames()), "sub");
-    ReleaseAndChoose(GDK_KEY_m, 3);
-    EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("to/deep/"); }));
+    Steps("visit from; select a");
+    Carry(Row("sub"), Node(files.At("to/deep/")), GDK_KEY_m, 3, "to/deep/");
     EXPECT_EQ(Joined(files.Names("from")), "a,b b");
     EXPECT_FALSE(IsInTree(files.At("from/sub")));
-    ExpectAt("to/deep/", "");
     // What is dropped into the directory shown is shown.
     Choosing(GDK_KEY_m, [this] { OnFilesDropped({files.At("from/a")}, pGTable->CurrentDir); });
     EXPECT_EQ(Joined(ListNames()), "..,sub,a");
-}
-
-TEST_F(Drag, ADirectoryOfTheTreeMovesIntoAnother)
-{
-    StartWithFiles();
-    SetExpanded(files.At("to/"), true);
-    ClickNode(files.At("to/"));
-    DragFromTo(Node(files.At("from/")), Node(files.At("to/deep/")), 3);
-    ReleaseAndChoose(GDK_KEY_m, 3);
-    EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("to/deep/"); }));
+    // So do directories of the tree move.
+    Steps("node to");
+    Carry(Node(files.At("from/")), Node(files.At("to/deep/")), GDK_KEY_m, 3, "to/deep/");
     EXPECT_EQ(Joined(files.Names()), "to");
-    EXPECT_EQ(Joined(files.Names("to/deep/from")), "a,b b,sub");
-    ExpectAt("to/deep/");
-    DragFromTo(Node(files.At("to/deep/from/")), Node(files.Path()));
-    ReleaseAndChoose(GDK_KEY_m);
-    EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.Path(); }));
-    ExpectAt("");
+    Carry(Node(files.At("to/deep/from/")), Node(files.Path()), GDK_KEY_m, 1, "");
+    EXPECT_EQ(Joined(files.Names("from")), "b b");
 }
 
-TEST_F(Drag, NothingHappensWithoutAChoiceOrInTheSameDirectory)
+TEST_F(Drag, NothingHappensWithoutADragOrAChoiceOrInTheSameDirectory)
 {
     StartWithFiles();
+    // A press on one of several selected rows is a click once it is let go.
+    SelectNames({"a", "b b", "sub"});
+    Pointer(MoveTo(Row("b b")) + "mousedown 1 sleep 0.05");
+    EXPECT_EQ(SelectedNames().size(), 3U);
+    Release();
+    EXPECT_TRUE(Await([] { return Joined(SelectedNames()) == "b b"; }));
     SelectNames({"a"});
     DragFromTo(Row("a"), Node(files.At("to/")));
-    ReleaseAndChoose(GDK_KEY_Escape);
+    Choosing(GDK_KEY_Escape, [] { Release(); });
+    Steps("node to = to/; visit from; select a");
     DragFromTo(Row("a"), Row("sub"));
     ExpectNoDrop();
     DragFromTo(Row("a"), {TreeEdge().x, TreeEdge().y - 40});  // Below the last node.
@@ -163,19 +165,11 @@ TEST_F(Drag, NothingHappensWithoutAChoiceOrInTheSameDirectory)
     const Spot node = Node(files.At("to/"));
     DragFromTo(node, {node.x + 40, node.y});
     ExpectNoDrop();
-    ClickNode(files.At("from/"));
-    ExpectAt("from/");
-}
-
-TEST_F(Drag, APressOnOneOfSeveralIsAClickWhenNoDragFollows)
-{
-    StartWithFiles();
-    SelectNames({"a", "b b", "sub"});
-    Pointer(MoveTo(Row("b b")) + "mousedown 1 sleep 0.05");
-    EXPECT_EQ(SelectedNames().size(), 3U);
-    Release();
-    EXPECT_TRUE(Await([] { return Joined(SelectedNames()) == "b b"; }));
-    // As the first of a double click it opens.
+    DragFromTo(node, Node(files.At("from/")));
+    EXPECT_EQ(pGTable->CurrentDir, files.At("to/"));
+    Choosing(GDK_KEY_Escape, [] { Release(); });
+    Steps("node from = from/");
+    // As the first press of a double click it opens.
     SelectNames({"a", "sub"});
     Pointer(MoveTo(Row("sub")) + "click --repeat 2 --delay 60 1");
     EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("from/sub/"); }));
@@ -217,7 +211,8 @@ TEST_F(Drag, NoneBeginsWithoutTheRowAndTheButtonOfThePress)
     const std::string move = MoveTo({pressed.x + 40, pressed.y}) + MoveTo({pressed.x + 80, pressed.y});
     // A dialog takes the release.
     DuringDialogs([&] { Pointer(MoveTo(pressed) + "click --repeat 2 --delay 60 1"); }, {[](GtkWidget* box) {
-                      Pointer("sleep 0.1");
+                      EXPECT_TRUE(Await([] { return !IsButtonDown(); }));
+                      Settle();
                       PressButton("OK")(box);
                   }});
     Pointer(move);

@@ -111,7 +111,7 @@ TEST_F(Keys, MoveThroughTheTree)
         "Up . .        Left . .         Down b/ .          Right b/ .         Down k/ .       Right k/ k,       "
         "Right k/ k,   Down k/l/ k,     Return k/l/ k,k/l,    KP_Down k/l/m/ k,k/l,   KP_Down k/n/ k,k/l,    "
         "Down p/ k,k/l,    KP_Up k/n/ k,k/l,    Up k/l/m/ k,k/l,    Left k/l/ k,     KP_Left k/ .             "
-        "KP_Right k/ k,    End r/ k,    Down r/ k,    KP_Home . k,    Page_Up . k,    Page_Down r/ k,         "
+        "Down p/ .     Up k/ .          KP_Right k/ k,    End r/ k,    Down r/ k,    KP_Home . k,    Page_Up . k,    Page_Down r/ k,         "
         "Page_Down r/ k,   Up p/ k,    Return p/ k,p,    KP_End r/ k,p,    Up p/q/ k,p,    KP_Page_Up . k,p,  ");
     for (std::string key, selected, expanded; steps >> key >> selected >> expanded;) {
         SCOPED_TRACE(key + " to " + selected);

@@ -8,10 +8,6 @@ namespace {
 
 class Links : public WindowTest {
 protected:
-    static void MakeLink(const DialogActs& acts)
-    {
-        DuringDialogs([] { Choose(MENU_SYMBOLIC_LINK); }, acts);
-    }
     /// Types both texts and presses OK.
     static DialogAct Fill(const std::string& existing, const std::string& link)
     {
@@ -31,12 +27,12 @@ TEST_F(Links, WhatIsSelectedIsLinkedTo)
     SelectNames({"src", "bro\xFFken"});
     EXPECT_FALSE(IsOffered(MENU_SYMBOLIC_LINK));
     SelectNames({"bro\xFFken"});
-    MakeLink({EnterText("place/link")});
+    Ask(MENU_SYMBOLIC_LINK, {EnterText("place/link")});
     EXPECT_EQ(Target("place/link"), files.At("bro\xFFken"));
     EXPECT_EQ(Joined(ListNames()), "..,link");
     ExpectAt("place/");
     // Nothing is selected: the directory of the tree. The "/" behind a link is none of its name.
-    MakeLink({EnterText("../up/")});
+    Ask(MENU_SYMBOLIC_LINK, {EnterText("../up/")});
     EXPECT_EQ(Target("up"), files.At("place/"));
     EXPECT_EQ(pGTable->DirHistory, History{files.Path()});
     ExpectAt("");
@@ -57,7 +53,7 @@ TEST_F(Links, TheTextIsWhatWasTypedButForASlashBehindDirectories)
         {"dir/file/", "f", "f", files.At("dir/file")},
     };
     for (const auto& [existing, link, made, target] : cases) {
-        MakeLink({Fill(existing, link)});
+        Ask(MENU_SYMBOLIC_LINK, {Fill(existing, link)});
         EXPECT_EQ(Target(made), target);
         ExpectAt("");
     }
@@ -88,11 +84,12 @@ TEST_F(Links, NothingIsReplacedAndWhatIsWrongIsSaid)
         acts.insert(acts.end(), {Fill(existing, link), ReadBox(message)});
     }
     acts.push_back(PressButton("Cancel"));
-    MakeLink(acts);
+    Ask(MENU_SYMBOLIC_LINK, acts);
     const OrdinaryUser user({&files, &home});
     files.SetMode("dir", 0555);
-    MakeLink({Fill("file", "dir/link"),
-              ReadBox(std::string("Symbolic link has not been created.\ncause:") + g_strerror(EACCES)), SendClose});
+    Ask(MENU_SYMBOLIC_LINK,
+        {Fill("file", "dir/link"),
+         ReadBox(std::string("Symbolic link has not been created.\ncause:") + g_strerror(EACCES)), SendClose});
     EXPECT_EQ(files.Names(), before);
     EXPECT_EQ(files.Names("dir"), Names());
     EXPECT_EQ(files.Contents("file"), "kept");

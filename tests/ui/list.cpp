@@ -27,8 +27,8 @@ TEST_F(List, ClicksSelectAsEverywhere)
     Make({"a", "b", "c", "d"});
     Start();
     Steps(
-        "click d = . d; click b = . b; ctrl d = . b,d; ctrl b = . d; click a = . a; shift c = . a,b,c; shift b = . a,b;"
-        "ctrl d = . a,b,d; ctrl+shift c = . a,b,c,d; ctrl .. = . a,b,c,d; click b = . b; shift .. = . a,b;"
+        "click d = . d; click b = . b; ctrl d = . b,d; ctrl b = . d; click c; shift a = . a,b,c; shift b = . b,c;"
+        "click a; ctrl d = . a,d; ctrl+shift c = . a,c,d; ctrl .. = . a,c,d; click b = . b; shift .. = . a,b;"
         // Without a click a range begins at the first selected row.
         "click d; rescan; shift b = . b; key Down = . c; shift d = . c,d; click a; title 1; shift c = . c,b,a;"
         "make e/f; make e/g; make e/h; reread; click d; visit e; shift f = e/ f");

@@ -100,7 +100,7 @@ TEST_F(Open, WhatLeadsOutOfTheRootOrIsTooLongIsRefused)
         SelectNames({name});
         for (const MenuEntry entry :
              {MENU_OPEN, MENU_SYMBOLIC_LINK, MENU_COPY, MENU_MOVE, MENU_DELETE, MENU_PROPERTY}) {
-            DuringDialogs([entry] { Choose(entry); }, {ReadBox("Path is too long.")});
+            Ask(entry, {ReadBox("Path is too long.")});
         }
     }
     EXPECT_EQ(pGTable->CurrentDir, files.At(deep));

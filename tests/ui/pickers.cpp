@@ -28,19 +28,19 @@ protected:
     static std::string Browse(const char* field, const std::string& text, const DialogActs& acts)
     {
         std::string result;
-        DuringDialogs([] { Choose(MENU_SYMBOLIC_LINK); }, {[&](GtkWidget* dialog) {
-                          GtkWidget* const entry = FindNamed(dialog, field);
-                          SetEntryBytes(entry, text);
-                          GtkWidget* const combo = gtk_widget_get_ancestor(entry, GTK_TYPE_COMBO_BOX);
-                          GtkWidget* const box = gtk_widget_get_parent(combo != nullptr ? combo : entry);
-                          DuringDialogs([box] { PressButton("Browse...")(box); }, acts);
-                          result = GetEntryBytes(entry);
-                          if (combo != nullptr && result != text) {  // It is offered from now on.
-                              gtk_combo_box_set_active(GTK_COMBO_BOX(combo), 0);
-                              EXPECT_EQ(GetEntryBytes(entry), result);
-                          }
-                          SendKey(dialog, GDK_KEY_Escape);
-                      }});
+        Ask(MENU_SYMBOLIC_LINK, {[&](GtkWidget* dialog) {
+                GtkWidget* const entry = FindNamed(dialog, field);
+                SetEntryBytes(entry, text);
+                GtkWidget* const combo = gtk_widget_get_ancestor(entry, GTK_TYPE_COMBO_BOX);
+                GtkWidget* const box = gtk_widget_get_parent(combo != nullptr ? combo : entry);
+                DuringDialogs([box] { PressButton("Browse...")(box); }, acts);
+                result = GetEntryBytes(entry);
+                if (combo != nullptr && result != text) {  // It is offered from now on.
+                    gtk_combo_box_set_active(GTK_COMBO_BOX(combo), 0);
+                    EXPECT_EQ(GetEntryBytes(entry), result);
+                }
+                SendKey(dialog, GDK_KEY_Escape);
+            }});
         return result;
     }
     /// Types over what the picker says.
