@@ -13,13 +13,13 @@
 #include <memory>
 #include <tuple>
 
-#include "panes/fnkdirtree.h"
 #include "commands/fnkeditmenu-select.h"
-#include "model/fnkfilelist-sort.h"
-#include "panes/fnkfilelist.h"
-#include "kit/fnkmainwindow-record.h"
 #include "core/fnktable.h"
+#include "kit/fnkmainwindow-record.h"
 #include "measure.h"
+#include "model/fnkfilelist-sort.h"
+#include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist.h"
 
 namespace {
 
