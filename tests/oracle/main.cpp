@@ -19,56 +19,13 @@
 #include <filesystem>
 #include <functional>
 
-#include "faults.h"
-#include "engine/fnkfiles-sync.h"
 #include "core/fnktable.h"
+#include "engine/fnkfiles-sync.h"
+#include "faults.h"
 #include "judge.h"
 #include "scratch.h"
 
 namespace {
-
-/// Whether there was an error other than one that starts like this.
-bool HasError(const std::string& allowed = "none")
-{
-    return std::any_of(answers.asked.begin(), answers.asked.end(), [&](const std::string& asked) {
-        return asked.starts_with("Error: ") && !asked.starts_with(allowed);
-    });
-}
-
-/// Four commands in a row without a fault.
-std::string RunPlain(std::uint64_t seed, const std::string& top)
-{
-    Random random(seed);
-    const Names names = RandomNames(random);
-    Disk before = RandomDisk(random, top, names);
-    WriteDisk(top, before);
-    before = ReadDisk(top);
-    std::string story = Describe(before);
-    for (int left = 4; left > 0; --left) {
-        const Command command(random, top, names, before);
-        story += command.Describe();
-        const std::optional<Reach> reach = Reach::Find(command, top);
-        const Result result = command.Run();
-        const Disk after = ReadDisk(top);
-        if (!reach) {
-            return {};
-        }
-        std::string wrong = Judge(before, after, *reach, false);
-        const bool is_there = !reach->HasSource() || before.contains(reach->source);
-        if (!command.agrees || !is_there || reach->Overlaps() || result == RESULT_CANCEL) {
-        } else if (result == RESULT_DONE && !HasError()) {
-            wrong += JudgeSuccess(before, after, *reach, answers.steps);
-        } else if (reach->kind == COMMAND_COPY && geteuid() == 0 && !HasError("Error: Cannot delete file ") &&
-                   answers.steps != CountSteps(before, reach->source)) {
-            wrong += std::to_string(answers.steps) + " steps: what is skipped is one too\n";
-        }
-        if (!wrong.empty()) {
-            return story + wrong + "The disk:\n" + Describe(after);
-        }
-        before = after;
-    }
-    return {};
-}
 
 /// One command, and what it does when nothing fails.
 struct Rehearsal {
@@ -77,11 +34,8 @@ struct Rehearsal {
           random(seed),
           names(RandomNames(random)),
           tree(RandomDisk(random, top, names)),
-          command(MakeCommand())
+          command(random, top, names, Prepare())
     {
-        command.script = Answers();
-        command.script.to_messages = {RESULT_OK};
-        command.script.to_deletes = {RESULT_YES_ALL};
         faults.is_old_file_system = seed % 4 == 0;
         reach = Reach::Find(command, top);
         result = command.Run();
@@ -115,9 +69,6 @@ struct Rehearsal {
     Result result;
     std::vector<std::string> asked;
     Disk after;
-
-private:
-    Command MakeCommand() { return {random, top, names, Prepare()}; }
 };
 
 /// Takes the temporaries out of the tree, and returns how many there were.
@@ -146,6 +97,20 @@ bool IsSilent(const Rehearsal& plan, Result result, const Disk& disk)
     return faults.failed_call == "fdatasync" || !HasSameContents(disk, plan.after);
 }
 
+/// Nothing fails, but the user may refuse.
+std::string RunPlain(std::uint64_t seed, const std::string& top)
+{
+    Rehearsal plan(seed, top);
+    std::string wrong;
+    for (const Result answer : {RESULT_OK, RESULT_CANCEL}) {
+        const Disk before = plan.Prepare();
+        plan.command.script.to_messages = plan.command.script.to_deletes = {answer};
+        plan.command.Run();
+        wrong += plan.reach ? plan.Story(Judge(before, ReadDisk(top), *plan.reach, false)) : "";
+    }
+    return wrong;
+}
+
 /// Runs the command with its call-th call failing; false when it makes fewer.
 bool RunFailing(const Rehearsal& plan, int call, int error, std::string* wrong)
 {
@@ -156,7 +121,7 @@ bool RunFailing(const Rehearsal& plan, int call, int error, std::string* wrong)
     faults.Disarm();
     const Disk disk = ReadDisk(plan.top);
     *wrong = Judge(before, disk, *plan.reach, true);
-    if (has_failed && !faults.disk_is_full && IsSilent(plan, result, disk)) {
+    if (has_failed && IsSilent(plan, result, disk)) {
         *wrong += "Not a word about it\n";
     }
     // What the engine gets around by itself.
@@ -194,6 +159,7 @@ const std::vector<int>& PlausibleErrors(const std::string& call)
     return known != kErrors.end() ? known->second : kOthers;
 }
 
+/// Every call fails in turn, with each error that it may really fail with.
 std::string RunWithFaults(std::uint64_t seed, const std::string& top)
 {
     Rehearsal plan(seed, top);
@@ -212,17 +178,6 @@ std::string RunWithFaults(std::uint64_t seed, const std::string& top)
             }
         }
     }
-    return wrong;
-}
-
-std::string RunOnFullDisk(std::uint64_t seed, const std::string& top)
-{
-    const Rehearsal plan(seed, top);
-    std::string wrong;
-    faults.disk_is_full = true;
-    for (int call = 1; plan.reach && wrong.empty() && RunFailing(plan, call, ENOSPC, &wrong); ++call) {
-    }
-    faults.disk_is_full = false;
     return wrong;
 }
 
@@ -321,11 +276,7 @@ void BecomeOrdinaryUser()
 int main(int argc, char** argv)
 {
     const std::map<std::string, std::string (*)(std::uint64_t seed, const std::string& top)> kModes = {
-        {"plain", RunPlain},
-        {"faults", RunWithFaults},
-        {"full", RunOnFullDisk},
-        {"kill", RunKilledEverywhere},
-        {"swap", RunSwapped}};
+        {"plain", RunPlain}, {"faults", RunWithFaults}, {"kill", RunKilledEverywhere}, {"swap", RunSwapped}};
     std::map<std::string, std::string> options = {{"--mode", "plain"}, {"--sequences", "1000"}, {"--seed", "1"}};
     for (int i = 1; i < argc; ++i) {
         if (argv[i] == std::string("--user")) {
