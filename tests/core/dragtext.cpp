@@ -1,7 +1,7 @@
 // The texts of drags, made and taken apart.
 
-#include "model/fnkfiles-dragtext.h"
 #include "core/fnkutil.h"
+#include "model/fnkfiles-dragtext.h"
 #include "tabletest.h"
 
 namespace {

