@@ -80,14 +80,14 @@ inline bool MayBecome(const Disk& before, const std::string& path, CommandKind k
 struct Reach {
     /// None when that cannot be told.
     static std::optional<Reach> Find(const Command& command, const std::string& top);
+    bool HasSource() const { return kind != COMMAND_MAKE; }
+    bool HasTarget() const { return kind != COMMAND_DELETE; }
+    /// Whether one is inside the other.
+    bool Overlaps() const { return HasSource() && HasTarget() && (Rest(source, target) || Rest(target, source)); }
 
     CommandKind kind;
     std::string source;  ///< Goes, is copied, or is deleted.
     std::string target;  ///< Where the source, or the new directory, is to be.
-    bool HasSource() const { return kind != COMMAND_MAKE; }
-    bool HasTarget() const { return kind != COMMAND_DELETE; }
-    /// Whether one is inside the other.
-    bool Overlaps() const;
 };
 
 inline std::optional<Reach> Reach::Find(const Command& command, const std::string& top)
@@ -111,11 +111,6 @@ inline std::optional<Reach> Reach::Find(const Command& command, const std::strin
         reach.target = is_into ? (target->empty() ? "" : *target + "/") + GetLastPath(command.source) : *target;
     }
     return reach;
-}
-
-inline bool Reach::Overlaps() const
-{
-    return HasSource() && HasTarget() && (Rest(source, target) || Rest(target, source));
 }
 
 /// What is wrong with the tree after the command; nothing when nothing is. Each object is the old
