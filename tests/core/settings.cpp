@@ -230,16 +230,4 @@ TEST_F(Settings, WithoutHomeNothingIsReadOrWritten)
     std::filesystem::current_path(before);
 }
 
-// Quadratic reading would take forever.
-TEST_F(Settings, GiantHistoriesAreReadInOnePass)
-{
-    std::string numbers;
-    while (numbers.size() < 1 << 20) {
-        numbers += "History" + std::to_string(numbers.size()) + "=x\n";
-    }
-    for (const std::string& text : {numbers, std::string(1 << 20, '\n'), std::string(1 << 20, '\xFF')}) {
-        Load("[DirHistory]\nHistoryCount=2000000000\n" + text);
-    }
-}
-
 }  // namespace
