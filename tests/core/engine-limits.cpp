@@ -103,16 +103,6 @@ TEST_F(EngineLimits, MountsHideNoObjectFromItself)
     });
 }
 
-TEST_F(EngineLimits, DirectoriesGetTheirModesWithoutProc)
-{
-    OnDisk("/proc", "size=4k", [this] {
-        Make({{"t", "0751 /"}, {"t/sub", "0505 /"}, {"t/file", "x"}});
-        EXPECT_EQ(Run("copy t/ > copy"), RESULT_DONE);
-        EXPECT_EQ(Show("copy/"), Show("t/"));
-        EXPECT_EQ(files.Status("copy").st_mode, files.Status("t").st_mode);
-    });
-}
-
 TEST_F(EngineLimits, FullDisksAndOtherDisksLeaveTheOldFile)
 {
     OnDisk(files.Directory("disk"), "size=2m", [this] {

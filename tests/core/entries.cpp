@@ -104,16 +104,13 @@ TEST_F(Entries, TypeOfWhatIsThere)
     files.Node("socket", S_IFSOCK);
     // Detours so long that the path made of the target just fits, or just does not.
     const std::size_t room = kMaxPathBytes - files.Path().size();
-    for (const auto& [name, target] :
-         std::map<std::string, std::string>{{"to-file", "file"},
-                                            {"to-dir", files.At("dir")},
-                                            {"dangling", "gone"},
-                                            {"to-dangling", "dangling"},
-                                            {"loop", "loop"},
-                                            {"long", "." + std::string(room - 5, '/') + "file"},
-                                            {"too-long", "." + std::string(room - 4, '/') + "file"},
-                                            {"long-way", std::string(room - 4, '/') + files.At("file")},
-                                            {"too-long-way", std::string(room - 3, '/') + files.At("file")}}) {
+    using Link = std::pair<std::string, std::string>;
+    for (const auto& [name, target] : {Link("to-file", "file"), Link("to-dir", files.At("dir")),
+                                       Link("dangling", "gone"), Link("to-dangling", "dangling"), Link("loop", "loop"),
+                                       Link("long", "." + std::string(room - 5, '/') + "file"),
+                                       Link("too-long", "." + std::string(room - 4, '/') + "file"),
+                                       Link("long-way", std::string(room - 4, '/') + files.At("file")),
+                                       Link("too-long-way", std::string(room - 3, '/') + files.At("file"))}) {
         files.Link(name, target);
     }
     using Types = std::pair<FileType, std::vector<const char*>>;

@@ -52,20 +52,14 @@ TEST_F(DecideWhat, LinksAreFollowedInsideTheRoot)
     other.File("secret.txt");
     files.File("here/a.txt");
     files.File("run", "", 0755);
+    using Link = std::pair<std::string, std::string>;
     for (const auto& [name, target] :
-         std::map<std::string, std::string>{{"here/sibling", "a.txt"},
-                                            {"here/up", "../run"},
-                                            {"here/far", files.At("below/second")},
-                                            {"below/second", "third"},
-                                            {"below/third", "../here/a.txt"},
-                                            {"here/root", files.At("here/..")},
-                                            {"here/out", other.At("secret.txt")},
-                                            {"here/dots", "../../" + GetLastPath(other.Path()) + "/secret.txt"},
-                                            {"door", other.Path()},
-                                            {"here/door", "../door/secret.txt"},
-                                            {"here/chain", "out"},
-                                            {"ping", "./ping"},
-                                            {"long", std::string(2048, 'x')}}) {
+         {Link("here/sibling", "a.txt"), Link("here/up", "../run"), Link("here/far", files.At("below/second")),
+          Link("below/second", "third"), Link("below/third", "../here/a.txt"), Link("here/root", files.At("here/..")),
+          Link("here/out", other.At("secret.txt")),
+          Link("here/dots", "../../" + GetLastPath(other.Path()) + "/secret.txt"), Link("door", other.Path()),
+          Link("here/door", "../door/secret.txt"), Link("here/chain", "out"), Link("ping", "./ping"),
+          Link("long", std::string(2048, 'x'))}) {
         files.Link(name, target);
     }
     std::string target = "here/a.txt";
@@ -110,16 +104,16 @@ TEST_F(DecideWhat, AssociationsAreLinesOfASection)
     };
     const std::string key(255, 'k');
     const std::string value(2047 - 2, 'v');
-    for (const auto& [text, expected] : std::map<std::string, Entries>{
-             {"[Extension]\ntxt=emacs\nTXT=vi\n", {{"txt", "emacs"}, {"TXT", "vi"}}},
-             {"[Extension]\na=1\n\nb=2\n", {{"a", "1"}}},
-             {"[Extension]\na=1\n[b=2\nc=3\n", {{"a", "1"}}},
-             {"text\n\n[Other]\nx=y\n# see [Extension] \na=1", {{"a", "1"}}},
-             {"[Extension]\nno separator\nsh=a=b\n=v\nk=\nhtml = x \n",
-              {{"sh", "a=b"}, {"", "v"}, {"k", ""}, {"html ", " x "}}},
-             {"[Extension]\n" + key + "=v\n" + key + "k=v\na=1\n", {{key, "v"}, {"a", "1"}}},
-             {"[Extension]\na=" + value + "\na=" + value + "v\nb=2\n", {{"a", value}, {"b", "2"}}},
-             {"[extension]\na=1\n", {}}}) {
+    using Section = std::pair<std::string, Entries>;
+    for (const auto& [text, expected] :
+         {Section("[Extension]\ntxt=emacs\nTXT=vi\n", {{"txt", "emacs"}, {"TXT", "vi"}}),
+          Section("[Extension]\na=1\n\nb=2\n", {{"a", "1"}}), Section("[Extension]\na=1\n[b=2\nc=3\n", {{"a", "1"}}),
+          Section("text\n\n[Other]\nx=y\n# see [Extension] \na=1", {{"a", "1"}}),
+          Section("[Extension]\nno separator\nsh=a=b\n=v\nk=\nhtml = x \n",
+                  {{"sh", "a=b"}, {"", "v"}, {"k", ""}, {"html ", " x "}}),
+          Section("[Extension]\n" + key + "=v\n" + key + "k=v\na=1\n", {{key, "v"}, {"a", "1"}}),
+          Section("[Extension]\na=" + value + "\na=" + value + "v\nb=2\n", {{"a", value}, {"b", "2"}}),
+          Section("[extension]\na=1\n", {})}) {
         EXPECT_EQ(read(text, "[Extension]"), expected) << text;
     }
     SetLocale(kUtf8Locale);

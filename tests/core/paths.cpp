@@ -21,13 +21,11 @@ TEST_F(Paths, CharNextStepsByTwoByteRuleOrUtf8)
         return found == nullptr ? kNone : found - text;
     };
     for (const auto& [text, delimiter, two_byte, utf8] :
-         {Case("", '/', kNone, kNone), Case("/", '/', 0, 0), Case("ab", '/', kNone, kNone),
-          Case("\xB0/", '/', kNone, 1), Case("a\xB0\x41/", '/', 3, 3), Case("\xB0", '/', kNone, kNone),
-          Case("\xE6\x97\xA5/", '/', 3, 3), Case("\xE6\x97\xA5/\xB0", '/', kNone, 3),
-          Case("\xB0\x61/\xE6\x97\xA5/", '/', 2, 2), Case("\xE6\x97/", '/', 2, 2), Case("\xE6/", '/', kNone, 1),
-          Case("\xC0\xAF/\xFF", '/', 2, 2), Case("\xF0\x9F\x98\x80/", '/', 4, 4), Case("", '\0', kNone, kNone),
-          Case("a", '\0', kNone, kNone), Case("ab", '\0', 1, 1), Case("\xE6\x97\xA5x", '\0', 3, 3),
-          Case("\xB0x", '\0', kNone, 1), Case("\xB0xy", '\0', 2, 1)}) {
+         {Case("", '/', kNone, kNone), Case("/", '/', 0, 0), Case("\xB0/", '/', kNone, 1),
+          Case("\xB0", '/', kNone, kNone), Case("\xE6\x97\xA5/", '/', 3, 3), Case("\xE6\x97\xA5/\xB0", '/', kNone, 3),
+          Case("\xE6\x97/", '/', 2, 2), Case("\xE6/", '/', kNone, 1), Case("\xF0\x9F\x98\x80/", '/', 4, 4),
+          Case("", '\0', kNone, kNone), Case("a", '\0', kNone, kNone), Case("ab", '\0', 1, 1),
+          Case("\xE6\x97\xA5x", '\0', 3, 3), Case("\xB0x", '\0', kNone, 1), Case("\xB0xy", '\0', 2, 1)}) {
         SetLocale(kTwoByteLocale);
         EXPECT_EQ(position(text, delimiter), two_byte) << text;
         SetLocale(kUtf8Locale);
@@ -70,10 +68,9 @@ TEST_F(Paths, SizesAreShownRounded)
 {
     using Case = std::pair<std::uint64_t, const char*>;
     for (const auto& [size, text] :
-         {Case(0, "0KByte"), Case(1, "0.1KByte"), Case(51, "0.1KByte"), Case(153, "0.1KByte"), Case(154, "0.2KByte"),
-          Case(512, "0.5KByte"), Case(972, "0.9KByte"), Case(973, "1KByte"), Case(1023, "1KByte"),
-          Case(1076, "1.1KByte"), Case(1536, "1.5KByte"), Case(1048064, "1023.5KByte"), Case(1048575, "1024KByte"),
-          Case(1048576, "1MByte"), Case(1572864, "1.5MByte"), Case(4294967295, "4096MByte"),
+         {Case(0, "0KByte"), Case(1, "0.1KByte"), Case(153, "0.1KByte"), Case(154, "0.2KByte"), Case(512, "0.5KByte"),
+          Case(972, "0.9KByte"), Case(973, "1KByte"), Case(1536, "1.5KByte"), Case(1048064, "1023.5KByte"),
+          Case(1048575, "1024KByte"), Case(1048576, "1MByte"), Case(4294967295, "4096MByte"),
           Case(5368709120, "5120MByte"), Case(1099512152064, "1048576.5MByte"),
           Case(UINT64_MAX, "17592186044416MByte")}) {
         EXPECT_EQ(ConvertSize(size), text) << size;

@@ -69,8 +69,6 @@ TEST_F(Rows, PatternsMatchWholeNames)
     for (const auto& [locale, letter] : {std::pair(kTwoByteLocale, std::string("??")), {kUtf8Locale, "?"}}) {
         SetLocale(locale);
         EXPECT_TRUE(MatchPattern(letter + "?.txt", "\xC3\xA4\xFF.txt")) << locale;
-        EXPECT_FALSE(MatchPattern(letter + ".txt", "\xC3\xA4\xFF.txt")) << locale;
-        EXPECT_TRUE(MatchPattern("*\xFF", "\xC3\xA4\xFF")) << locale;
         EXPECT_FALSE(MatchPattern("\xFF", "\xFE")) << locale;
     }
     EXPECT_TRUE(IsUsablePattern("a") && !IsUsablePattern("") &&

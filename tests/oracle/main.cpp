@@ -139,18 +139,19 @@ bool RunFailing(const Rehearsal& plan, int call, int error, std::string* wrong)
 /// Errors that a call may really give. ENOENT for what exists would be a lie.
 const std::vector<int>& PlausibleErrors(const std::string& call)
 {
-    static const std::map<std::string, std::vector<int>> kErrors = {{"pwrite", {ENOSPC, EINTR}},
-                                                                    {"pread", {EINTR}},
-                                                                    {"copy_file_range", {ENOSPC, EXDEV, EINVAL}},
-                                                                    {"lseek", {EINVAL}},
-                                                                    {"ftruncate", {ENOSPC}},
-                                                                    {"fdatasync", {ENOSPC}},
-                                                                    {"linkat", {ENOSPC, EEXIST}},
-                                                                    {"mkdirat", {EACCES}},
-                                                                    {"O_TMPFILE", {EACCES, EOPNOTSUPP}},
-                                                                    {"renameat", {EXDEV, EBUSY}},
-                                                                    {"renameat2", {EXDEV, EINVAL}},
-                                                                    {"readdir", {}}};
+    using Errors = std::pair<const std::string, std::vector<int>>;
+    static const std::map<std::string, std::vector<int>> kErrors = {Errors("pwrite", {ENOSPC, EINTR}),
+                                                                    Errors("pread", {EINTR}),
+                                                                    Errors("copy_file_range", {ENOSPC, EXDEV, EINVAL}),
+                                                                    Errors("lseek", {EINVAL}),
+                                                                    Errors("ftruncate", {ENOSPC}),
+                                                                    Errors("fdatasync", {ENOSPC}),
+                                                                    Errors("linkat", {ENOSPC, EEXIST}),
+                                                                    Errors("mkdirat", {EACCES}),
+                                                                    Errors("O_TMPFILE", {EACCES, EOPNOTSUPP}),
+                                                                    Errors("renameat", {EXDEV, EBUSY}),
+                                                                    Errors("renameat2", {EXDEV, EINVAL}),
+                                                                    Errors("readdir", {})};
     static const std::vector<int> kOthers = {EACCES};
     const auto known = kErrors.find(call);
     return known != kErrors.end() ? known->second : kOthers;
