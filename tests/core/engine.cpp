@@ -273,25 +273,4 @@ TEST_F(Engine, WhereRightsAreMissing)
     EXPECT_EQ(RunInChild(tell), CHILD_PASSED);
 }
 
-TEST_F(Engine, InADirectoryThatAllShareTheFilesOfOthersStay)
-{
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "takes two users";
-    }
-    Make({{"shared", "01777 /"}, {"shared/file", "theirs"}});
-    const Said refused = {{Failure("delete shared/file", "Operation not permitted")}, 1};
-    EXPECT_EQ(RunInChild([&] {
-                  BecomeOrdinaryUser(files);
-                  Make({{"file", "mine"}});
-                  const Tree before = Show();
-                  for (const char* const command : {"copy file > shared !", "move file > shared !"}) {
-                      Answer("y");
-                      EXPECT_EQ(Run(command), RESULT_OK);
-                      EXPECT_EQ(Hear(), refused);
-                      EXPECT_EQ(Show(), before);
-                  }
-              }),
-              CHILD_PASSED);
-}
-
 }  // namespace

@@ -50,23 +50,19 @@ TEST_F(Find, WhatMatchesAndTheWayThere)
     EXPECT_EQ(Below("e*"), (Paths{"empty/", "sub/", "sub/deep/", "sub/deep/er/"}));
     EXPECT_EQ(Below("[!a-z]*"), (Paths{".h.c", "B.c"}));
     EXPECT_EQ(Below("A.C"), Paths());
-    EXPECT_EQ(Below("["), Paths());
     EXPECT_EQ(Search({files.At("sub/deep/"), "*", true}), (Paths{"er/", "er/z.c", "note"}));
     EXPECT_EQ(Search({files.At("gone/"), "*", true}), Paths());
     EXPECT_EQ(Search({files.At("loop/"), "*", true}), Paths()) << "exchanged for a link";
-    const Paths top = Search({"/", "*", false});
-    EXPECT_NE(std::find(top.begin(), top.end(), "proc/"), top.end());
 }
 
-TEST_F(Find, DeepDirectoriesAreSearchedToTheirEnd)
+TEST_F(Find, DeepDirectoriesAreSearchedToTheEnd)
 {
     constexpr int kDepth = 600;
-    const std::string name(100, 'd');
     Require(chdir(files.Path().c_str()) == 0, "chdir");
     for (int i = 0; i < kDepth; ++i) {
+        const std::string name(100, 'd');
         Require(mkdir(name.c_str(), 0755) == 0 && chdir(name.c_str()) == 0, name);
     }
-    files.File("other");
     Require(mkdir("here", 0755) == 0 && chdir("/") == 0, "here");
     const Paths found = Below("here");
     ASSERT_EQ(found.size(), kDepth + 1U);

@@ -96,14 +96,14 @@ TEST_F(Settings, TheLayoutOfTheWindowIsSavedIfThereIsOne)
 
 TEST_F(Settings, EachFlagHasItsOwnKey)
 {
-    const std::pair<const char*, int GTable::*> flags[] = {
+    const std::map<std::string, int GTable::*> flags = {
         {"ShowBackup", &GTable::ShowBackup},   {"ShowHidden", &GTable::ShowHidden},
         {"SortCase", &GTable::SortCase},       {"MixFileDir", &GTable::MixFileDir},
         {"ConfilmDel", &GTable::ConfilmDel},   {"ConfilmOverwrite", &GTable::ConfilmOverwrite},
         {"ConfilmExec", &GTable::ConfilmExec}, {"ShowProgress", &GTable::ShowProgress}};
     for (const auto& [key, changed] : flags) {
-        const int value = 1 - GTable().*changed;
-        Load(std::string("[Setting]\n") + key + (value != 0 ? "=yes\n" : "=no\n") + "[Other]\nShowHidden=yes\n");
+        const bool value = GTable().*changed == 0;
+        Load("[Setting]\n" + key + (value ? "=yes\n" : "=no\n") + "[Other]\nShowHidden=yes\n");
         for (const auto& [other, flag] : flags) {
             EXPECT_EQ(table.*flag, flag == changed ? value : GTable().*flag) << key << " and " << other;
         }
@@ -131,16 +131,15 @@ TEST_F(Settings, KeysMatchAsBeginningsOfLines)
     EXPECT_EQ(GetString("[S]\nKey=12345", "[S]", "Key", value, 6), FILE_DONE);
 }
 
-TEST_F(Settings, ValuesAreTakenAsFarAsTheyGo)
+TEST_F(Settings, ValuesAreReadAsFarAsTheyGo)
 {
     constexpr int kKept = 7;
     // As a number, as a flag, as a colour component.
     using Case = std::tuple<std::string, int, int, int>;
     for (const auto& [value, expected_number, expected_flag, expected_component] :
-         {Case("12", 12, 0, 3072), Case("  -20", -20, 0, 0), Case("+5x", 5, 0, 1280), Case("abc", 0, 0, 0),
-          Case("", 0, 0, 0), Case("255", 255, 0, 65280), Case("256", 256, 0, 0),
-          Case("99999999999999999999", INT_MAX, kKept, 0), Case("-99999999999", INT_MIN, 0, 0), Case("YeS", 0, 1, 0),
-          Case("yesxxxxxxxxxxx", 0, 1, 0), Case("yesxxxxxxxxxxxx", 0, kKept, 0), Case("ye", 0, 0, 0),
+         {Case("  -20", -20, 0, 0), Case("+5x", 5, 0, 1280), Case("abc", 0, 0, 0), Case("255", 255, 0, 65280),
+          Case("256", 256, 0, 0), Case("99999999999999999999", INT_MAX, kKept, 0), Case("-99999999999", INT_MIN, 0, 0),
+          Case("yEsxxxxxxxxxxx", 0, 1, 0), Case("yesxxxxxxxxxxxx", 0, kKept, 0), Case("ye", 0, 0, 0),
           Case(std::string(61, '0') + "1", 1, kKept, 256), Case(std::string(62, '0') + "1", kKept, kKept, kKept)}) {
         const std::string text = "[Setting]\nKey = " + value + "\n";
         int number = kKept;
@@ -149,8 +148,7 @@ TEST_F(Settings, ValuesAreTakenAsFarAsTheyGo)
         GetNumeric(text.c_str(), "[Setting]", "Key", number);
         GetFlag(text.c_str(), "[Setting]", "Key", flag);
         GetColor(text.c_str(), "Key", component);
-        EXPECT_EQ((std::vector<int>{number, flag, component}),
-                  (std::vector{expected_number, expected_flag, expected_component}))
+        EXPECT_EQ(std::tuple(number, flag, component), std::tuple(expected_number, expected_flag, expected_component))
             << value;
     }
 }
@@ -158,25 +156,25 @@ TEST_F(Settings, ValuesAreTakenAsFarAsTheyGo)
 TEST_F(Settings, UnusableColumnsGiveTheDefaultLayout)
 {
     using Columns = std::vector<int>;
-    // The stored count and positions, and what is shown; the stored widths are 200 and up.
+    const Columns defaults = {0, 1, 8};
+    const Columns reversed = {10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+    // The stored count and positions, and what is shown. Stored widths are 200 and up.
     using Case = std::tuple<const char*, Columns, Columns>;
-    for (const auto& [count, positions, usable] :
-         {Case("1", {0}, {0}), Case("4", {10, 9, 0, 3}, {10, 9, 0, 3}), Case("2", {1, 0, 0}, {1, 0}),
-          Case("11", {10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0}, {10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0}), Case("0", {0, 1, 2}, {}),
-          Case("-1", {0, 1, 2}, {}), Case("12", {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0}, {}), Case("2147483647", {0}, {}),
-          Case("many", {0}, {}), Case("2", {0, 11}, {}), Case("2", {0, -1}, {}), Case("3", {0, 1, 1}, {}),
-          Case("2", {1, 2}, {})}) {
+    for (const auto& [count, positions, shown] :
+         {Case("1", {0}, {0}), Case("2", {1, 0, 0}, {1, 0}), Case("11", reversed, reversed),
+          Case("0", {0, 1}, defaults), Case("-1", {0, 1}, defaults), Case("12", reversed, defaults),
+          Case("2147483647", {0}, defaults), Case("many", {0}, defaults), Case("2", {0, 11}, defaults),
+          Case("2", {0, -1}, defaults), Case("3", {0, 1, 1}, defaults), Case("2", {1, 2}, defaults)}) {
         std::string text = std::string("[Detailed View]\nColumnCount=") + count + "\n";
         for (std::size_t i = 0; i < positions.size(); ++i) {
             text += FormatText("ColumnPosition%zu=%d\nColumnSize%zu=%zu\n", i, positions[i], i, 200 + i);
         }
         SCOPED_TRACE(text);
         Load(text);
-        const auto shown = table.ColumnPosition.begin();
-        EXPECT_EQ(Columns(shown, shown + table.ColumnCount), usable.empty() ? (Columns{0, 1, 8}) : usable);
-        EXPECT_EQ(table.ColumnSize[0], usable.empty() ? 150 : 200);
-        EXPECT_EQ(table.ColumnSize[static_cast<std::size_t>(table.ColumnCount - 1)],
-                  usable.empty() ? 0 : 199 + table.ColumnCount);
+        const auto begin = table.ColumnPosition.begin();
+        EXPECT_EQ(Columns(begin, begin + table.ColumnCount), shown);
+        EXPECT_EQ(table.ColumnSize[0], shown == defaults ? 150 : 200);
+        EXPECT_EQ(table.ColumnSize[shown.size() - 1], shown == defaults ? 0 : 199 + table.ColumnCount);
     }
     // One position is missing: the widths up to there are kept.
     Load("[Detailed View]\nColumnCount=4\nColumnPosition0=5\nColumnSize0=200\nColumnPosition1=0\nColumnSize1=201\n");
@@ -187,14 +185,13 @@ TEST_F(Settings, UnusableColumnsGiveTheDefaultLayout)
 TEST_F(Settings, HistoriesAndTextsThatDoNotFit)
 {
     const std::string longest(kMaxPathBytes, 'x');
-    const std::pair<std::string, History> cases[] = {
-        {"HistoryCount=2\nHistory0=a\nHistory1=b\nHistory2=c\n", {"a", "b"}},
-        {"HistoryCount=4\nHistory0=a\nHistory1=b\nHistory2=\nHistory3=d\n", {"a", "b", "d"}},
-        {"HistoryCount=2\nHistory0=" + longest + "\nHistory1=x" + longest + "\n", {longest}},
-        {"HistoryCount=12\nHistory10=k\nHistory1x=z\n", {"0=k", "k"}},  // A key is the beginning of a line.
-        {"HistoryCount=-1\nHistory0=a\n", {}},
-        {"History0=a\n", {}}};
-    for (const auto& [lines, expected] : cases) {
+    using Case = std::pair<std::string, History>;
+    for (const auto& [lines, expected] :
+         {Case("HistoryCount=2\nHistory0=a\nHistory1=b\nHistory2=c\n", {"a", "b"}),
+          Case("HistoryCount=4\nHistory0=a\nHistory1=b\nHistory2=\nHistory3=d\n", {"a", "b", "d"}),
+          Case("HistoryCount=2\nHistory0=" + longest + "\nHistory1=x" + longest + "\n", {longest}),
+          Case("HistoryCount=12\nHistory10=k\nHistory1x=z\n", {"0=k", "k"}),  // Keys match as beginnings.
+          Case("HistoryCount=-1\nHistory0=a\n", {}), Case("History0=a\n", {})}) {
         Load("[DirHistory]\n" + lines);
         EXPECT_EQ(table.DirHistory, expected) << lines.substr(0, 100);
     }
@@ -220,31 +217,12 @@ TEST_F(Settings, WithoutHomeNothingIsReadOrWritten)
 {
     const std::string stored = "[Setting]\nShowHidden=yes\n";
     home.File(".fennick", stored);
-    const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(home.Path());
-    const bool at_root = std::filesystem::exists("/.fennick");
-    const std::string too_long(kMaxPathBytes, 'h');
-    for (const char* const value : {static_cast<const char*>(nullptr), "", too_long.c_str()}) {
-        home_variable.Set(value);
+    for (const std::string& value : {std::string(), std::string(kMaxPathBytes, 'h')}) {
+        home_variable.Set(value.c_str());
         EXPECT_EQ(GetGTable(), FILE_DONE);
         EXPECT_EQ(table.ShowHidden, 0);
         EXPECT_EQ(SetGTable(LiveLayout()), FILE_DONE);
         EXPECT_EQ(home.Contents(".fennick"), stored);
-        EXPECT_EQ(std::filesystem::exists("/.fennick"), at_root);
-    }
-    std::filesystem::current_path(before);
-}
-
-// Over in no time, or the test never ends.
-TEST_F(Settings, GiantHistoriesAreReadInOnePass)
-{
-    std::string numbers;
-    while (numbers.size() < 1 << 20) {
-        numbers += "History" + std::to_string(numbers.size()) + "=x\n";
-    }
-    for (const std::string& text :
-         {numbers, std::string(1 << 20, '\n'), "History" + std::string(1 << 20, '1'), std::string(1 << 20, '\xFF')}) {
-        Load("[DirHistory]\nHistoryCount=2000000000\n" + text);
     }
 }
 

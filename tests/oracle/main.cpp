@@ -1,9 +1,9 @@
-// Random trees, commands and answers. What a command may do to the disk is told by judge.h; what it
-// does when nothing fails also says what is left undone when something does.
+// Random commands on random trees. judge.h tells what each may do to the disk; a run without a fault
+// tells what it should do.
 //
 //   oracle [--mode MODE] [--sequences N] [--seed S] [--user]
 //
-// Every sequence has a seed of its own, which is printed when it goes wrong: S for the first.
+// Each sequence has a seed, S for the first, which is printed when it goes wrong.
 
 #include <grp.h>
 #include <sys/wait.h>
@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -19,56 +18,13 @@
 #include <filesystem>
 #include <functional>
 
-#include "faults.h"
-#include "engine/fnkfiles-sync.h"
 #include "core/fnktable.h"
+#include "engine/fnkfiles-sync.h"
+#include "faults.h"
 #include "judge.h"
 #include "scratch.h"
 
 namespace {
-
-/// Whether there was an error other than one that starts like this.
-bool HasError(const std::string& allowed = "none")
-{
-    return std::any_of(answers.asked.begin(), answers.asked.end(), [&](const std::string& asked) {
-        return asked.starts_with("Error: ") && !asked.starts_with(allowed);
-    });
-}
-
-/// Four commands in a row without a fault.
-std::string RunPlain(std::uint64_t seed, const std::string& top)
-{
-    Random random(seed);
-    const Names names = RandomNames(random);
-    Disk before = RandomDisk(random, top, names);
-    WriteDisk(top, before);
-    before = ReadDisk(top);
-    std::string story = Describe(before);
-    for (int left = 4; left > 0; --left) {
-        const Command command(random, top, names, before);
-        story += command.Describe();
-        const std::optional<Reach> reach = Reach::Find(command, top);
-        const Result result = command.Run();
-        const Disk after = ReadDisk(top);
-        if (!reach) {
-            return {};
-        }
-        std::string wrong = Judge(before, after, *reach, false);
-        const bool is_there = !reach->HasSource() || before.contains(reach->source);
-        if (!command.agrees || !is_there || reach->Overlaps() || result == RESULT_CANCEL) {
-        } else if (result == RESULT_DONE && !HasError()) {
-            wrong += JudgeSuccess(before, after, *reach, answers.steps);
-        } else if (reach->kind == COMMAND_COPY && geteuid() == 0 && !HasError("Error: Cannot delete file ") &&
-                   answers.steps != CountSteps(before, reach->source)) {
-            wrong += std::to_string(answers.steps) + " steps: what is skipped is one too\n";
-        }
-        if (!wrong.empty()) {
-            return story + wrong + "The disk:\n" + Describe(after);
-        }
-        before = after;
-    }
-    return {};
-}
 
 /// One command, and what it does when nothing fails.
 struct Rehearsal {
@@ -77,11 +33,8 @@ struct Rehearsal {
           random(seed),
           names(RandomNames(random)),
           tree(RandomDisk(random, top, names)),
-          command(MakeCommand())
+          command(random, top, names, Prepare())
     {
-        command.script = Answers();
-        command.script.to_messages = {RESULT_OK};
-        command.script.to_deletes = {RESULT_YES_ALL};
         faults.is_old_file_system = seed % 4 == 0;
         reach = Reach::Find(command, top);
         result = command.Run();
@@ -115,9 +68,6 @@ struct Rehearsal {
     Result result;
     std::vector<std::string> asked;
     Disk after;
-
-private:
-    Command MakeCommand() { return {random, top, names, Prepare()}; }
 };
 
 /// Takes the temporaries out of the tree, and returns how many there were.
@@ -146,6 +96,20 @@ bool IsSilent(const Rehearsal& plan, Result result, const Disk& disk)
     return faults.failed_call == "fdatasync" || !HasSameContents(disk, plan.after);
 }
 
+/// Nothing fails, but the user may refuse.
+std::string RunPlain(std::uint64_t seed, const std::string& top)
+{
+    Rehearsal plan(seed, top);
+    std::string wrong;
+    for (const Result answer : {RESULT_OK, RESULT_CANCEL}) {
+        const Disk before = plan.Prepare();
+        plan.command.script.to_messages = plan.command.script.to_deletes = {answer};
+        plan.command.Run();
+        wrong += plan.reach ? plan.Story(Judge(before, ReadDisk(top), *plan.reach, false)) : "";
+    }
+    return wrong;
+}
+
 /// Runs the command with its call-th call failing; false when it makes fewer.
 bool RunFailing(const Rehearsal& plan, int call, int error, std::string* wrong)
 {
@@ -156,7 +120,7 @@ bool RunFailing(const Rehearsal& plan, int call, int error, std::string* wrong)
     faults.Disarm();
     const Disk disk = ReadDisk(plan.top);
     *wrong = Judge(before, disk, *plan.reach, true);
-    if (has_failed && !faults.disk_is_full && IsSilent(plan, result, disk)) {
+    if (has_failed && IsSilent(plan, result, disk)) {
         *wrong += "Not a word about it\n";
     }
     // What the engine gets around by itself.
@@ -172,28 +136,28 @@ bool RunFailing(const Rehearsal& plan, int call, int error, std::string* wrong)
     return has_failed;
 }
 
-/// What a call may really fail with. ENOENT for what is there would be a lie.
+/// Errors that a call may really give. ENOENT for what exists would be a lie.
 const std::vector<int>& PlausibleErrors(const std::string& call)
 {
-    static const std::map<std::string, std::vector<int>> kErrors = {
-        {"pwrite", {ENOSPC, EDQUOT, EINTR, EFBIG}},
-        {"pread", {EINTR}},
-        {"copy_file_range", {ENOSPC, EXDEV, EINVAL}},
-        {"lseek", {EINVAL}},
-        {"ftruncate", {ENOSPC, EFBIG}},
-        {"fdatasync", {ENOSPC}},
-        {"O_TMPFILE", {EACCES, EROFS, EOPNOTSUPP}},
-        {"linkat", {ENOSPC, EACCES, EEXIST}},
-        {"mkdirat", {EACCES, EMLINK}},
-        {"renameat", {EXDEV, EBUSY}},
-        {"renameat2", {EXDEV, EBUSY, EINVAL}},
-        {"readdir", {}},
-    };
+    using Errors = std::pair<const std::string, std::vector<int>>;
+    static const std::map<std::string, std::vector<int>> kErrors = {Errors("pwrite", {ENOSPC, EINTR}),
+                                                                    Errors("pread", {EINTR}),
+                                                                    Errors("copy_file_range", {ENOSPC, EXDEV, EINVAL}),
+                                                                    Errors("lseek", {EINVAL}),
+                                                                    Errors("ftruncate", {ENOSPC}),
+                                                                    Errors("fdatasync", {ENOSPC}),
+                                                                    Errors("linkat", {ENOSPC, EEXIST}),
+                                                                    Errors("mkdirat", {EACCES}),
+                                                                    Errors("O_TMPFILE", {EACCES, EOPNOTSUPP}),
+                                                                    Errors("renameat", {EXDEV, EBUSY}),
+                                                                    Errors("renameat2", {EXDEV, EINVAL}),
+                                                                    Errors("readdir", {})};
     static const std::vector<int> kOthers = {EACCES};
     const auto known = kErrors.find(call);
     return known != kErrors.end() ? known->second : kOthers;
 }
 
+/// Every call fails in turn, with each error that it may really fail with.
 std::string RunWithFaults(std::uint64_t seed, const std::string& top)
 {
     Rehearsal plan(seed, top);
@@ -212,17 +176,6 @@ std::string RunWithFaults(std::uint64_t seed, const std::string& top)
             }
         }
     }
-    return wrong;
-}
-
-std::string RunOnFullDisk(std::uint64_t seed, const std::string& top)
-{
-    const Rehearsal plan(seed, top);
-    std::string wrong;
-    faults.disk_is_full = true;
-    for (int call = 1; plan.reach && wrong.empty() && RunFailing(plan, call, ENOSPC, &wrong); ++call) {
-    }
-    faults.disk_is_full = false;
     return wrong;
 }
 
@@ -307,29 +260,16 @@ std::string RunSwapped(std::uint64_t seed, const std::string& top)
     return {};
 }
 
-/// As a user whom permissions stop.
-void BecomeOrdinaryUser()
-{
-    constexpr uid_t kNobody = 65534;
-    Require(geteuid() != 0 || (setgroups(0, nullptr) == 0 && setresgid(kNobody, kNobody, kNobody) == 0 &&
-                               setresuid(kNobody, kNobody, kNobody) == 0),
-            "another user");
-}
-
 }  // namespace
 
 int main(int argc, char** argv)
 {
     const std::map<std::string, std::string (*)(std::uint64_t seed, const std::string& top)> kModes = {
-        {"plain", RunPlain},
-        {"faults", RunWithFaults},
-        {"full", RunOnFullDisk},
-        {"kill", RunKilledEverywhere},
-        {"swap", RunSwapped}};
+        {"plain", RunPlain}, {"faults", RunWithFaults}, {"kill", RunKilledEverywhere}, {"swap", RunSwapped}};
     std::map<std::string, std::string> options = {{"--mode", "plain"}, {"--sequences", "1000"}, {"--seed", "1"}};
     for (int i = 1; i < argc; ++i) {
         if (argv[i] == std::string("--user")) {
-            BecomeOrdinaryUser();
+            Require(geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0), "user");
         } else if (i + 1 < argc) {
             options[argv[i]] = argv[i + 1];
             ++i;
@@ -348,7 +288,6 @@ int main(int argc, char** argv)
     GTable table;
     table.RootDir = table.CurrentDir = top;
     pGTable = &table;
-    const auto begin = std::chrono::steady_clock::now();
     int failures = 0;
     for (std::uint64_t seed = first; seed < first + sequences && failures < 3; ++seed) {
         EmptyDisk(top);
@@ -360,7 +299,5 @@ int main(int argc, char** argv)
     }
     EmptyDisk(top);
     EmptyDisk(files.At("deep/er/outside/"));
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
-    std::printf("%s: %d wrong, %.1f s\n", options["--mode"].c_str(), failures, taken.count());
     return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

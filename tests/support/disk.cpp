@@ -28,7 +28,7 @@ void WriteContent(const std::string& path, const std::string& content)
     }
 }
 
-/// Gives the owner all rights to an object while this lives, where that is needed and possible.
+/// Gives the owner all rights to an object for a while, if they are missing.
 class Unlocked {
 public:
     explicit Unlocked(const std::string& path) : path_(path)
@@ -137,37 +137,24 @@ const Object* FindObject(const Disk& disk, const std::string& path)
     return found != disk.end() ? &found->second : nullptr;
 }
 
-std::string Describe(const Object& object)
-{
-    if (object.IsLink()) {
-        return "link " + object.content;
-    }
-    char mode[16];
-    std::snprintf(mode, sizeof mode, "%o ", object.mode);
-    return (object.IsDirectory()     ? "directory "
-            : object.type == S_IFREG ? "file "
-                                     : "special ") +
-           (mode + object.content);
-}
-
 std::string Describe(const Disk& disk)
 {
     std::string lines;
     for (const auto& [path, object] : disk) {
-        lines += "  " + Printable(path) + "  " + Printable(Describe(object)) + "  of " + std::to_string(object.owner) +
-                 "  #" + std::to_string(object.inode) + "\n";
+        char facts[64];
+        std::snprintf(facts, sizeof facts, "  %o of %u #%lu  ", object.type | object.mode, object.owner, object.inode);
+        lines += "  " + Printable(path) + facts + Printable(object.content) + "\n";
     }
     return lines;
 }
 
 std::string Printable(const std::string& text)
 {
-    constexpr std::size_t kLongest = 120;
     std::string shown;
-    for (const char c : text.substr(0, kLongest)) {
+    for (const char c : text.substr(0, 120)) {
         char escaped[8];
         std::snprintf(escaped, sizeof escaped, "\\%02X", static_cast<unsigned char>(c));
         shown += c >= ' ' && c < 0x7F ? std::string(1, c) : escaped;
     }
-    return shown + (text.size() > kLongest ? "... (" + std::to_string(text.size()) + ")" : "");
+    return shown;
 }

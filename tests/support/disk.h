@@ -22,16 +22,14 @@ using Disk = std::map<std::string, Object>;
 
 /// top ends in "/". Whole pages of zeros become holes.
 void WriteDisk(const std::string& top, const Disk& disk);
-/// Reads what the owner could make readable too.
+/// Unlocks what the owner may unlock.
 Disk ReadDisk(const std::string& top);
 /// Removes everything below top, whatever its mode.
 void EmptyDisk(const std::string& top);
 
 const Object* FindObject(const Disk& disk, const std::string& path);
 
-/// Type, permission bits, and content or link text.
-std::string Describe(const Object& object);
-/// One line for each object, for people to read.
+/// One line an object: type and mode, owner, inode, content.
 std::string Describe(const Disk& disk);
-/// Escapes what cannot be printed, and shortens what nobody would read.
+/// Escaped where it must be, and cut.
 std::string Printable(const std::string& text);

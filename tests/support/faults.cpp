@@ -5,22 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <string_view>
 
 Faults faults;
 
 namespace {
 
 constexpr int kNeverAgain = 1'000'000;
-
-bool TakesRoom(std::string_view call)
-{
-    constexpr std::string_view kCalls[] = {"pwrite",  "write",     "copy_file_range", "ftruncate",
-                                           "mkdirat", "symlinkat", "linkat",          "O_TMPFILE"};
-    return std::find(std::begin(kCalls), std::end(kCalls), call) != std::end(kCalls);
-}
 
 bool FailsNow(const char* call)
 {
@@ -31,19 +22,11 @@ bool FailsNow(const char* call)
         return false;
     }
     ++faults.calls_made;
-    if (faults.calls_to_go == 0) {
-        errno = ENOSPC;
-        return TakesRoom(call);
-    }
     if (faults.calls_to_go.fetch_sub(1) != 1) {
         return false;
     }
     faults.failed_call = call;
-    if (faults.disk_is_full) {
-        errno = ENOSPC;
-        return TakesRoom(call);
-    }
-    faults.calls_to_go = kNeverAgain;  // One failure is enough; the rest is only counted.
+    faults.calls_to_go = kNeverAgain;  // The rest is only counted.
     if (faults.at_call) {
         faults.calls_to_go = -1;
         faults.at_call();
@@ -56,10 +39,12 @@ bool FailsNow(const char* call)
 
 }  // namespace
 
+#define DECLARE(type, call, parameters)       \
+    extern "C" type __real_##call parameters; \
+    extern "C" type __wrap_##call parameters; \
+    extern "C" type __wrap_##call parameters
 #define WRAP(type, call, bad, parameters, ...)                       \
-    extern "C" type __real_##call parameters;                        \
-    extern "C" type __wrap_##call parameters;                        \
-    extern "C" type __wrap_##call parameters                         \
+    DECLARE(type, call, parameters)                                  \
     {                                                                \
         return FailsNow(#call) ? (bad) : __real_##call(__VA_ARGS__); \
     }
@@ -91,9 +76,7 @@ WRAP(int, unlinkat, -1, (int at, const char* path, int flags), at, path, flags)
 WRAP(int, renameat, -1, (int from, const char* path, int to, const char* name), from, path, to, name)
 WRAP(int, open, -1, (const char* path, int flags, mode_t mode), path, flags, mode)
 
-extern "C" int __real_openat(int at, const char* path, int flags, mode_t mode);
-extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode);
-extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode)
+DECLARE(int, openat, (int at, const char* path, int flags, mode_t mode))
 {
     const bool is_new = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
     if (faults.is_old_file_system && (flags & O_TMPFILE) == O_TMPFILE) {
@@ -103,14 +86,11 @@ extern "C" int __wrap_openat(int at, const char* path, int flags, mode_t mode)
     return FailsNow(is_new ? "O_TMPFILE" : "openat") ? -1 : __real_openat(at, path, flags, mode);
 }
 // Hardened builds call openat by this name where they do not know the flags.
-extern "C" int __wrap___openat_2(int at, const char* path, int flags);
-extern "C" int __wrap___openat_2(int at, const char* path, int flags)
+DECLARE(int, __openat_2, (int at, const char* path, int flags))
 {
     return __wrap_openat(at, path, flags, 0);
 }
-extern "C" int __real_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
-extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags);
-extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* name, unsigned flags)
+DECLARE(int, renameat2, (int from, const char* path, int to, const char* name, unsigned flags))
 {
     if (faults.is_old_file_system) {
         errno = EINVAL;
@@ -118,10 +98,7 @@ extern "C" int __wrap_renameat2(int from, const char* path, int to, const char* 
     }
     return FailsNow("renameat2") ? -1 : __real_renameat2(from, path, to, name, flags);
 }
-
-extern "C" struct dirent* __real_readdir(DIR* stream);
-extern "C" struct dirent* __wrap_readdir(DIR* stream);
-extern "C" struct dirent* __wrap_readdir(DIR* stream)
+DECLARE(struct dirent*, readdir, (DIR * stream))
 {
     struct dirent* const entry = FailsNow("readdir") ? nullptr : __real_readdir(stream);
     if (entry != nullptr && faults.is_old_file_system) {
@@ -129,19 +106,14 @@ extern "C" struct dirent* __wrap_readdir(DIR* stream)
     }
     return entry;
 }
-
 #define WRAP_SYNC(call)                                                           \
-    extern "C" int __real_##call(int fd);                                         \
-    extern "C" int __wrap_##call(int fd);                                         \
-    extern "C" int __wrap_##call(int fd)                                          \
+    DECLARE(int, call, (int fd))                                                  \
     {                                                                             \
         return FailsNow(#call) ? -1 : faults.spares_disk ? 0 : __real_##call(fd); \
     }
 WRAP_SYNC(fdatasync)
 WRAP_SYNC(fsync)
-
-extern "C" void __wrap_sync();
-extern "C" void __wrap_sync()
+DECLARE(void, sync, ())
 {
     ++faults.syncs;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// The engine's calls of the system, all led through here by the linker: counted, and made to fail.
+// The engine's system calls, which the linker leads through here to be counted and made to fail.
 
 #include <atomic>
 #include <functional>
@@ -14,10 +14,9 @@ struct Faults {
     bool is_logging = false;
     std::string log = " ";            ///< The calls, each with a blank behind it.
     std::atomic<int> syncs = 0;       ///< Calls of sync(), which does not fail.
-    std::function<void()> at_call;    ///< Done at that call instead of failing it, if there is one.
-    bool disk_is_full = false;        ///< From that call on all that take room fail with ENOSPC; no other does.
-    bool is_old_file_system = false;  ///< Lacks unnamed files, types of entries, and renaming that replaces nothing.
-    bool spares_disk = false;         ///< Nothing here has to survive a failing machine.
+    std::function<void()> at_call;    ///< Runs at that call, which then does not fail.
+    bool is_old_file_system = false;  ///< No O_TMPFILE, no d_type, no RENAME_NOREPLACE.
+    bool spares_disk = false;         ///< Nothing has to survive a crash of the machine.
 
     /// The next run of the engine is to fail at its call-th call.
     void Arm(int call, int with_error)

@@ -1,26 +1,21 @@
 #pragma once
-// What the targets in tests/fuzz have in common. Each is one procedure that is handed bytes nobody
-// chose: built with clang (the preset "fuzz") it is driven by libFuzzer, in the ordinary tests
-// by support/replay.cpp.
+// What the targets in tests/fuzz share. Each target takes any bytes: libFuzzer drives it in the
+// preset "fuzz", support/replay.cpp in the ordinary tests.
 
-#include <fcntl.h>
-#include <langinfo.h>
 #include <locale.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
-#include <utility>
 
 #include "core/fnktable.h"
 #include "scratch.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Ends the program, which tells the driver that the input is a finding.
+/// Aborts, which the driver takes for a finding.
 inline void Expect(bool holds, const char* what)
 {
     if (!holds) {
@@ -34,15 +29,7 @@ inline std::string AsText(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Up to the first NUL, and what is behind it up to the next.
-inline std::pair<std::string, std::string> AsTwoTexts(const std::uint8_t* data, std::size_t size)
-{
-    const std::string both = AsText(data, size);
-    const std::string first = both.c_str();
-    return {first, first.size() < size ? both.c_str() + first.size() + 1 : ""};
-}
-
-/// Text is stepped through differently in these two locales; the size decides. True for UTF-8.
+/// The size decides between two locales that step through text differently. True for UTF-8.
 inline bool SetLocaleFor(std::size_t size)
 {
     static const locale_t kLocales[] = {newlocale(LC_ALL_MASK, "C", nullptr),
@@ -51,19 +38,13 @@ inline bool SetLocaleFor(std::size_t size)
     return size % 2 != 0;
 }
 
-/// A record of defaults and a home with files of any bytes in it.
+/// A home directory, and a record of defaults.
 struct FuzzHome {
     FuzzHome()
     {
         setenv("HOME", files.Path().c_str(), 1);
         table.RootDir = table.CurrentDir = files.Path();
         pGTable = &table;
-    }
-    void Write(const char* name, const std::string& data) const
-    {
-        unlink(files.At(name).c_str());  // Truncating would have the disk wait.
-        const int file = open(files.At(name).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-        Require(write(file, data.data(), data.size()) == static_cast<ssize_t>(data.size()) && close(file) == 0, name);
     }
 
     ScratchDirectory files;

@@ -1,12 +1,8 @@
-// Drives a target of tests/fuzz where there is no libFuzzer: every file of the corpus, then random
-// changes of them.
+// Drives a target of tests/fuzz without libFuzzer: every file of the corpus, then random changes.
 //
 //   fuzz-TARGET DIRECTORY RUNS [SEED]
 
-#include <algorithm>
-#include <cstdio>
 #include <random>
-#include <vector>
 
 #include "fuzz.h"
 
@@ -19,19 +15,10 @@ std::string Mutate(std::mt19937& engine, const std::vector<std::string>& corpus)
     for (std::size_t changes = 1 + below(6); changes > 0; --changes) {
         const std::size_t at = below(text.size() + 1);
         const std::string& other = corpus[below(corpus.size())];
-        switch (below(4)) {
-        case 0:
-            text.insert(at, 1, static_cast<char>(engine()));
-            break;
-        case 1:
-            text.insert(at, other.substr(below(other.size()), 1 + below(below(4) == 0 ? 4000 : 16)));
-            break;
-        case 2:
-            text.erase(at, 1 + below(8));
-            break;
-        default:
-            text.replace(at, 1, 1, "\0\n =/*[\xB0"[below(8)]);
-        }
+        const std::string inserts[] = {std::string(1, static_cast<char>(engine())),
+                                       std::string(1, "\0\n =/*[\xB0"[below(8)]),
+                                       other.substr(below(other.size()), 1 + below(below(4) == 0 ? 4000 : 16)), ""};
+        text.replace(at, below(2) * below(8), inserts[below(4)]);
     }
     return text;
 }
@@ -51,7 +38,7 @@ int main(int argc, char** argv)
     std::mt19937 engine(argc > 3 ? static_cast<unsigned>(std::atol(argv[3])) : 1);
     for (std::size_t i = 0; i < corpus.size() + static_cast<std::size_t>(std::atol(argv[2])); ++i) {
         const std::string text = i < corpus.size() ? corpus[i] : Mutate(engine, corpus);
-        // Of its own size, so that a sanitizer sees what is read behind its end.
+        // A copy without spare capacity lets a sanitizer see reads behind its end.
         const std::vector<std::uint8_t> data(text.begin(), text.end());
         LLVMFuzzerTestOneInput(data.data(), data.size());
     }
