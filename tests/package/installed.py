@@ -16,22 +16,6 @@ from pathlib import Path
 
 BUILD = os.path.abspath(sys.argv.pop(1))
 SOURCES = Path(__file__).resolve().parents[2]
-PICTURES = re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text())
-LANGUAGES = (SOURCES / "po/LINGUAS").read_text().split()
-
-FILES = {
-    "bin/fennick",
-    "share/applications/fennick-folder-handler.desktop",
-    "share/applications/fennick.desktop",
-    "share/doc/fennick/extension.example",
-    "share/fennick/Help/fennick.htm",
-    *(f"share/fennick/Help/{picture}" for picture in PICTURES),
-    *(f"share/locale/{language}/LC_MESSAGES/fennick.mo" for language in LANGUAGES),
-    "share/icons/hicolor/scalable/apps/fennick.svg",
-    *(f"share/icons/hicolor/{size}x{size}/apps/fennick.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)),
-    "share/man/man1/fennick.1",
-    "share/metainfo/alt.fennick.fennick.metainfo.xml",
-}
 
 
 def run(*command, **how):
@@ -54,31 +38,31 @@ class Installed(unittest.TestCase):
         cls.root = Path(f"{cls.directory}{cls.prefix}")
 
     def test_every_file_is_where_it_belongs(self):
-        found = {str(path.relative_to(self.directory)): path.lstat().st_mode
-                 for path in self.directory.rglob("*") if not path.is_dir()}
-        prefix = self.prefix.lstrip("/") + "/"
-        outside = [name for name in found if not name.startswith(prefix)]
-        inside = {name.removeprefix(prefix) for name in found}
-        self.assertEqual(outside, [])
-        self.assertEqual(inside, FILES)
-        for name, mode in found.items():
-            program = name.startswith(prefix + "bin/")
-            self.assertEqual(oct(mode), oct(stat.S_IFREG | (0o755 if program else 0o644)), name)
-        for path in self.root.glob("share/icons/hicolor/*x*/apps/*.png"):
-            size = struct.unpack(">II", path.read_bytes()[16:24])
-            self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
+        found = {str(path.relative_to(self.directory)): path for path in self.directory.rglob("*") if not path.is_dir()}
+        share = self.prefix.lstrip("/") + "/share/"
+        program = self.prefix.lstrip("/") + "/bin/fennick"
+        self.assertEqual([name for name in found if not name.startswith(share) and name != program], [])
+        for picture in re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text()):
+            self.assertIn(f"{share}fennick/Help/{picture}", found)
+        for language in (SOURCES / "po/LINGUAS").read_text().split():
+            self.assertIn(f"{share}locale/{language}/LC_MESSAGES/fennick.mo", found)
+        self.assertIn(f"{share}icons/hicolor/scalable/apps/fennick.svg", found)
+        self.assertEqual(len([name for name in found if name.endswith("/apps/fennick.png")]), 9)
+        for name, path in found.items():
+            self.assertEqual(oct(path.lstat().st_mode), oct(stat.S_IFREG | (0o755 if name == program else 0o644)), name)
+            if name.endswith("/apps/fennick.png"):
+                size = struct.unpack(">II", path.read_bytes()[16:24])
+                self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
 
     def test_the_program_runs_and_knows_where_its_files_are(self):
         program = self.root / "bin/fennick"
         version = run(program, "--version", env={}).stdout
-        self.assertTrue(version.startswith("Fennick  Version "), version)
-        text = program.read_bytes()
         for name in ("fennick/Help", "locale"):
-            self.assertIn(f"{self.prefix}/share/{name}".encode(), text)
+            self.assertIn(f"{self.prefix}/share/{name}".encode(), program.read_bytes())
         page = (self.root / "share/man/man1/fennick.1").read_text()
         self.assertNotIn("@", page)
         for name in ("share/doc/fennick/extension.example", "share/fennick/Help/fennick.htm", "share/locale/"):
-            self.assertIn(f"{self.prefix}/{name}", page)
+            self.assertTrue(f"{self.prefix}/{name}" in page and (self.root / name).exists(), name)
         number, date = version.split()[2:4]
         self.assertIn(f'<release version="{number}" date="{date.replace("/", "-")}"/>',
                       (self.root / "share/metainfo/alt.fennick.fennick.metainfo.xml").read_text())

@@ -55,20 +55,9 @@ class Packaged(unittest.TestCase):
         before = contents(self.root)
         self.dpkg("--install", self.package)
         self.assertIn("Status: install ok installed", self.dpkg("--status", "fennick"))
-        program = self.root / "usr/bin/fennick"
-        self.assertTrue(run(program, "--version").startswith("Fennick  Version "))
-        self.assertTrue((self.root / "usr/share/man/man1/fennick.1.gz").exists())
-        needs = run("dpkg-deb", "--field", self.package, "Depends")
-        for library in ("libc6 ", "libgtk-3-0", "libstdc++6 "):
-            self.assertIn(library, needs)
-        self.show_a_window(program)
-        self.dpkg("--purge", "fennick")
-        self.assertEqual(contents(self.root), before)
-        self.assertEqual((self.root / "var/lib/dpkg/status").read_text().strip(), "")
-
-    def show_a_window(self, program):
+        self.assertIn("libgtk-3-0", run("dpkg-deb", "--field", self.package, "Depends"))
         with tempfile.TemporaryDirectory() as home:
-            process = subprocess.Popen([program], env=dict(os.environ, HOME=home))
+            process = subprocess.Popen([self.root / "usr/bin/fennick"], env=dict(os.environ, HOME=home))
             self.addCleanup(process.kill)
             search = ["xdotool", "search", "--all", "--onlyvisible", "--pid", str(process.pid), "--name", "^Fennick$"]
             end = time.monotonic() + DEADLINE
@@ -78,6 +67,9 @@ class Packaged(unittest.TestCase):
                 time.sleep(0.02)
             process.terminate()
             self.assertEqual(process.wait(DEADLINE), 0)
+        self.dpkg("--purge", "fennick")
+        self.assertEqual(contents(self.root), before)
+        self.assertEqual((self.root / "var/lib/dpkg/status").read_text().strip(), "")
 
 
 if __name__ == "__main__":

@@ -190,8 +190,8 @@ TEST_F(Options, ColoursAreChosenAndConfirmed)
     };
     const Color before = pGTable->Colors[FT_DIRECTORY];
     During({OpenChooser("Directory"), PickColour("OK"), PressButton("Cancel")});
-    During({OpenChooser("Directory"), PickColour("Cancel"), OpenChooser("Socket"), PickColour("OK"),
-            PressButton("OK")});
+    During(
+        {OpenChooser("Directory"), PickColour("Cancel"), OpenChooser("Socket"), PickColour("OK"), PressButton("OK")});
     EXPECT_TRUE(is_equal(pGTable->Colors[FT_DIRECTORY], before.red, before.green, before.blue));
     EXPECT_TRUE(is_equal(pGTable->Colors[FT_SOCKET], 32767, 0, 65535));
 }

@@ -6,8 +6,10 @@
 
 namespace {
 
-const char* const kToggles[] = {"User Read",  "User Write", "User Exec",  "Set UID",     "Group Read", "Group Write",
-                                "Group Exec", "Set GID",    "Other Read", "Other Write", "Other Exec", "Sticky"};
+/// What can be changed, by the names that screen readers use.
+const char* const kFields[] = {"File name:", "Owner",      "Group",       "User Read",   "User Write",
+                               "User Exec",  "Set UID",    "Group Read",  "Group Write", "Group Exec",
+                               "Set GID",    "Other Read", "Other Write", "Other Exec",  "Sticky"};
 
 class Property : public WindowTest {
 protected:
@@ -31,23 +33,11 @@ protected:
         };
     }
     static DialogAct Rename(const std::string& name) { return Change("File name:", name); }
-    /// The text beside a caption.
-    static std::string Value(GtkWidget* dialog, const char* caption)
-    {
-        GtkWidget* const label = FindByText(dialog, caption);
-        GtkWidget* const grid = gtk_widget_get_parent(label);
-        int row = 0;
-        gtk_container_child_get(GTK_CONTAINER(grid), label, "top-attach", &row, nullptr);
-        return gtk_label_get_text(GTK_LABEL(gtk_grid_get_child_at(GTK_GRID(grid), 1, row)));
-    }
-    /// Whether name, owner, group and each toggle can be changed.
+    /// Whether each field can be changed.
     static std::string Sensitive(GtkWidget* dialog)
     {
         std::string digits;
-        for (const char* const name : {"File name:", "Owner", "Group"}) {
-            digits += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
-        }
-        for (const char* const name : kToggles) {
+        for (const char* const name : kFields) {
             digits += gtk_widget_is_sensitive(FindNamed(dialog, name)) ? '1' : '0';
         }
         return digits;
@@ -62,24 +52,27 @@ TEST_F(Property, ShowsWhatIsKnown)
     files.SetTimes("file\xFF", 1'000'000'000, 1'100'000'000);
     const ScopedVariable zone("TZ", "UTC");
     Start();
-    Open({"file\xFF"}, {[this](GtkWidget* dialog) {
-             EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(FindNamed(dialog, "File name:"))), "file\uFFFD");
-             EXPECT_EQ(Value(dialog, "Path:"), files.Path());
-             EXPECT_EQ(Value(dialog, "File size:"), "1.5KByte (1536Byte)");
-             EXPECT_EQ(Value(dialog, "Last accessed time:"), "Sep 09 2001 01:46:40");
-             EXPECT_EQ(Value(dialog, "Last modified time:"), "Nov 09 2004 11:33:20");
-             EXPECT_NE(FindByText(dialog, "4751"), nullptr);
-             std::string ticks;
-             for (const char* const name : kToggles) {
-                 GtkWidget* const tick = gtk_button_get_image(GTK_BUTTON(FindNamed(dialog, name)));
-                 ticks += gtk_widget_get_opacity(tick) > 0.5 ? '1' : '0';
-             }
-             EXPECT_EQ(ticks, "111110100010");
-             SendKey(dialog, GDK_KEY_Return);  // Presses Cancel.
-         }});
+    Open(
+        {"file\xFF"}, {[this](GtkWidget* dialog) {
+            EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(FindNamed(dialog, "File name:"))), "file\uFFFD");
+            for (const std::string& text : {files.Path(), std::string("1.5KByte (1536Byte)"),
+                                            std::string("Sep 09 2001 01:46:40"), std::string("Nov 09 2004 11:33:20")}) {
+                EXPECT_NE(FindByText(dialog, text), nullptr) << text;
+            }
+            std::string ticks;
+            for (const char* const name : kFields) {
+                GtkWidget* const field = FindNamed(dialog, name);
+                ticks += GTK_IS_ENTRY(field)                                                     ? ""
+                         : gtk_widget_get_opacity(gtk_button_get_image(GTK_BUTTON(field))) > 0.5 ? "1"
+                                                                                                 : "0";
+            }
+            EXPECT_EQ(ticks, "111110100010");
+            SendKey(dialog, GDK_KEY_Return);  // Presses Cancel.
+        }});
     const struct stat before = files.Status("link");
     Open({"link"}, {[](GtkWidget* dialog) {
-             EXPECT_TRUE(Value(dialog, "File type:").starts_with("Stalled link file (Exist file:no\uFFFDwhere"));
+             EXPECT_NE(FindByText(dialog, "Stalled link file (Exist file:no\uFFFDwhere" + std::string(300, 'x') + ")"),
+                       nullptr);
              EXPECT_LT(gtk_widget_get_allocated_width(dialog), 800);
              EXPECT_EQ(Sensitive(dialog), getuid() == 0 ? "111000000000000" : "101000000000000");
              PressButton("OK")(dialog);
@@ -102,16 +95,8 @@ TEST_F(Property, ChangesOnlyWhatDiffers)
                         },
                         ReadBox("The specified file already exists."), PressButton("Cancel")});
     EXPECT_EQ(ListRows().Row(RowOf("file\xFF")).mode & 07777U, 04644U);
-    // By keys alone: from Cancel to the tabs, to the second page, and from toggle to toggle.
     Open({"file\xFF"}, {[](GtkWidget* dialog) {
-             SendKey(dialog, GDK_KEY_Tab);
-             SendKey(dialog, GDK_KEY_Right);
-             for (const char* const name : kToggles) {
-                 SendKey(dialog, GDK_KEY_Tab);
-                 EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), FindNamed(dialog, name)) << name;
-             }
-             SendKey(dialog, GDK_KEY_space);
-             EXPECT_TRUE(Await([&] { return FindByText(dialog, "5644") != nullptr; }));
+             PressButton("Sticky")(dialog);
              Change("User Write")(dialog);
          }});
     EXPECT_EQ(Mode("file\xFF"), 05444U) << "and the name keeps its bytes";
@@ -174,7 +159,7 @@ TEST_F(Property, OnlyTheSuperuserChangesOwners)
     if (geteuid() != 0) {
         GTEST_SKIP() << "needs files of two users";
     }
-    Make({"nobodys", "theirs", "mine", "link -> nobodys"});
+    Make({"nobodys", "mine", "link -> nobodys"});
     Require(chown(files.At("nobodys").c_str(), 54321, 0) == 0, "chown");
     Start();
     const std::string refused = "Owner/Group cannot be changed.";
@@ -188,18 +173,11 @@ TEST_F(Property, OnlyTheSuperuserChangesOwners)
     EXPECT_EQ(files.Status("nobodys").st_gid, 1U);
 
     const OrdinaryUser user({&files, &home});
-    const auto give_away = [&](const char* name) {
-        Require(setresuid(0, 0, 0) == 0 && chown(files.At(name).c_str(), 0, 0) == 0 && setresuid(65534, 65534, 0) == 0,
-                name);
-    };
-    give_away("theirs");
-    Open({"theirs"}, {[](GtkWidget* dialog) {
-             EXPECT_EQ(Sensitive(dialog), "000000000000000");
-             SendClose(dialog);
-         }});
     Open({"mine"}, {[&](GtkWidget* dialog) {
                         EXPECT_EQ(Sensitive(dialog), "101111111111111");
-                        give_away("mine");
+                        Require(setresuid(0, 0, 0) == 0 && chown(files.At("mine").c_str(), 0, 0) == 0 &&
+                                    setresuid(65534, 65534, 0) == 0,
+                                "chown");
                         Change("Other Write")(dialog);
                     },
                     ReadBox("Permission cannot be changed."), ReadBox(refused)});
