@@ -19,8 +19,7 @@ def texts(language):
     return {text: translation for text, translation in catalogue.items() if text}
 
 
-def letter(label):
-    """The one that is underlined."""
+def mnemonic(label):
     return label[label.index("_") + 1].lower() if "_" in label else None
 
 
@@ -36,10 +35,10 @@ class Catalogues(unittest.TestCase):
                 with self.subTest(language=language, text=text):
                     self.assertEqual([translation[0].isspace(), translation[-1].isspace(), translation.count("\n")],
                                      [text[0].isspace(), text[-1].isspace(), text.count("\n")])
-                    self.assertEqual(letter(translation) is None, letter(text) is None)
-                    self.assertRegex(letter(translation) or "a", "[a-z]", "not on every keyboard")
+                    self.assertEqual(mnemonic(translation) is None, mnemonic(text) is None)
+                    self.assertRegex(mnemonic(translation) or "a", "[a-z]", "not on every keyboard")
             # The popup of a drop is answered by letters.
-            self.assertNotEqual(letter(known["Copy(_C)"]), letter(known["Move(_M)"]), language)
+            self.assertNotEqual(mnemonic(known["Copy(_C)"]), mnemonic(known["Move(_M)"]), language)
 
 
 if __name__ == "__main__":

@@ -6,7 +6,6 @@ import os
 import re
 import shutil
 import stat
-import struct
 import subprocess
 import sys
 import tempfile
@@ -24,46 +23,36 @@ def run(*command, **how):
 
 class Installed(unittest.TestCase):
     @classmethod
-    def scratch(cls):
-        directory = tempfile.mkdtemp(prefix="fennick-test.")
-        cls.addClassCleanup(shutil.rmtree, directory)
-        return Path(directory)
-
-    @classmethod
     def setUpClass(cls):
         os.umask(0o022)
-        cls.directory = cls.scratch()
+        cls.directory = Path(tempfile.mkdtemp(prefix="fennick-test."))
+        cls.addClassCleanup(shutil.rmtree, cls.directory)
         cls.prefix = re.search("^CMAKE_INSTALL_PREFIX:PATH=(.*)", Path(BUILD, "CMakeCache.txt").read_text(), re.M)[1]
         run("cmake", "--install", BUILD, env=dict(os.environ, DESTDIR=cls.directory))
         cls.root = Path(f"{cls.directory}{cls.prefix}")
 
     def test_every_file_is_where_it_belongs(self):
-        found = {str(path.relative_to(self.directory)): path for path in self.directory.rglob("*") if not path.is_dir()}
-        share = self.prefix.lstrip("/") + "/share/"
-        program = self.prefix.lstrip("/") + "/bin/fennick"
-        self.assertEqual([name for name in found if not name.startswith(share) and name != program], [])
+        for path in self.directory.rglob("*"):
+            if not path.is_dir():
+                mode = 0o755 if path == self.root / "bin/fennick" else 0o644
+                self.assertEqual(oct(path.lstat().st_mode), oct(stat.S_IFREG | mode), path)
+                self.assertTrue(mode == 0o755 or path.is_relative_to(self.root / "share"), path)
+        share = self.root / "share"
         for picture in re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text()):
-            self.assertIn(f"{share}fennick/Help/{picture}", found)
+            self.assertTrue((share / "fennick/Help" / picture).exists(), picture)
         for language in (SOURCES / "po/LINGUAS").read_text().split():
-            self.assertIn(f"{share}locale/{language}/LC_MESSAGES/fennick.mo", found)
-        self.assertIn(f"{share}icons/hicolor/scalable/apps/fennick.svg", found)
-        self.assertEqual(len([name for name in found if name.endswith("/apps/fennick.png")]), 9)
-        for name, path in found.items():
-            self.assertEqual(oct(path.lstat().st_mode), oct(stat.S_IFREG | (0o755 if name == program else 0o644)), name)
-            if name.endswith("/apps/fennick.png"):
-                size = struct.unpack(">II", path.read_bytes()[16:24])
-                self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
+            self.assertTrue((share / f"locale/{language}/LC_MESSAGES/fennick.mo").exists(), language)
+        self.assertEqual(len(list(share.glob("icons/hicolor/*/apps/fennick.*"))), 10)
 
-    def test_the_program_runs_and_knows_where_its_files_are(self):
+    def test_it_knows_where_its_files_are(self):
         program = self.root / "bin/fennick"
-        version = run(program, "--version", env={}).stdout
         for name in ("fennick/Help", "locale"):
             self.assertIn(f"{self.prefix}/share/{name}".encode(), program.read_bytes())
         page = (self.root / "share/man/man1/fennick.1").read_text()
         self.assertNotIn("@", page)
         for name in ("share/doc/fennick/extension.example", "share/fennick/Help/fennick.htm", "share/locale/"):
             self.assertTrue(f"{self.prefix}/{name}" in page and (self.root / name).exists(), name)
-        number, date = version.split()[2:4]
+        number, date = run(program, "--version", env={}).stdout.split()[2:4]
         self.assertIn(f'<release version="{number}" date="{date.replace("/", "-")}"/>',
                       (self.root / "share/metainfo/alt.fennick.fennick.metainfo.xml").read_text())
 
@@ -80,7 +69,8 @@ class Installed(unittest.TestCase):
         self.assertEqual(page.stderr, "")
 
     def test_a_directory_opens_from_another_program(self):
-        home = self.scratch()
+        home = Path(tempfile.mkdtemp(prefix="fennick-test."))
+        self.addCleanup(shutil.rmtree, home)
         moved = home / "moved"
         # Not below DESTDIR: this way the index of programs is made as well.
         run("cmake", "--install", BUILD, "--prefix", moved)
@@ -91,15 +81,13 @@ class Installed(unittest.TestCase):
         variables = dict(HOME=str(home), XDG_DATA_HOME=str(home), XDG_DATA_DIRS=f"{moved}/share",
                          XDG_CONFIG_HOME=str(home), XDG_CONFIG_DIRS=str(home), XDG_CURRENT_DESKTOP="",
                          PATH=f"{moved}/bin:" + os.environ["PATH"])
-        for name in ("plain", "with blank", "Ümläut", "100%20 'of' \"$it\""):
-            directory = home / name
-            directory.mkdir()
-            run("gio", "open", directory, env=dict(os.environ, **variables))
-            end = time.monotonic() + 20
-            while not report.exists() and time.monotonic() < end:
-                time.sleep(0.01)
-            self.assertEqual(report.read_text(), f"2\n--root\n{directory}\n")
-            report.unlink()
+        directory = home / "100%20 'Ümläut' \"$it\""
+        directory.mkdir()
+        run("gio", "open", directory, env=dict(os.environ, **variables))
+        end = time.monotonic() + 20
+        while not report.exists() and time.monotonic() < end:
+            time.sleep(0.01)
+        self.assertEqual(report.read_text(), f"2\n--root\n{directory}\n")
 
 
 if __name__ == "__main__":

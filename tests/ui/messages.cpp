@@ -25,6 +25,14 @@ protected:
     static void Return(GtkWidget* box) { SendKey(box, GDK_KEY_Return); }
     /// Starts a command of five steps.
     void Setup(OperationKind kind) { SetupProgress({files.At("tree/"), files.At("single")}, kind); }
+    static void ExpectBoxAbove(GtkWindow* below)
+    {
+        Answer([] { return MessageBox("Error", "Text", STYLE_SKIP); },
+               [below](GtkWidget* box) {
+                   EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(box)), below);
+                   SendClose(box);
+               });
+    }
     /// Nothing happens in the window below.
     void ExpectInputHeld()
     {
@@ -73,6 +81,7 @@ TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)
     ASSERT_NE(pGTable->ProgressDlg, nullptr);
     EXPECT_EQ(pGTable->ProgressTotal, 5);
     EXPECT_NE(FindByText(pGTable->ProgressDlg, "File deleting..."), nullptr);
+    ExpectBoxAbove(GTK_WINDOW(pGTable->ProgressDlg));
     for (int step = 1; step < 5; ++step) {
         EXPECT_EQ(UpdateProgress(), 0);
         // The bar follows at the next painting, not at every step.
@@ -88,6 +97,15 @@ TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)
     EXPECT_NE(gtk_grab_get_current(), nullptr) << "the command has not ended yet";
     EndProgress();
     EXPECT_EQ(gtk_grab_get_current(), nullptr);
+    // A command without a dialog holds the input, too.
+    pGTable->ShowProgress = 0;
+    Setup(OPERATION_MOVE);
+    EXPECT_EQ(pGTable->ProgressDlg, nullptr);
+    ExpectInputHeld();
+    ExpectBoxAbove(Window());
+    EndProgress();
+    ClickRow("single");
+    EXPECT_EQ(SelectedNames(), Names{"single"});
 }
 
 TEST_F(Messages, CancelIsHeardOnceUpToTheLastStep)
@@ -108,29 +126,6 @@ TEST_F(Messages, CancelIsHeardOnceUpToTheLastStep)
                pGTable->ProgressDlg);
     EXPECT_EQ(static_cast<unsigned>(UpdateProgress()), RESULT_CANCEL);
     EndProgress();
-}
-
-TEST_F(Messages, ABoxStaysAboveTheWindowThatItInterrupts)
-{
-    const auto ask = [&](GtkWindow* below) {
-        Answer([] { return MessageBox("Error", "Text", STYLE_SKIP); },
-               [&](GtkWidget* box) {
-                   EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(box)), below);
-                   SendClose(box);
-               });
-    };
-    Setup(OPERATION_COPY);
-    ask(GTK_WINDOW(pGTable->ProgressDlg));
-    EndProgress();
-    // A command without a dialog holds the input, too.
-    pGTable->ShowProgress = 0;
-    Setup(OPERATION_MOVE);
-    EXPECT_EQ(pGTable->ProgressDlg, nullptr);
-    ExpectInputHeld();
-    ask(Window());
-    EndProgress();
-    ClickRow("single");
-    EXPECT_EQ(SelectedNames(), Names{"single"});
 }
 
 }  // namespace

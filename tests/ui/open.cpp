@@ -115,7 +115,6 @@ TEST_F(Open, TheManualIsHandedToTheBrowser)
     const ScopedVariable path("PATH", programs.directory.Path().c_str());
     Start();
     const std::string program = files.At("bin/");
-    EXPECT_TRUE(FindManual(program).ends_with("/share/fennick/Help/fennick.htm")) << FindManual(program);
     for (const char* const beside : {"help/fennick.htm", "share/fennick/Help/fennick.htm"}) {
         const std::string manual = files.File(beside);
         EXPECT_EQ(FindManual(program), manual);
@@ -125,9 +124,7 @@ TEST_F(Open, TheManualIsHandedToTheBrowser)
     }
     Choose(MENU_MANUAL);
     const Names words = programs.Next();
-    ASSERT_EQ(words.size(), 2U);
-    EXPECT_EQ(words[0], browser);
-    EXPECT_TRUE(words[1].starts_with("/") && words[1].ends_with("/fennick.htm")) << words[1];
+    EXPECT_TRUE(words.size() == 2 && words[0] == browser && words[1].ends_with("/fennick.htm")) << Joined(words);
 }
 
 }  // namespace

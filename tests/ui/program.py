@@ -76,16 +76,14 @@ class Fennick:
     def keys(self, *keys):
         self.xdotool("key", "--clearmodifiers", *keys)
 
-    def settings(self):
-        """Values by key; of a key of several sections, that of the first."""
-        with open(f"{self.home}/.fennick", encoding="utf-8", errors="surrogateescape") as file:
-            return dict(reversed([line.rstrip("\n").split("=", 1) for line in file if "=" in line]))
-
     def ended(self):
+        """Stored values by key; of a key of several sections, that of the first."""
         status = self.process.wait(DEADLINE)
         self.errors.seek(0)
         assert (status, said := self.errors.read()) == (0, b""), f"{status} {said}"
-        return self.settings() if os.path.exists(f"{self.home}/.fennick") else None
+        if os.path.exists(f"{self.home}/.fennick"):
+            with open(f"{self.home}/.fennick", encoding="utf-8", errors="surrogateescape") as file:
+                return dict(reversed([line.rstrip("\n").split("=", 1) for line in file if "=" in line]))
 
     def end(self):
         self.process.terminate()
@@ -104,13 +102,13 @@ class Fennick:
         wait_for(lambda: f"{status}, {location}: {state()}", lambda: all(
             wanted in (None, seen) for wanted, seen in zip((status, location), state())), act)
 
-    def place_of(self, name, node=None, below=0):
+    def place_of(self, name, node=None):
         def look():
             found = self.find(name, node)
             place = found and Atspi.Component.get_extents(found, Atspi.CoordType.SCREEN)
             return place if place and place.width > 0 and place.x >= 0 else None
         place = wait_for(f"a place of {name}", look)
-        return str(place.x + min(place.width // 2, 20)), str(place.y + place.height // 2 + below)
+        return str(place.x + min(place.width // 2, 20)), str(place.y + place.height // 2)
 
     def click(self, name, *, times=1, node=None):
         self.xdotool("mousemove", *self.place_of(name, node), "click", "--repeat", str(times), "--delay", "50", "1")
@@ -139,13 +137,11 @@ class Program(unittest.TestCase):
 
     def test_the_command_line(self):
         inherited = {key: value for key, value in {**os.environ, "HOME": self.home}.items() if key != "DISPLAY"}
-        unset = "fennick: there is no display to open a window on, DISPLAY is not set\n"
-        for arguments, display, expected in [
-                (["--version"], {}, (0, "")), ([], {}, (1, unset)), ([], {"DISPLAY": ""}, (1, unset)),
-                ([], {"DISPLAY": "nowhere:7"}, (1, "fennick: cannot open the display nowhere:7\n"))]:
-            done = subprocess.run([PROGRAM, *arguments], env=inherited | display, capture_output=True, text=True)
+        for arguments, expected in [
+                (["--version"], (0, "")),
+                ([], (1, "fennick: there is no display to open a window on, DISPLAY is not set\n"))]:
+            done = subprocess.run([PROGRAM, *arguments], env=inherited, capture_output=True, text=True)
             self.assertEqual((done.returncode, done.stderr), expected)
-            self.assertEqual(done.stdout.startswith("Fennick  Version "), arguments == ["--version"])
         self.assertEqual(os.listdir(self.home), [])
         # Closed standard descriptors are used for nothing else.
         closed = ["sh", "-c", 'exec "$0" <&- >&- 2>&-', PROGRAM]
@@ -196,7 +192,6 @@ class Program(unittest.TestCase):
         os.chmod(viewer, 0o755)
         self.file("a b.txt", "...")
         self.file(".extension", f"[Extension]\ntxt={viewer}\n")
-        self.file("../other/.fennick", "[Main Window]\nWindowX=660\nWindowY=50\nWindowWidth=600\nWindowHeight=400\n")
         source = self.start()
         source.expect(f" {self.home}/dir/", f"{self.home}/dir/", lambda: source.click("dir", times=2, node=source.list))
         source.keys("Tab", "Down")
@@ -223,21 +218,6 @@ class Program(unittest.TestCase):
         self.assertEqual(os.readlink(f"/proc/{process}/exe"), PROGRAM, "it is not installed and finds itself")
         os.kill(process, signal.SIGTERM)
         wait_for("its end", lambda: not others())
-        target = self.start(home=f"{self.directory}/other")
-
-        def drop():
-            # Let go before the target has answered, the drag comes to nothing.
-            x, y = target.place_of("..", target.list, below=100)
-            moves = [word for i in range(8) for word in ("mousemove", x, str(int(y) + i), "sleep", "0.05")]
-            start = source.place_of("a b.txt", source.list)
-            source.xdotool("mousemove", *start, "mousedown", "1", "mousemove_relative", "30", "30", *moves, "mouseup", "1")
-            end = time.monotonic() + 10
-            while not os.path.exists(f"{target.home}/a b.txt") and time.monotonic() < end:
-                target.keys("m")  # Nothing takes it before the popup is there.
-        wait_for("the file", lambda: os.path.exists(f"{target.home}/a b.txt"), drop)
-        wait_for("the row", lambda: target.find("a b.txt", target.list))
-        wait_for("no original", lambda: not os.path.exists(f"{self.home}/a b.txt"))
-        target.end()
         source.keys("ctrl+w")
         source.ended()
 

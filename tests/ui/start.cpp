@@ -1,4 +1,4 @@
-// The command line, the first directories, and the texts in every language.
+// The command line, the first directories, and where the catalogues are.
 
 #include "app/fnktable-start.h"
 #include "core/fnkstring.h"
@@ -19,14 +19,11 @@ TEST_F(Start, OnlyTheFirstArgumentIsAnOption)
     std::filesystem::current_path(files.Path());
     const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
         {{}, home.Path(), ""},
-        {{"--root"}, "/", ""},
         {{"--root", dir}, "/", dir},
         {{"--home", dir + "/", "x"}, dir + "/", "x"},
         {{"--home", dir + "/missing", dir}, home.Path(), dir},
         {{"--home", file}, home.Path(), ""},
-        {{"--home", ""}, home.Path(), ""},
         {{"--home", too_long}, home.Path(), ""},
-        {{"--home"}, home.Path(), ""},
         {{"x", "--root", dir}, home.Path(), ""},
         {{"--home", "dir/.", "dir"}, dir + "/", dir + "/"},
         {{"--home", "link", "link"}, home.Path(), "link"}};
@@ -64,21 +61,6 @@ TEST_F(Start, StartsInsideTheRootOrAtIt)
     table.DirHistory = {"x"};
     SeedHistories();
     EXPECT_EQ(table.DirHistory, History{"x"});
-}
-
-TEST_F(Start, ColumnsAreKnownByTheirTitlesInEveryLanguage)
-{
-    SetLocale(kUtf8Locale);
-    for (const char* const language : kLanguages) {
-        const ScopedLanguage spoken(language);
-        for (int id = 0; id < kColumnKinds; ++id) {
-            EXPECT_EQ(GetListStringColumn(GetListColumnString(id).c_str()), id) << language;
-        }
-        for (const int none : {1, -1, 1000000}) {
-            EXPECT_EQ(GetMenuTipsString(none), "") << language;
-        }
-        EXPECT_EQ(GetToolTipsString(3), "") << language;
-    }
 }
 
 TEST_F(Start, CataloguesAreFoundBesideTheProgramUnlessTheyAreInstalled)
