@@ -5,7 +5,6 @@ a directory opens from another program. The first argument is the build director
 import os
 import re
 import shutil
-import stat
 import subprocess
 import sys
 import tempfile
@@ -31,12 +30,7 @@ class Installed(unittest.TestCase):
         run("cmake", "--install", BUILD, env=dict(os.environ, DESTDIR=cls.directory))
         cls.root = Path(f"{cls.directory}{cls.prefix}")
 
-    def test_every_file_is_where_it_belongs(self):
-        for path in self.directory.rglob("*"):
-            if not path.is_dir():
-                mode = 0o755 if path == self.root / "bin/fennick" else 0o644
-                self.assertEqual(oct(path.lstat().st_mode), oct(stat.S_IFREG | mode), path)
-                self.assertTrue(mode == 0o755 or path.is_relative_to(self.root / "share"), path)
+    def test_no_file_is_missing(self):
         share = self.root / "share"
         for picture in re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text()):
             self.assertTrue((share / "fennick/Help" / picture).exists(), picture)
@@ -48,25 +42,19 @@ class Installed(unittest.TestCase):
         program = self.root / "bin/fennick"
         for name in ("fennick/Help", "locale"):
             self.assertIn(f"{self.prefix}/share/{name}".encode(), program.read_bytes())
-        page = (self.root / "share/man/man1/fennick.1").read_text()
-        self.assertNotIn("@", page)
-        for name in ("share/doc/fennick/extension.example", "share/fennick/Help/fennick.htm", "share/locale/"):
-            self.assertTrue(f"{self.prefix}/{name}" in page and (self.root / name).exists(), name)
         number, date = run(program, "--version", env={}).stdout.split()[2:4]
         self.assertIn(f'<release version="{number}" date="{date.replace("/", "-")}"/>',
                       (self.root / "share/metainfo/alt.fennick.fennick.metainfo.xml").read_text())
 
     def test_what_describes_it_is_valid(self):
         share = self.root / "share"
-        entries = sorted((share / "applications").iterdir())
-        self.assertEqual(run("desktop-file-validate", *entries).stdout, "")
+        self.assertEqual(run("desktop-file-validate", *(share / "applications").iterdir()).stdout, "")
         metainfo = share / "metainfo/alt.fennick.fennick.metainfo.xml"
         checked = subprocess.run(["appstreamcli", "validate", "--no-net", metainfo], capture_output=True, text=True)
         self.assertIn("alt.fennick.fennick", checked.stdout)
         found = re.findall("^ *[EW]: .*", checked.stdout, re.MULTILINE)
         self.assertEqual([line for line in found if "url-homepage-missing" not in line], [], "it has no homepage")
-        page = run("man", "--warnings", "--local-file", share / "man/man1/fennick.1", env=dict(os.environ, LC_ALL="C.UTF-8"))
-        self.assertEqual(page.stderr, "")
+        self.assertNotIn("@", (share / "man/man1/fennick.1").read_text())
 
     def test_a_directory_opens_from_another_program(self):
         home = Path(tempfile.mkdtemp(prefix="fennick-test."))

@@ -59,19 +59,15 @@ TEST_F(Open, DirectoriesAreEnteredAndNodesExpanded)
 {
     const ScratchDirectory outside;
     files.Link("out", outside.Path());
-    Make({"a/below/file", "b/", "link -> a/../a/below", "loop -> loop", "turned.x"});
+    Make({"a/below/file", "link -> a/../a/below", "loop -> loop", "turned.x"});
     Start();
     Return("out", {ReadBox("The specified path cannot be operated.")});
     ExpectAt("", "out");
-    UnselectAllListRows();
-    EXPECT_FALSE(IsOffered(MENU_OPEN)) << "the root is expanded";
     Steps("node a");
     EXPECT_TRUE(IsOffered(MENU_OPEN));
     Steps("key F3 = a/");
     EXPECT_TRUE(IsExpanded(files.At("a/")));
     EXPECT_FALSE(IsOffered(MENU_OPEN));
-    Steps("node b = b/");
-    EXPECT_FALSE(IsOffered(MENU_OPEN)) << "nothing to expand";
     Steps(
         "visit .; select loop; key Return = . loop; select link; key Return = a/below/ file;"
         "visit .; select a; key F3 = a/; visit .; remove turned.x; make turned.x/; select turned.x; key Return");

@@ -51,7 +51,6 @@ protected:
             gtk_tree_view_row_activated(list, path.get(), gtk_tree_view_get_column(list, 0));
         }
     }
-    /// Titles of the columns of the file list.
     static std::string ListTitles()
     {
         Names titles;
@@ -104,12 +103,6 @@ TEST_F(Options, EverySwitchTakesEffectWhenItIsConfirmed)
         EXPECT_EQ(Joined(ListNames()), shown);
         ExpectConsistent();
     }
-    // Confirmed without a change, it sorts by name.
-    ClickTitle(2);
-    ClickTitle(2);
-    During({PressButton("OK")});
-    EXPECT_TRUE(IsShownAscending());
-    EXPECT_EQ(Joined(ListNames()), shown);
 }
 
 TEST_F(Options, TheWindowStaysWhereItIs)

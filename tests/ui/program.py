@@ -154,19 +154,13 @@ class Program(unittest.TestCase):
     def test_a_desktop_knows_its_windows(self):
         stored = dict(WindowX="101", WindowY="87", WindowWidth="643", WindowHeight="431", PandPosition="213")
         self.file(".fennick", "[Main Window]\n" + "".join(f"{key}={value}\n" for key, value in stored.items()))
-        fennick = self.start(DESKTOP_STARTUP_ID="launcher-7_TIME0")
-
-        def prop(window, name, *form):
-            found = subprocess.run(["xprop", "-id", window, "-notype", *form, name], capture_output=True, text=True)
-            return found.stdout.split("=", 1)[-1].split("#")[-1].strip()
-
-        self.assertEqual(prop(fennick.window, "WM_CLASS"), '"fennick", "Fennick"')
-        self.assertEqual(prop(prop(fennick.window, "WM_CLIENT_LEADER"), "_NET_STARTUP_ID"), '"launcher-7_TIME0"')
+        fennick = self.start()
+        found = subprocess.run(["xprop", "-id", fennick.window, "-notype", "WM_CLASS"], capture_output=True, text=True)
+        self.assertEqual(found.stdout, 'WM_CLASS = "fennick", "Fennick"\n')
         fennick.keys("alt+s", "o")
-        dialog = wait_for("the options", lambda: fennick.windows("Option"))[0]
+        wait_for("the options", lambda: fennick.windows("Option"))
         # A screen reader looks at all of it; the toolkit must not complain when it ends.
         wait_for("its accessible", lambda: fennick.find("Option") and not fennick.find("nothing"))
-        self.assertTrue(prop(dialog, "_NET_WM_ICON", "32c").startswith("16, 16, "))
         fennick.keys("Escape")
         wait_for("its end", lambda: not fennick.windows("Option"))
         fennick.keys("alt+F4")  # The window manager's own.
@@ -195,8 +189,7 @@ class Program(unittest.TestCase):
         source.expect(f" {self.home}/dir/", f"{self.home}/dir/", lambda: source.click("dir", times=2, node=source.list))
         source.keys("Tab", "Down")
         source.expect(" x  0KByte")
-        source.click("Location")
-        source.keys("ctrl+a")
+        source.click("Location", times=3)
         source.xdotool("type", "--delay", "1", self.home)
         source.keys("Return")
         source.expect(location=f"{self.home}/")
@@ -237,10 +230,8 @@ class Program(unittest.TestCase):
             fennick.expect(" " + text("Select all files in the current Directory."))
             self.assertLessEqual(columns.items(), fennick.end().items())
 
-    def test_a_home_that_is_missing_or_closed(self):
+    def test_no_home_or_a_closed_one(self):
         Fennick(self, HOME=None).end()
-        done = subprocess.run([PROGRAM], env={**os.environ, "HOME": "/nowhere"}, capture_output=True, text=True)
-        self.assertEqual(done.stderr, "fennick: cannot read the directory /nowhere/\n")
         os.mkdir(f"{self.directory}/closed", 0o555)
         user = 65534 if os.geteuid() == 0 else None
         Fennick(self, home=f"{self.directory}/closed", user=user, NO_AT_BRIDGE="1").end()

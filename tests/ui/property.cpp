@@ -108,12 +108,10 @@ TEST_F(Property, ANewNameMustBeFree)
 {
     Make({"bad\xFF", "dir/", "dangling -> dir/new"});
     Start();
-    std::string long_name(512, 'x');  // The entry counts characters, the limit is one of bytes.
-    long_name.replace(0, 1, "\u00e9");
     DialogActs acts;
     for (const auto& [name, message] : {std::pair(std::string("dir"), "The specified directory already exists."),
                                         {"dangling", "The specified file already exists."},
-                                        {long_name, "Path is too long."},
+                                        {std::string(511, 'x') + "\u00e9", "Path is too long."},
                                         {"../no such name", "The specified path cannot be operated."}}) {
         acts.insert(acts.end(), {Rename(name), ReadBox(message)});
     }
