@@ -13,7 +13,6 @@ TOP = sys.argv.pop()
 
 
 def texts(language):
-    """Translations by text."""
     with open(os.path.join(CATALOGUES, language, "LC_MESSAGES", "fennick.mo"), "rb") as file:
         catalogue = gettext.GNUTranslations(file)._catalog  # There is no other way to list it.
     return {text: translation for text, translation in catalogue.items() if text}

@@ -92,7 +92,6 @@ TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)
     }
     EXPECT_EQ(UpdateProgress(), 0);
     EXPECT_EQ(pGTable->ProgressDlg, nullptr);
-    EXPECT_NE(gtk_grab_get_current(), nullptr) << "the command has not ended yet";
     EndProgress();
     EXPECT_EQ(gtk_grab_get_current(), nullptr);
     // A command without a dialog holds the input, too.

@@ -167,7 +167,6 @@ TEST_F(Options, ColumnsAreAddedRemovedAndMoved)
     EXPECT_EQ(ListTitles(), "Modification time,Name,User,Group");
     EXPECT_EQ(ListColumnWidths()[0], 199);
     EXPECT_EQ(ListColumnWidths()[1], 111);
-    EXPECT_EQ(pGTable->ColumnSize[2], 0);
     EXPECT_EQ(EffectiveSortColumn(), 2);
     ExpectAt("");
 }

@@ -90,7 +90,6 @@ class Fennick:
         return self.ended()
 
     def find(self, name, node=None):
-        """The first accessible of that name."""
         node = node or self.application
         if node.get_name() == name:
             return node

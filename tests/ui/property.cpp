@@ -20,7 +20,7 @@ protected:
         DuringDialogs([] { Choose(MENU_PROPERTY); }, acts);
     }
     /// Flips a toggle or fills an entry, and presses the button.
-    static DialogAct Change(const std::string& name, const std::string& text = "", const char* button = "OK")
+    static DialogAct Change(const std::string& name, const std::string& text = "")
     {
         return [=](GtkWidget* dialog) {
             GtkWidget* const widget = FindNamed(dialog, name);
@@ -29,7 +29,7 @@ protected:
             } else {
                 gtk_button_clicked(GTK_BUTTON(widget));
             }
-            PressButton(button)(dialog);
+            PressButton("OK")(dialog);
         };
     }
     static DialogAct Rename(const std::string& name) { return Change("File name:", name); }
@@ -81,9 +81,6 @@ TEST_F(Property, ChangesOnlyWhatDiffers)
 {
     Make({"file\xFF", "taken"});
     Start();
-    const struct stat before = files.Status("file\xFF");
-    Open({"file\xFF"}, {Change("User Exec", "", "Cancel")});
-    EXPECT_EQ(files.Status("file\xFF").st_ctim.tv_nsec, before.st_ctim.tv_nsec);
     // What was applied is shown although the rest is given up.
     Open({"file\xFF"}, {[](GtkWidget* dialog) {
                             PressButton("Set UID")(dialog);
@@ -95,7 +92,7 @@ TEST_F(Property, ChangesOnlyWhatDiffers)
              PressButton("Sticky")(dialog);
              Change("User Write")(dialog);
          }});
-    EXPECT_EQ(Mode("file\xFF"), 05444U) << "and the name keeps its bytes";
+    EXPECT_EQ(Mode("file\xFF"), 05444U);
     Open({"file\xFF"}, {[this](GtkWidget* dialog) {
                             files.Remove("file\xFF");
                             Change("User Exec")(dialog);
@@ -112,7 +109,7 @@ TEST_F(Property, ANewNameMustBeFree)
     for (const auto& [name, message] : {std::pair(std::string("dir"), "The specified directory already exists."),
                                         {"dangling", "The specified file already exists."},
                                         {std::string(511, 'x') + "\u00e9", "Path is too long."},
-                                        {"../no such name", "The specified path cannot be operated."}}) {
+                                        {"../none", "The specified path cannot be operated."}}) {
         acts.insert(acts.end(), {Rename(name), ReadBox(message)});
     }
     acts.push_back(EnterText("good"));  // The refused name has the focus and is selected.

@@ -56,9 +56,6 @@ TEST_F(Start, StartsInsideTheRootOrAtIt)
     EXPECT_EQ(table.LocationDirHistory, (History{files.At("root/"), "/a/"}));
     EXPECT_EQ(table.DirHistory, History{files.At("root/")});
     EXPECT_EQ(table.FilterHistory, History{"*"});
-    table.DirHistory = {"x"};
-    SeedHistories();
-    EXPECT_EQ(table.DirHistory, History{"x"});
 }
 
 TEST_F(Start, CataloguesAreFoundBesideTheProgramUnlessTheyAreInstalled)
