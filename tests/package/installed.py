@@ -5,8 +5,6 @@ a directory opens from another program. The first argument is the build director
 import os
 import re
 import shutil
-import stat
-import struct
 import subprocess
 import sys
 import tempfile
@@ -16,22 +14,6 @@ from pathlib import Path
 
 BUILD = os.path.abspath(sys.argv.pop(1))
 SOURCES = Path(__file__).resolve().parents[2]
-PICTURES = re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text())
-LANGUAGES = (SOURCES / "po/LINGUAS").read_text().split()
-
-FILES = {
-    "bin/fennick",
-    "share/applications/fennick-folder-handler.desktop",
-    "share/applications/fennick.desktop",
-    "share/doc/fennick/extension.example",
-    "share/fennick/Help/fennick.htm",
-    *(f"share/fennick/Help/{picture}" for picture in PICTURES),
-    *(f"share/locale/{language}/LC_MESSAGES/fennick.mo" for language in LANGUAGES),
-    "share/icons/hicolor/scalable/apps/fennick.svg",
-    *(f"share/icons/hicolor/{size}x{size}/apps/fennick.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)),
-    "share/man/man1/fennick.1",
-    "share/metainfo/alt.fennick.fennick.metainfo.xml",
-}
 
 
 def run(*command, **how):
@@ -40,63 +22,43 @@ def run(*command, **how):
 
 class Installed(unittest.TestCase):
     @classmethod
-    def scratch(cls):
-        directory = tempfile.mkdtemp(prefix="fennick-test.")
-        cls.addClassCleanup(shutil.rmtree, directory)
-        return Path(directory)
-
-    @classmethod
     def setUpClass(cls):
         os.umask(0o022)
-        cls.directory = cls.scratch()
+        cls.directory = Path(tempfile.mkdtemp(prefix="fennick-test."))
+        cls.addClassCleanup(shutil.rmtree, cls.directory)
         cls.prefix = re.search("^CMAKE_INSTALL_PREFIX:PATH=(.*)", Path(BUILD, "CMakeCache.txt").read_text(), re.M)[1]
         run("cmake", "--install", BUILD, env=dict(os.environ, DESTDIR=cls.directory))
         cls.root = Path(f"{cls.directory}{cls.prefix}")
 
-    def test_every_file_is_where_it_belongs(self):
-        found = {str(path.relative_to(self.directory)): path.lstat().st_mode
-                 for path in self.directory.rglob("*") if not path.is_dir()}
-        prefix = self.prefix.lstrip("/") + "/"
-        outside = [name for name in found if not name.startswith(prefix)]
-        inside = {name.removeprefix(prefix) for name in found}
-        self.assertEqual(outside, [])
-        self.assertEqual(inside, FILES)
-        for name, mode in found.items():
-            program = name.startswith(prefix + "bin/")
-            self.assertEqual(oct(mode), oct(stat.S_IFREG | (0o755 if program else 0o644)), name)
-        for path in self.root.glob("share/icons/hicolor/*x*/apps/*.png"):
-            size = struct.unpack(">II", path.read_bytes()[16:24])
-            self.assertEqual("{}x{}".format(*size), path.parts[-3], path)
+    def test_no_file_is_missing(self):
+        share = self.root / "share"
+        for picture in re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text()):
+            self.assertTrue((share / "fennick/Help" / picture).exists(), picture)
+        for language in (SOURCES / "po/LINGUAS").read_text().split():
+            self.assertTrue((share / f"locale/{language}/LC_MESSAGES/fennick.mo").exists(), language)
+        self.assertEqual(len(list(share.glob("icons/hicolor/*/apps/fennick.*"))), 10)
 
-    def test_the_program_runs_and_knows_where_its_files_are(self):
+    def test_it_knows_where_its_files_are(self):
         program = self.root / "bin/fennick"
-        version = run(program, "--version", env={}).stdout
-        self.assertTrue(version.startswith("Fennick  Version "), version)
-        text = program.read_bytes()
         for name in ("fennick/Help", "locale"):
-            self.assertIn(f"{self.prefix}/share/{name}".encode(), text)
-        page = (self.root / "share/man/man1/fennick.1").read_text()
-        self.assertNotIn("@", page)
-        for name in ("share/doc/fennick/extension.example", "share/fennick/Help/fennick.htm", "share/locale/"):
-            self.assertIn(f"{self.prefix}/{name}", page)
-        number, date = version.split()[2:4]
+            self.assertIn(f"{self.prefix}/share/{name}".encode(), program.read_bytes())
+        number, date = run(program, "--version", env={}).stdout.split()[2:4]
         self.assertIn(f'<release version="{number}" date="{date.replace("/", "-")}"/>',
                       (self.root / "share/metainfo/alt.fennick.fennick.metainfo.xml").read_text())
 
     def test_what_describes_it_is_valid(self):
         share = self.root / "share"
-        entries = sorted((share / "applications").iterdir())
-        self.assertEqual(run("desktop-file-validate", *entries).stdout, "")
+        self.assertEqual(run("desktop-file-validate", *(share / "applications").iterdir()).stdout, "")
         metainfo = share / "metainfo/alt.fennick.fennick.metainfo.xml"
         checked = subprocess.run(["appstreamcli", "validate", "--no-net", metainfo], capture_output=True, text=True)
         self.assertIn("alt.fennick.fennick", checked.stdout)
         found = re.findall("^ *[EW]: .*", checked.stdout, re.MULTILINE)
         self.assertEqual([line for line in found if "url-homepage-missing" not in line], [], "it has no homepage")
-        page = run("man", "--warnings", "--local-file", share / "man/man1/fennick.1", env=dict(os.environ, LC_ALL="C.UTF-8"))
-        self.assertEqual(page.stderr, "")
+        self.assertNotIn("@", (share / "man/man1/fennick.1").read_text())
 
     def test_a_directory_opens_from_another_program(self):
-        home = self.scratch()
+        home = Path(tempfile.mkdtemp(prefix="fennick-test."))
+        self.addCleanup(shutil.rmtree, home)
         moved = home / "moved"
         # Not below DESTDIR: this way the index of programs is made as well.
         run("cmake", "--install", BUILD, "--prefix", moved)
@@ -107,15 +69,13 @@ class Installed(unittest.TestCase):
         variables = dict(HOME=str(home), XDG_DATA_HOME=str(home), XDG_DATA_DIRS=f"{moved}/share",
                          XDG_CONFIG_HOME=str(home), XDG_CONFIG_DIRS=str(home), XDG_CURRENT_DESKTOP="",
                          PATH=f"{moved}/bin:" + os.environ["PATH"])
-        for name in ("plain", "with blank", "Ümläut", "100%20 'of' \"$it\""):
-            directory = home / name
-            directory.mkdir()
-            run("gio", "open", directory, env=dict(os.environ, **variables))
-            end = time.monotonic() + 20
-            while not report.exists() and time.monotonic() < end:
-                time.sleep(0.01)
-            self.assertEqual(report.read_text(), f"2\n--root\n{directory}\n")
-            report.unlink()
+        directory = home / "100%20 'Ümläut' \"$it\""
+        directory.mkdir()
+        run("gio", "open", directory, env=dict(os.environ, **variables))
+        end = time.monotonic() + 20
+        while not report.exists() and time.monotonic() < end:
+            time.sleep(0.01)
+        self.assertEqual(report.read_text(), f"2\n--root\n{directory}\n")
 
 
 if __name__ == "__main__":

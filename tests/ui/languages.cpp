@@ -1,8 +1,9 @@
-// Everything that is shown comes from the catalogue. The one used here marks the end of each line
-// of its texts.
+// All dialogs: every text comes from the catalogue, and the window below takes no input. The
+// catalogue used here marks the end of each line of its texts.
 
 #include "acts.h"
 #include "core/fnkraii.h"
+#include "core/fnkstring.h"
 #include "language.h"
 
 namespace {
@@ -30,18 +31,15 @@ protected:
     }
     static DialogAct Look(const DialogAct& act = SendClose)
     {
-        return [act](GtkWidget* dialog) {
-            LookAt(dialog);
-            act(dialog);
-        };
+        return [act](GtkWidget* dialog) { LookAt(dialog), act(dialog); };
     }
     static DialogAct PressMarked(const std::string& label)
     {
         return [label](GtkWidget* dialog) { PressButton((label + kMark).c_str())(dialog); };
     }
-    void Choose(MenuEntry entry, const DialogActs& acts)
+    static void Ask(MenuEntry entry, const DialogActs& acts)
     {
-        DuringDialogs([entry] { gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[entry])); }, acts);
+        DuringDialogs([entry] { Choose(entry); }, acts);
     }
     /// What is shown without the mark is a name, a path, a date or a mode.
     static void Take(const char* text)
@@ -57,27 +55,34 @@ private:
 TEST_F(Languages, EverythingThatIsShownComesFromTheCatalogue)
 {
     home.File(".extension", "[Application]\n1=1\n");
-    files.File("1");
-    files.Directory("2/3");
+    Make({"1", "2/3/"});
     Start();
     SelectNames({"1"});
     LookAt(pMainW->MainWindow);
-    for (const MenuEntry entry : {MENU_MOVE, MENU_DELETE, MENU_PROPERTY, MENU_SELECT_FILES, MENU_SYMBOLIC_LINK,
-                                  MENU_OPTION, MENU_SORT_COLUMN, MENU_FILTER_VIEW, MENU_ABORT}) {
-        Choose(entry, {Look()});
+    for (const MenuEntry entry : {MENU_MOVE, MENU_PROPERTY, MENU_SELECT_FILES, MENU_SYMBOLIC_LINK, MENU_OPTION,
+                                  MENU_SORT_COLUMN, MENU_FILTER_VIEW, MENU_ABORT}) {
+        Ask(entry, {Look([this](GtkWidget* dialog) {
+                EXPECT_FALSE(gtk_widget_is_sensitive(pMainW->FileList));
+                EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(dialog)), Window());
+                SendKey(pMainW->MainWindow, GDK_KEY_Tab);  // Goes to the dialog.
+                SendClose(dialog);
+            })});
+        EXPECT_EQ(SelectedNames(), Names{"1"});
+        EXPECT_TRUE(gtk_widget_is_sensitive(pMainW->FileList));
     }
-    Choose(MENU_COPY, {EnterText("//"), Look(), PressMarked("Browse..."), Look(), SendClose});
-    Choose(MENU_FIND_FILE, {Look(PressMarked("OK")), [](GtkWidget* dialog) {
-                                const std::string found = std::string("Match file list") + kMark;
-                                EXPECT_TRUE(Await([&] { return FindByText(dialog, found) != nullptr; }));
-                                Look()(dialog);
-                            }});
+    Ask(MENU_COPY, {EnterText("//"), Look(), PressMarked("Browse..."), Look(), SendClose});
+    Ask(MENU_FIND_FILE, {Look(PressMarked("OK")), [](GtkWidget* dialog) {
+                             const std::string found = std::string("Match file list") + kMark;
+                             EXPECT_TRUE(Await([&] { return FindByText(dialog, found) != nullptr; }));
+                             Look()(dialog);
+                         }});
     DuringDialogs([this] { Press(GDK_KEY_Return); }, {Look()});
     SelectNames({"2"});
-    Choose(MENU_DELETE, {PressMarked("Yes"), Look()});
+    Ask(MENU_DELETE, {Look(PressMarked("Yes")), Look()});
+    EXPECT_EQ(GetMenuTipsString(1), "") << "a separator";
     // The dialog knows the columns by their titles.
     const auto columns = pGTable->ColumnPosition;
-    Choose(MENU_OPTION, {PressMarked("OK")});
+    Ask(MENU_OPTION, {PressMarked("OK")});
     EXPECT_EQ(pGTable->ColumnPosition, columns);
 }
 

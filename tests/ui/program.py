@@ -76,27 +76,20 @@ class Fennick:
     def keys(self, *keys):
         self.xdotool("key", "--clearmodifiers", *keys)
 
-    def settings(self):
-        """Values by key; of a key of several sections, that of the first."""
-        with open(f"{self.home}/.fennick", encoding="utf-8", errors="surrogateescape") as file:
-            return dict(reversed([line.rstrip("\n").split("=", 1) for line in file if "=" in line]))
-
     def ended(self):
+        """Stored values by key; of a key of several sections, that of the first."""
         status = self.process.wait(DEADLINE)
         self.errors.seek(0)
         assert (status, said := self.errors.read()) == (0, b""), f"{status} {said}"
-        return self.settings() if os.path.exists(f"{self.home}/.fennick") else None
-
-    def close(self):
-        self.keys("alt+F4")  # The window manager's own.
-        return self.ended()
+        if os.path.exists(f"{self.home}/.fennick"):
+            with open(f"{self.home}/.fennick", encoding="utf-8", errors="surrogateescape") as file:
+                return dict(reversed([line.rstrip("\n").split("=", 1) for line in file if "=" in line]))
 
     def end(self):
         self.process.terminate()
         return self.ended()
 
     def find(self, name, node=None):
-        """The first accessible of that name."""
         node = node or self.application
         if node.get_name() == name:
             return node
@@ -108,13 +101,13 @@ class Fennick:
         wait_for(lambda: f"{status}, {location}: {state()}", lambda: all(
             wanted in (None, seen) for wanted, seen in zip((status, location), state())), act)
 
-    def place_of(self, name, node=None, below=0):
+    def place_of(self, name, node=None):
         def look():
             found = self.find(name, node)
             place = found and Atspi.Component.get_extents(found, Atspi.CoordType.SCREEN)
             return place if place and place.width > 0 and place.x >= 0 else None
         place = wait_for(f"a place of {name}", look)
-        return str(place.x + min(place.width // 2, 20)), str(place.y + place.height // 2 + below)
+        return str(place.x + min(place.width // 2, 20)), str(place.y + place.height // 2)
 
     def click(self, name, *, times=1, node=None):
         self.xdotool("mousemove", *self.place_of(name, node), "click", "--repeat", str(times), "--delay", "50", "1")
@@ -143,13 +136,11 @@ class Program(unittest.TestCase):
 
     def test_the_command_line(self):
         inherited = {key: value for key, value in {**os.environ, "HOME": self.home}.items() if key != "DISPLAY"}
-        unset = "fennick: there is no display to open a window on, DISPLAY is not set\n"
-        for arguments, display, expected in [
-                (["--version"], {}, (0, "")), ([], {}, (1, unset)), ([], {"DISPLAY": ""}, (1, unset)),
-                ([], {"DISPLAY": "nowhere:7"}, (1, "fennick: cannot open the display nowhere:7\n"))]:
-            done = subprocess.run([PROGRAM, *arguments], env=inherited | display, capture_output=True, text=True)
+        for arguments, expected in [
+                (["--version"], (0, "")),
+                ([], (1, "fennick: there is no display to open a window on, DISPLAY is not set\n"))]:
+            done = subprocess.run([PROGRAM, *arguments], env=inherited, capture_output=True, text=True)
             self.assertEqual((done.returncode, done.stderr), expected)
-            self.assertEqual(done.stdout.startswith("Fennick  Version "), arguments == ["--version"])
         self.assertEqual(os.listdir(self.home), [])
         # Closed standard descriptors are used for nothing else.
         closed = ["sh", "-c", 'exec "$0" <&- >&- 2>&-', PROGRAM]
@@ -160,75 +151,47 @@ class Program(unittest.TestCase):
         self.assertEqual([os.readlink(f"/proc/{process.pid}/fd/{number}") for number in range(3)], ["/dev/null"] * 3)
 
     def test_a_desktop_knows_its_windows(self):
-        stored = dict(WindowX="101", WindowY="87", WindowWidth="643", WindowHeight="431", PandPosition="213",
-                      ColumnCount="2", ColumnPosition0="0", ColumnPosition1="1", ColumnSize0="133", ColumnSize1="61")
-        lines = [f"{key}={value}\n" for key, value in stored.items()]
-        self.file(".fennick", "".join(["[Main Window]\n", *lines[:5], "[Detailed View]\n", *lines[5:]]))
-        self.assertLessEqual(stored.items(), self.start().close().items(), "the window drifts")
-        fennick = self.start(DESKTOP_STARTUP_ID="launcher-7_TIME0")
-
-        def prop(window, name, *form):
-            found = subprocess.run(["xprop", "-id", window, "-notype", *form, name], capture_output=True, text=True)
-            return found.stdout.split("=", 1)[-1].split("#")[-1].strip()
-
-        self.assertEqual(prop(fennick.window, "WM_CLASS"), '"fennick", "Fennick"')
-        self.assertEqual(prop(prop(fennick.window, "WM_CLIENT_LEADER"), "_NET_STARTUP_ID"), '"launcher-7_TIME0"')
+        stored = dict(WindowX="101", WindowY="87", WindowWidth="643", WindowHeight="431", PandPosition="213")
+        self.file(".fennick", "[Main Window]\n" + "".join(f"{key}={value}\n" for key, value in stored.items()))
+        fennick = self.start()
+        found = subprocess.run(["xprop", "-id", fennick.window, "-notype", "WM_CLASS"], capture_output=True, text=True)
+        self.assertEqual(found.stdout, 'WM_CLASS = "fennick", "Fennick"\n')
         fennick.keys("alt+s", "o")
-        dialog = wait_for("the options", lambda: fennick.windows("Option"))[0]
+        wait_for("the options", lambda: fennick.windows("Option"))
         # A screen reader looks at all of it; the toolkit must not complain when it ends.
         wait_for("its accessible", lambda: fennick.find("Option") and not fennick.find("nothing"))
-        self.assertTrue(prop(dialog, "_NET_WM_ICON", "32c").startswith("16, 16, "))
         fennick.keys("Escape")
         wait_for("its end", lambda: not fennick.windows("Option"))
-        fennick.close()
-
-    def test_a_day_at_mouse_and_keys(self):
-        for name, size in [("dir/inner/x", 0), ("a", 1000), ("b", 2000), ("c", 3000)]:
-            self.file(name, "." * size)
-        fennick, home = self.start(), self.home + "/"
-        fennick.expect(f" {home}", home)
-        fennick.click("b", node=fennick.list)
-        fennick.expect(" b  2KByte")
-        fennick.expect(f" {home}dir/", home + "dir/", lambda: fennick.click("dir", times=2, node=fennick.list))
-        fennick.keys("Tab", "Return")
-        fennick.expect(" x  0KByte", home + "dir/inner/")
-        fennick.click("Up")
-        fennick.expect(location=home + "dir/")
-        fennick.click("Location")
-        fennick.keys("ctrl+a")
-        fennick.xdotool("type", "--delay", "1", home + "dir/inner/nothing")
-        fennick.keys("Return")
-        fennick.expect(location=home + "dir/inner/")
-        fennick.click("Home")
-        fennick.expect(location=home)
-        fennick.xdotool("mousemove", *fennick.place_of("Rescan"))
-        fennick.expect("Rescan the current directory.")
-        fennick.keys("ctrl+a")
-        fennick.expect(" 4 files  9.9KByte")
-        fennick.keys("ctrl+w")
-        fennick.ended()
+        fennick.keys("alt+F4")  # The window manager's own.
+        self.assertLessEqual(stored.items(), fennick.ended().items(), "the window drifts")
 
     def test_signals_end_it_with_its_settings_written(self):
         broken = f"{self.home}/" + os.fsdecode(b"\xff\xfe")
         os.mkdir(broken)
-        for number, keys in [(signal.SIGTERM, []), (signal.SIGINT, []), (signal.SIGQUIT, ["alt+f", "Up"])]:
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGQUIT):
             fennick = self.start("--home", self.home, broken)
             os.remove(f"{self.home}/.fennick")
-            if keys:
-                fennick.keys(*keys)
-                fennick.expect(" Close this window.")
+            fennick.keys("alt+f", "Up")
+            fennick.expect(" Close this window.")
             fennick.process.send_signal(number)
             fennick.process.send_signal(signal.SIGTERM)
             self.assertEqual(fennick.ended()["CurrentDir"], broken + "/")
 
-    def test_other_programs_and_windows(self):
+    def test_mouse_keys_other_programs_and_windows(self):
+        self.file("dir/x")
         viewer = f"{self.home}/viewer"
         self.file("viewer", '#!/bin/sh\nprintf %s "$*" >"$0.new"\nmv "$0.new" "$0.seen"\n')
         os.chmod(viewer, 0o755)
         self.file("a b.txt", "...")
         self.file(".extension", f"[Extension]\ntxt={viewer}\n")
-        self.file("../other/.fennick", "[Main Window]\nWindowX=660\nWindowY=50\nWindowWidth=600\nWindowHeight=400\n")
         source = self.start()
+        source.expect(f" {self.home}/dir/", f"{self.home}/dir/", lambda: source.click("dir", times=2, node=source.list))
+        source.keys("Tab", "Down")
+        source.expect(" x  0KByte")
+        source.click("Location", times=3)
+        source.xdotool("type", "--delay", "1", self.home)
+        source.keys("Return")
+        source.expect(location=f"{self.home}/")
         wait_for("the viewer", lambda: os.path.exists(viewer + ".seen"),
                  lambda: source.click("a b.txt", times=2, node=source.list))
         with open(viewer + ".seen", encoding="utf-8") as file:
@@ -246,52 +209,28 @@ class Program(unittest.TestCase):
         self.assertEqual(os.readlink(f"/proc/{process}/exe"), PROGRAM, "it is not installed and finds itself")
         os.kill(process, signal.SIGTERM)
         wait_for("its end", lambda: not others())
-        target = self.start(home=f"{self.directory}/other")
-        for key, stays in [("c", True), ("m", False)]:
-            def drop():
-                # Let go before the target has answered, the drag comes to nothing.
-                x, y = target.place_of("..", target.list, below=100)
-                moves = [word for i in range(8) for word in ("mousemove", x, str(int(y) + i), "sleep", "0.05")]
-                start = source.place_of("a b.txt", source.list)
-                source.xdotool("mousemove", *start, "mousedown", "1", "mousemove_relative", "30", "30", *moves, "mouseup", "1")
-                end = time.monotonic() + 10
-                while not os.path.exists(f"{target.home}/a b.txt") and time.monotonic() < end:
-                    target.keys(key)  # Nothing takes it before the popup is there.
-            wait_for("the file", lambda: os.path.exists(f"{target.home}/a b.txt"), drop)
-            wait_for("the row", lambda: target.find("a b.txt", target.list))
-            wait_for("its original", lambda: os.path.exists(f"{self.home}/a b.txt") == stays)
-            os.remove(f"{target.home}/a b.txt")
-        target.end()
-        source.end()
+        source.keys("ctrl+w")
+        source.ended()
 
-    def test_a_day_abroad_and_at_home(self):
-        for name, charset in [("ja_JP", "EUC-JP"), ("de_DE", "UTF-8")]:
-            subprocess.run(["localedef", "-i", name, "-f", charset, f"{self.directory}/{name}.{charset}"], check=True)
-        columns = dict(ColumnCount="3", ColumnPosition0="0", ColumnPosition1="8", ColumnPosition2="1")
+    def test_other_locales(self):
+        subprocess.run(["localedef", "-i", "ja_JP", "-f", "EUC-JP", f"{self.directory}/ja_JP.EUC-JP"], check=True)
+        columns = dict(ColumnCount="2", ColumnPosition0="0", ColumnPosition1="8")
         self.file(".fennick", "[Detailed View]\n" + "".join(f"{key}={value}\n" for key, value in columns.items()))
-        self.file("a", "." * 1000)
+        self.file("a")
         os.utime(f"{self.home}/a", (983955900, 983955900))
-        japanese = ["ファイル(F)", "戻る", "名前", "更新日時", "2001/03/07 09:05"]
-        english = ["File(F)", "Back", "Name", "Mar 07 2001 09:05"]
-        german = ["Datei", "Zurück", "Größe", "Mar 07 2001 09:05"]
-        for locale, shown, key in [("ja_JP.EUC-JP", japanese, "alt+e"), ("de_DE.UTF-8", german, "alt+b"),
-                                   ("xx_YY.UTF-8", english, "alt+e")]:
+        for locale, shown in [("ja_JP.EUC-JP", ["ファイル(F)", "戻る", "名前", "更新日時", "2001/03/07 09:05"]),
+                              ("xx_YY.UTF-8", ["File(F)", "Back", "Name", "Mar 07 2001 09:05"])]:
             text = gettext.translation("fennick", f"{os.path.dirname(PROGRAM)}/locale", [locale], fallback=True).gettext
             fennick = Fennick(self, LANG=locale, LC_ALL=locale, LOCPATH=self.directory)
             fennick.look_for(*map(text, ("Status", "Location", "File list")))
             for each in shown:
                 wait_for(each, lambda: fennick.find(each))
-            # The letter of the Edit menu opens it; Ctrl+A means the same everywhere.
-            fennick.keys(key)
+            fennick.keys("alt+e")
             fennick.expect(" " + text("Select all files in the current Directory."))
-            fennick.keys("Escape", "Escape", "ctrl+a")
-            fennick.expect(" a  1KByte")
-            self.assertLessEqual(columns.items(), fennick.close().items())
+            self.assertLessEqual(columns.items(), fennick.end().items())
 
-    def test_a_home_that_is_missing_or_closed(self):
+    def test_no_home_or_a_closed_one(self):
         Fennick(self, HOME=None).end()
-        done = subprocess.run([PROGRAM], env={**os.environ, "HOME": "/nowhere"}, capture_output=True, text=True)
-        self.assertEqual(done.stderr, "fennick: cannot read the directory /nowhere/\n")
         os.mkdir(f"{self.directory}/closed", 0o555)
         user = 65534 if os.geteuid() == 0 else None
         Fennick(self, home=f"{self.directory}/closed", user=user, NO_AT_BRIDGE="1").end()
