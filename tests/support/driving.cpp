@@ -9,40 +9,28 @@
 namespace {
 
 /// Acts again and again once the deadline has passed, until it goes out of scope.
-class Deadline {
-public:
-    explicit Deadline(std::function<void()> act) : act_(std::move(act)) {}
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
+struct Deadline {
+    explicit Deadline(void (*act)()) : act_(act) {}
     ~Deadline() { g_source_remove(source_); }
-    bool HasPassed() const { return has_passed_; }
-
-private:
     static gboolean Pass(gpointer data)
     {
-        auto* const deadline = static_cast<Deadline*>(data);
-        deadline->has_passed_ = true;
-        deadline->act_();
+        static_cast<Deadline*>(data)->has_passed = true;
+        static_cast<Deadline*>(data)->act_();
         return G_SOURCE_CONTINUE;
     }
 
-    bool has_passed_ = false;
-    std::function<void()> act_;
+    bool has_passed = false;
+    void (*act_)();
     guint source_ = g_timeout_add_seconds(20, Pass, this);
 };
 
-Event NewEvent(GdkWindow* window, GdkEventType type, GdkDevice* device)
+Event NewEvent(GdkWindow* window, GdkEventType type, GdkDevice* (*device)(GdkSeat*))
 {
     Event event(gdk_event_new(type));
     event->any.window = GDK_WINDOW(g_object_ref(window));
     event->any.send_event = TRUE;
-    gdk_event_set_device(event.get(), device);
+    gdk_event_set_device(event.get(), device(gdk_display_get_default_seat(gdk_display_get_default())));
     return event;
-}
-
-GdkSeat* Seat()
-{
-    return gdk_display_get_default_seat(gdk_display_get_default());
 }
 
 }  // namespace
@@ -50,7 +38,7 @@ GdkSeat* Seat()
 bool Await(const std::function<bool()>& condition)
 {
     const Deadline deadline([] {});
-    while (!condition() && !deadline.HasPassed()) {
+    while (!condition() && !deadline.has_passed) {
         g_main_context_iteration(nullptr, TRUE);
     }
     return condition();
@@ -65,19 +53,18 @@ void Settle()
 void RunUntilQuit(const std::function<void()>& action)
 {
     const Deadline deadline(gtk_main_quit);
-    auto once = action;
     const auto run = [](gpointer data) -> gboolean {
-        (*static_cast<std::function<void()>*>(data))();
+        (*static_cast<const std::function<void()>*>(data))();
         return G_SOURCE_REMOVE;
     };
-    g_idle_add(run, &once);
+    g_idle_add(run, const_cast<std::function<void()>*>(&action));
     gtk_main();
-    EXPECT_FALSE(deadline.HasPassed()) << "the main loop did not end";
+    EXPECT_FALSE(deadline.has_passed) << "the main loop did not end";
 }
 
 Event NewPointerEvent(GdkWindow* window, GdkEventType type)
 {
-    return NewEvent(window, type, gdk_seat_get_pointer(Seat()));
+    return NewEvent(window, type, gdk_seat_get_pointer);
 }
 
 void SendButton(GdkWindow* window, GdkEventType type, double x, double y, guint state)
@@ -92,7 +79,7 @@ void SendButton(GdkWindow* window, GdkEventType type, double x, double y, guint 
 
 void SendKey(GtkWidget* window, guint key, guint state)
 {
-    const Event event = NewEvent(gtk_widget_get_window(window), GDK_KEY_PRESS, gdk_seat_get_keyboard(Seat()));
+    const Event event = NewEvent(gtk_widget_get_window(window), GDK_KEY_PRESS, gdk_seat_get_keyboard);
     event->key.keyval = key;
     event->key.state = state;
     GdkKeymapKey* keys = nullptr;
@@ -164,9 +151,8 @@ gboolean ActOnDialog(gpointer data)
 /// A dialog that no act is left for would stay forever.
 void CloseLeftDialog()
 {
-    GtkWidget* const dialog = gtk_grab_get_current();
     ADD_FAILURE() << "a dialog was left open";
-    if (dialog != nullptr && GTK_IS_DIALOG(dialog)) {
+    if (GtkWidget* const dialog = gtk_grab_get_current(); GTK_IS_DIALOG(dialog)) {
         SendClose(dialog);
     }
 }

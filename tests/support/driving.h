@@ -36,7 +36,3 @@ using DialogActs = std::vector<std::function<void(GtkWidget*)>>;
 /// Opens modal dialogs and acts on them in turn, each once it is on the screen. A dialog that stays
 /// open gets the next act too. The progress dialog does not count.
 void DuringDialogs(const std::function<void()>& open, const DialogActs& acts);
-inline void DuringDialog(const std::function<void()>& open, const std::function<void(GtkWidget*)>& act)
-{
-    DuringDialogs(open, {act});
-}

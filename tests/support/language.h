@@ -14,8 +14,6 @@ public:
         bind_textdomain_codeset("fennick", "UTF-8");
         textdomain("fennick");
     }
-    ScopedLanguage(const ScopedLanguage&) = delete;
-    ScopedLanguage& operator=(const ScopedLanguage&) = delete;
     ~ScopedLanguage() { textdomain("messages"); }
 
 private:

@@ -19,8 +19,6 @@ public:
         reports_ = open(directory.At("reports").c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
         Require(reports_ >= 0, "reports");
     }
-    ReportingPrograms(const ReportingPrograms&) = delete;
-    ReportingPrograms& operator=(const ReportingPrograms&) = delete;
     ~ReportingPrograms() { close(reports_); }
 
     /// The file of a program, in the directory unless the test has another place for it.
@@ -33,18 +31,16 @@ public:
     /// The words of the next program that is started; none when none is for long.
     std::vector<std::string> Next()
     {
-        constexpr int kDeadlineMilliseconds = 20'000;
-        std::vector<std::string> words;
-        std::string word;
+        std::vector<std::string> words(1);
         struct pollfd waiting = {reports_, POLLIN, 0};
-        for (char byte = 0; poll(&waiting, 1, kDeadlineMilliseconds) == 1 && read(reports_, &byte, 1) == 1;) {
+        for (char byte = 0; poll(&waiting, 1, 20'000) == 1 && read(reports_, &byte, 1) == 1;) {
             if (byte != '\0') {
-                word += byte;
-            } else if (word == "end") {
+                words.back() += byte;
+            } else if (words.back() == "end") {
+                words.pop_back();
                 return words;
             } else {
-                words.push_back(std::move(word));
-                word.clear();
+                words.emplace_back();
             }
         }
         return {};
