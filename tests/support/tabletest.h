@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <optional>
-#include <random>
 #include <string>
 
 #include "core/fnktable.h"
@@ -64,28 +63,4 @@ protected:
     ScratchDirectory files;
     ScopedVariable home_variable{"HOME", home.Path().c_str()};
     GTable table;
-};
-
-/// Tells its seed when the test fails; FENNICK_TEST_SEED repeats a run.
-class SeededRandom {
-public:
-    SeededRandom()
-    {
-        const char* const given = std::getenv("FENNICK_TEST_SEED");
-        seed_ = given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device()();
-        engine.seed(seed_);
-    }
-    std::string Trace() const { return "FENNICK_TEST_SEED=" + std::to_string(seed_); }
-    /// 0 to limit - 1.
-    std::size_t Below(std::size_t limit) { return engine() % limit; }
-    template <typename List>
-    auto Pick(const List& list)
-    {
-        return *(std::begin(list) + static_cast<std::ptrdiff_t>(Below(std::size(list))));
-    }
-
-    std::mt19937_64 engine;
-
-private:
-    unsigned seed_ = 0;
 };
