@@ -148,11 +148,14 @@ gboolean ActOnDialog(gpointer data)
     return G_SOURCE_REMOVE;
 }
 
-/// A dialog that no act is left for would stay forever.
+/// A dialog or menu that no act is left for would stay forever.
 void CloseLeftDialog()
 {
+    GtkWidget* const dialog = gtk_grab_get_current();
     ADD_FAILURE() << "a dialog was left open";
-    if (GtkWidget* const dialog = gtk_grab_get_current(); GTK_IS_DIALOG(dialog)) {
+    if (GTK_IS_MENU_SHELL(dialog)) {
+        gtk_menu_shell_cancel(GTK_MENU_SHELL(dialog));
+    } else if (GTK_IS_DIALOG(dialog)) {
         SendClose(dialog);
     }
 }

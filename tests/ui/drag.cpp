@@ -95,7 +95,7 @@ protected:
     /// Lets go where a drop leads to nothing.
     void ExpectNoDrop() const
     {
-        Release();
+        DuringDialogs([] { Release(); }, {});
         EXPECT_TRUE(Await([] { return pGTable->TreeSelectSignal != 0; }));
         EXPECT_EQ(gtk_grab_get_current(), nullptr);
         EXPECT_EQ(Joined(files.Names("from")) + " " + Joined(files.Names("to")), "a,b b,sub deep");
