@@ -42,6 +42,15 @@ TEST_F(Life, ClosingStoresTheSettingsOnceAndLateEventsAreHarmless)
     EXPECT_EQ(home.Contents(".fennick"), "mark");
 }
 
+TEST_F(Life, CtrlWStoresTheSettings)
+{
+    Make({"sub/"});
+    Start();
+    Visit("sub/");
+    RunUntilQuit([this] { Press("<Control>w"); });
+    EXPECT_NE(home.Contents(".fennick").find("CurrentDir=" + files.At("sub/\n")), std::string::npos);
+}
+
 TEST_F(Life, BadSettingsGiveAUsableWindow)
 {
     Make({"a/", "f"});

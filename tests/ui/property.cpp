@@ -93,6 +93,11 @@ TEST_F(Property, ChangesOnlyWhatDiffers)
              Change("User Write")(dialog);
          }});
     EXPECT_EQ(Mode("file\xFF"), 05444U);
+    Open({"taken"}, {[](GtkWidget* dialog) {
+             PressButton("Set GID")(dialog);
+             Rename("both")(dialog);
+         }});
+    EXPECT_EQ(Mode("both"), 02644U);
     Open({"file\xFF"}, {[this](GtkWidget* dialog) {
                             files.Remove("file\xFF");
                             Change("User Exec")(dialog);
