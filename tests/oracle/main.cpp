@@ -183,7 +183,10 @@ std::string RunWithFaults(std::uint64_t seed, const std::string& top)
 bool RunKilled(int call, const std::function<void()>& work)
 {
     std::fflush(nullptr);
-    FlushChanges();  // Its thread must hold no lock that the child would need.
+    // Once a change has been flushed, the thread that does so waits, and holds no lock that the child
+    // would find taken forever.
+    NoteChange();
+    FlushChanges();
     const pid_t child = fork();
     if (child == 0) {
         faults.at_call = [] { raise(SIGKILL); };
