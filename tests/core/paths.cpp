@@ -51,19 +51,6 @@ TEST_F(Paths, ParentAndLastComponent)
     }
 }
 
-TEST_F(Paths, ChildOfRoot)
-{
-    using Case = std::tuple<const char*, const char*, int>;
-    for (const auto& [root, path, expected] :
-         {Case("/home/user/", "/home/user", 0), Case("/home/user/", "/home/user/", 0),
-          Case("/home/user/", "/home/user/docs", 0), Case("/home/user/", "/home/userX", 1),
-          Case("/home/user/", "/home/use", 1), Case("/home/user/", "/home/User/x", 1), Case("/home/user/", "/", 1),
-          Case("/home/user/", "", 1), Case("/", "/", 0), Case("/", "/tmp", 0)}) {
-        table.RootDir = root;
-        EXPECT_EQ(CheckChildDirectory(path), expected) << path << " below " << root;
-    }
-}
-
 TEST_F(Paths, SizesAreShownRounded)
 {
     using Case = std::pair<std::uint64_t, const char*>;

@@ -1,59 +1,22 @@
-// What is in a directory, for the list and for the tree.
+// What is in a directory, for the list and for the tree, and the order of the rows.
 
 #include "model/fnkfilelist-rows.h"
 
-#include <set>
+#include <numeric>
 
 #include "child.h"
 #include "core/fnkutil.h"
 #include "faults.h"
 #include "model/fnkdirtree-scan.h"
+#include "model/fnkfilelist-sort.h"
 #include "tabletest.h"
 
 namespace {
 
 class Rows : public TableTest {
 protected:
-    using Names = std::set<std::string>;
-
-    /// What is listed behind "..".
-    Names Listed()
-    {
-        FileRows rows;
-        EXPECT_TRUE(ReadFileRows(files.Path(), rows));
-        Names names;
-        for (std::size_t i = 0; i < rows.Count(); ++i) {
-            EXPECT_EQ(rows.IsParentRow(i), i == 0);
-            EXPECT_TRUE(i == 0 || names.insert(rows.Name(i)).second) << rows.Name(i);
-        }
-        return names;
-    }
-
     ScopedVariable time_zone{"TZ", "TST-9"};
 };
-
-TEST_F(Rows, FlagsAndFilterChooseWhatIsListed)
-{
-    for (const char* const name : {"a.c", "a.h", ".x.c", "a.c~", "old.BAK"}) {
-        files.File(name);
-    }
-    for (const char* const name : {"src", ".git", "kept~"}) {
-        files.Directory(name);
-    }
-    files.Link("link", "src");
-    using Case = std::tuple<int, int, int, const char*, Names>;
-    for (const auto& [backup, hidden, filter, pattern, listed] :
-         {Case(0, 0, 0, "*.c", {"a.c", "a.h", "src", "link"}),
-          Case(1, 0, 0, "*.c", {"a.c", "a.h", "src", "link", "a.c~", "old.BAK", "kept~"}),
-          Case(0, 1, 0, "*.c", {"a.c", "a.h", "src", "link", ".x.c", ".git"}),
-          Case(0, 1, 1, "*.c", {"a.c", ".x.c", "src", ".git"}), Case(0, 1, 1, "", {"src", ".git"})}) {
-        table.ShowBackup = backup;
-        table.ShowHidden = hidden;
-        table.Filter = filter;
-        table.FilterName = pattern;
-        EXPECT_EQ(Listed(), listed);
-    }
-}
 
 TEST_F(Rows, PatternsMatchWholeNames)
 {
@@ -61,7 +24,8 @@ TEST_F(Rows, PatternsMatchWholeNames)
     using Case = std::tuple<const char*, const char*, int>;
     for (const auto& [pattern, name, passes] :
          {Case("*.c", "a.C", 0), Case("*.c", ".c", 1), Case("?.c", "ab.c", 0), Case("[a-b]", "b", 1),
-          Case("\\*", "*", 1), Case("\\*", "a", 0), Case("a*", "a/b", 1), Case("*.c", "..", 1), Case("a?", "a\n", 1)}) {
+          Case("\\*", "*", 1), Case("\\*", "a", 0), Case("a*", "a/b", 1), Case("*.c", "..", 1), Case("a?", "a\n", 1),
+          Case("", "a", 0)}) {
         table.FilterName = pattern;
         EXPECT_EQ(CheckFilter(name), passes) << pattern << " on " << name;
     }
@@ -213,22 +177,69 @@ TEST_F(Subdirectories, ClosedDirectoriesHaveNone)
     files.SetMode("closed", 0700);
 }
 
-TEST_F(Subdirectories, PathsThatWouldGrowTooLongAreLeftOut)
+class Sort : public TableTest {
+protected:
+    Sort()
+    {
+        table.ColumnCount = kColumnKinds;
+        std::iota(table.ColumnPosition.begin(), table.ColumnPosition.end(), 0);
+    }
+
+    ScopedVariable time_zone{"TZ", "UTC"};
+};
+
+TEST_F(Sort, OrdersThatPeopleExpect)
 {
-    std::string deep;
-    while (files.At(deep).size() + 210 < kMaxPathBytes) {
-        deep += std::string(99, 'd') + "/";
+    // Name, kind, size, seconds after Dec 31 2000 23:59, owner.
+    const std::tuple<const char*, mode_t, int, int, uid_t> entries[] = {{"..", S_IFDIR, 4096, 999999, 0},
+                                                                        {"Zeta", S_IFREG, 921600, 0, 1000},
+                                                                        {"alpha-row-2", S_IFREG, 1572864, 60, 0},
+                                                                        {"dir", S_IFDIR, 4096, -86400, 1000},
+                                                                        {"beta", S_IFREG, 0, 30, 65534},
+                                                                        {"Dir2", S_IFDIR, 4096, 2678400, 7},
+                                                                        {"alpha-row-1", S_IFLNK, 1, -34560000, 1000}};
+    // Column, SortType, MixFileDir, SortCase, the order, and whether values grow downwards.
+    using Case = std::tuple<int, int, int, int, const char*, bool>;
+    for (const auto& [column, type, mix, ignore_case, expected, upwards] :
+         {Case(1, 0, 0, 0, ".. Dir2 dir Zeta alpha-row-1 alpha-row-2 beta ", true),
+          Case(1, 1, 0, 1, ".. Dir2 dir Zeta beta alpha-row-2 alpha-row-1 ", false),
+          Case(1, 0, 1, 1, ".. alpha-row-1 alpha-row-2 beta dir Dir2 Zeta ", true),
+          Case(0, 0, 1, 1, ".. dir Dir2 alpha-row-1 alpha-row-2 beta Zeta ", true),
+          Case(0, 1, 1, 1, ".. Zeta beta alpha-row-2 alpha-row-1 Dir2 dir ", false),
+          Case(2, 0, 0, 0, ".. dir Dir2 beta alpha-row-1 Zeta alpha-row-2 ", true),
+          Case(5, 0, 1, 0, ".. beta Zeta dir alpha-row-1 Dir2 alpha-row-2 ", false),
+          Case(5, 1, 1, 0, ".. alpha-row-2 Dir2 alpha-row-1 dir Zeta beta ", true),
+          Case(9, 0, 1, 0, ".. alpha-row-1 dir Zeta beta alpha-row-2 Dir2 ", true),
+          Case(7, 0, 1, 0, ".. beta Zeta dir alpha-row-1 Dir2 alpha-row-2 ", false),
+          Case(8, 0, 1, 0, ".. alpha-row-1 dir Zeta beta alpha-row-2 Dir2 ", true),
+          Case(10, 1, 1, 0, ".. Dir2 alpha-row-2 beta Zeta dir alpha-row-1 ", false),
+          Case(11, 0, 1, 0, ".. beta Zeta dir alpha-row-1 Dir2 alpha-row-2 ", false),
+          Case(12, 0, 0, 1, ".. dir Dir2 alpha-row-1 alpha-row-2 beta Zeta ", true),
+          Case(-1, 0, 0, 1, ".. dir Dir2 alpha-row-1 alpha-row-2 beta Zeta ", true)}) {
+        FileRows rows;
+        for (const auto& [name, kind, size, seconds, owner] : entries) {
+            struct stat st = {};
+            st.st_mode = kind;
+            st.st_size = size;
+            st.st_atim.tv_sec = st.st_mtim.tv_sec = st.st_ctim.tv_sec = 978307140 + seconds;
+            st.st_uid = st.st_gid = owner;
+            st.st_ino = owner;
+            rows.Add(name, st, FT_NORMAL);
+        }
+        table.SortColumn = column;
+        table.SortType = type;
+        table.MixFileDir = mix;
+        table.SortCase = ignore_case;
+        SortFileRows(rows);
+        std::string order;
+        for (std::size_t i = 0; i < rows.Count(); ++i) {
+            order += std::string(rows.Name(i)) + " ";
+        }
+        EXPECT_EQ(order, expected) << "column " << column << " type " << type;
+        EXPECT_EQ(IsShownAscending(), upwards) << "column " << column << " type " << type;
     }
-    const std::size_t room = kMaxPathBytes - files.At(deep).size() - 1;  // For a name, its "/" set aside.
-    const std::string fits(room, 'f');
-    const std::string half(room - 10, 'h');
-    for (const std::string& name : {fits + "/x", std::string(room + 1, 't'), half + "/123456789"}) {
-        files.Directory(deep + name);
-    }
-    EXPECT_EQ(Scan(files.At(deep)), fits + "() " + half + "(123456789) ");
-    files.Remove(deep + half + "/123456789");
-    files.Directory(deep + half + "/1234567890");
-    EXPECT_EQ(Scan(files.At(deep)), fits + "() " + half + "() ");
+    table.SortColumn = kColumnKinds;
+    EXPECT_EQ(EffectiveSortColumn(), kColumnKinds) << "the last one";
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // Random commands on random trees. judge.h tells what each may do to the disk; a run without a fault
 // tells what it should do.
 //
-//   oracle [--mode MODE] [--sequences N] [--seed S] [--user]
+//   oracle MODE SEQUENCES [SEED] [--user]
 //
-// Each sequence has a seed, S for the first, which is printed when it goes wrong.
+// Each sequence has a seed, SEED for the first, which is printed when it goes wrong.
 
 #include <grp.h>
 #include <sys/wait.h>
@@ -269,18 +269,14 @@ int main(int argc, char** argv)
 {
     const std::map<std::string, std::string (*)(std::uint64_t seed, const std::string& top)> kModes = {
         {"plain", RunPlain}, {"faults", RunWithFaults}, {"kill", RunKilledEverywhere}, {"swap", RunSwapped}};
-    std::map<std::string, std::string> options = {{"--mode", "plain"}, {"--sequences", "1000"}, {"--seed", "1"}};
-    for (int i = 1; i < argc; ++i) {
-        if (argv[i] == std::string("--user")) {
-            Require(geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0), "user");
-        } else if (i + 1 < argc) {
-            options[argv[i]] = argv[i + 1];
-            ++i;
-        }
+    std::vector<std::string> words(argv + 1, argv + argc);
+    if (std::erase(words, "--user") > 0) {
+        Require(geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0), "user");
     }
-    const auto run = kModes.at(options["--mode"]);
-    const std::uint64_t sequences = std::stoull(options["--sequences"]);
-    const std::uint64_t first = std::stoull(options["--seed"]);
+    Require(words.size() >= 2, "a mode and a number of sequences are needed");
+    const auto run = kModes.at(words[0]);
+    const std::uint64_t sequences = std::stoull(words[1]);
+    const std::uint64_t first = words.size() > 2 ? std::stoull(words[2]) : 1;
     std::setlocale(LC_ALL, "C.UTF-8");
     umask(022);
     faults.spares_disk = true;
@@ -296,7 +292,7 @@ int main(int argc, char** argv)
         EmptyDisk(top);
         const std::string wrong = run(seed, top);
         if (!wrong.empty()) {
-            std::printf("--seed %llu\n%s\n", static_cast<unsigned long long>(seed), wrong.c_str());
+            std::printf("seed %llu\n%s\n", static_cast<unsigned long long>(seed), wrong.c_str());
             ++failures;
         }
     }

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""What the build installs: that everything is where it belongs, that desktops understand it, and that
-a directory opens from another program. The first argument is the build directory."""
+"""What the build installs: everything is where it belongs, desktops understand it, the manual is one
+valid page, and a directory opens from another program. The first argument is the build directory."""
 
 import os
 import re
@@ -32,8 +32,14 @@ class Installed(unittest.TestCase):
 
     def test_no_file_is_missing(self):
         share = self.root / "share"
-        for picture in re.findall('src="([^"]+)"', (SOURCES / "help/fennick.htm").read_text()):
-            self.assertTrue((share / "fennick/Help" / picture).exists(), picture)
+        manual = share / "fennick/Help/fennick.htm"
+        text = manual.read_text(encoding="utf-8")
+        self.assertEqual(set(re.findall('src="([^"]+)"', text)), {path.name for path in manual.parent.glob("*.png")})
+        self.assertEqual(subprocess.run(["tidy", "-e", "-q", manual], capture_output=True).stderr, b"")
+        # It leads nowhere but to itself.
+        self.assertNotRegex(text, r"(?i)https?:|src\s*=\s*\"//|@import|url\(|<(script|link|iframe|object|embed)\b")
+        links = set(re.findall('href="([^"]*)"', text))
+        self.assertTrue(links and links <= {f"#{name}" for name in re.findall(r'\bid="([^"]*)"', text)})
         for language in (SOURCES / "po/LINGUAS").read_text().split():
             self.assertTrue((share / f"locale/{language}/LC_MESSAGES/fennick.mo").exists(), language)
         self.assertEqual(len(list(share.glob("icons/hicolor/*/apps/fennick.*"))), 10)

@@ -41,16 +41,16 @@ inline DialogAct ReadBox(const std::string& message)
     };
 }
 
-inline DialogAct PressEscape()
+inline GtkTreeView* TreeOf(GtkWidget* dialog)
 {
-    return [](GtkWidget* dialog) { SendKey(dialog, GDK_KEY_Escape); };
+    return GTK_TREE_VIEW(FindWidget(dialog, [](GtkWidget* widget) { return GTK_IS_TREE_VIEW(widget) != FALSE; }));
 }
 
-/// The entry or toggle that screen readers call so.
+/// The entry or button that screen readers call so.
 inline GtkWidget* FindNamed(GtkWidget* dialog, const std::string& name)
 {
     GtkWidget* const found = FindWidget(dialog, [&name](GtkWidget* widget) {
-        const bool is_field = GTK_IS_ENTRY(widget) || GTK_IS_TOGGLE_BUTTON(widget);
+        const bool is_field = GTK_IS_ENTRY(widget) || GTK_IS_BUTTON(widget);
         const char* const shown = is_field ? atk_object_get_name(gtk_widget_get_accessible(widget)) : nullptr;
         return shown != nullptr && shown == name;
     });

@@ -1,6 +1,5 @@
 #include "disk.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,50 +7,11 @@
 #include <filesystem>
 #include <vector>
 
-#include "core/fnkraii.h"
 #include "scratch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-void WriteContent(const std::string& path, const std::string& content)
-{
-    constexpr std::size_t kPage = 4096;
-    const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    Require(static_cast<bool>(file) && ftruncate(file.Get(), static_cast<off_t>(content.size())) == 0, path);
-    for (std::size_t at = 0; at < content.size(); at += kPage) {
-        const std::size_t size = std::min(kPage, content.size() - at);
-        Require(content.find_first_not_of('\0', at) >= at + size ||
-                    pwrite(file.Get(), content.data() + at, size, static_cast<off_t>(at)) == static_cast<ssize_t>(size),
-                path);
-    }
-}
-
-/// Gives the owner all rights to an object for a while, if they are missing.
-class Unlocked {
-public:
-    explicit Unlocked(const std::string& path) : path_(path)
-    {
-        Require(lstat(path.c_str(), &status) == 0, path);
-        is_changed_ = geteuid() != 0 && !S_ISLNK(status.st_mode) && (status.st_mode & 0700) != 0700 &&
-                      chmod(path.c_str(), (status.st_mode & 07777) | 0700) == 0;
-    }
-    Unlocked(const Unlocked&) = delete;
-    Unlocked& operator=(const Unlocked&) = delete;
-    ~Unlocked()
-    {
-        if (is_changed_) {
-            chmod(path_.c_str(), status.st_mode & 07777);
-        }
-    }
-
-    struct stat status = {};
-
-private:
-    const std::string& path_;
-    bool is_changed_ = false;
-};
 
 std::vector<std::string> NamesIn(const std::string& path)
 {
@@ -67,8 +27,10 @@ void ReadBelow(const std::string& top, const std::string& path, Disk& disk)
     for (const std::string& name : NamesIn(top + path)) {
         const std::string inner = path.empty() ? name : path + "/" + name;
         const std::string full = top + inner;
-        const Unlocked unlocked(full);
-        const struct stat& st = unlocked.status;
+        struct stat st = {};
+        Require(lstat(full.c_str(), &st) == 0, full);
+        const bool is_locked = geteuid() != 0 && !S_ISLNK(st.st_mode) && (st.st_mode & 0700) != 0700 &&
+                               chmod(full.c_str(), (st.st_mode & 07777) | 0700) == 0;
         Object& object = disk[inner];
         object = {st.st_mode & S_IFMT, st.st_mode & 07777, "", st.st_uid, st.st_ino};
         if (object.IsLink()) {
@@ -78,6 +40,9 @@ void ReadBelow(const std::string& top, const std::string& path, Disk& disk)
         } else if (object.type == S_IFREG) {
             std::ifstream stream(full, std::ios::binary);
             object.content.assign(std::istreambuf_iterator<char>(stream), {});
+        }
+        if (is_locked) {
+            chmod(full.c_str(), st.st_mode & 07777);
         }
     }
 }
@@ -89,6 +54,7 @@ void WriteDisk(const std::string& top, const Disk& disk)
     std::map<ino_t, std::string> files;
     for (const auto& [name, object] : disk) {
         const std::string path = top + name;
+        fs::create_directories(fs::path(path).parent_path());
         const auto [first, is_new] = files.try_emplace(object.inode, path);
         if (object.inode != 0 && !is_new) {
             fs::create_hard_link(first->second, path);
@@ -97,9 +63,12 @@ void WriteDisk(const std::string& top, const Disk& disk)
         if (object.IsLink()) {
             fs::create_symlink(object.content, path);
         } else if (object.IsDirectory()) {
-            Require(mkdir(path.c_str(), 0700) == 0, path);
+            fs::create_directory(path);
         } else if (object.type == S_IFREG) {
-            WriteContent(path, object.content);
+            const std::size_t hole = std::min(object.content.find_first_not_of('\0'), object.content.size());
+            std::ofstream stream(path, std::ios::binary);
+            stream.seekp(static_cast<std::streamoff>(hole)) << object.content.substr(hole);
+            Require(stream.flush().good(), path);
         } else {
             Require(mknod(path.c_str(), object.type | 0600, 0) == 0, path);
         }

@@ -20,7 +20,7 @@ struct Object {
 /// By path below the top of the tree, without a "/" at the end.
 using Disk = std::map<std::string, Object>;
 
-/// top ends in "/". Whole pages of zeros become holes.
+/// top ends in "/". Zeros at the beginning of a file become a hole, and missing parents are made.
 void WriteDisk(const std::string& top, const Disk& disk);
 /// Unlocks what the owner may unlock.
 Disk ReadDisk(const std::string& top);

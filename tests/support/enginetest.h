@@ -37,33 +37,28 @@ protected:
         faults.is_old_file_system = false;
     }
 
-    static mode_t Mode(const std::string& text) { return static_cast<mode_t>(std::stoul(text, nullptr, 8)); }
     void Make(const Tree& tree) const
     {
-        Tree late;
+        Disk disk;
         for (const auto& [path, text] : tree) {
             const bool has_mode = text.starts_with('0') && text.find(' ') != std::string::npos;
             const std::string what = has_mode ? text.substr(text.find(' ') + 1) : text;
-            if (what.starts_with("-> ")) {
-                files.Link(path, what.substr(3));
-            } else if (what.starts_with("= ")) {
-                late[path] = what.substr(2);
-            } else if (what == "/") {
-                files.Directory(path);
-                late[path] = has_mode ? text : "0755 /";
-            } else {
-                what == "|" ? files.Node(path, S_IFIFO) : files.File(path, what);
-                files.SetMode(path, has_mode ? Mode(text) : 0644);
+            const mode_t type = what == "/"               ? S_IFDIR
+                                : what == "|"             ? S_IFIFO
+                                : what.starts_with("-> ") ? S_IFLNK
+                                                          : S_IFREG;
+            const mode_t plain = type == S_IFDIR ? 0755 : 0644;
+            const mode_t mode = has_mode ? static_cast<mode_t>(std::stoul(text, nullptr, 8)) : plain;
+            disk[path] = {type, mode, type == S_IFREG ? what : what.substr(std::min<std::size_t>(3, what.size()))};
+        }
+        for (auto& [path, object] : disk) {
+            if (object.content.starts_with("= ")) {
+                Object& other = disk.at(object.content.substr(2));
+                other.inode = reinterpret_cast<ino_t>(&other);
+                object = other;
             }
         }
-        for (auto entry = late.rbegin(); entry != late.rend(); ++entry) {
-            if (entry->second.starts_with('0')) {
-                files.SetMode(entry->first, Mode(entry->second));
-            } else {
-                std::filesystem::create_directories(std::filesystem::path(files.At(entry->first)).parent_path());
-                std::filesystem::create_hard_link(files.At(entry->second), files.At(entry->first));
-            }
-        }
+        WriteDisk(files.Path(), disk);
     }
     /// Leaves out plain directories with something in them.
     Tree Show(const std::string& below = "") const
@@ -126,12 +121,11 @@ protected:
     static void Answer(const std::string& to_messages, const std::string& to_deletes = "Y")
     {
         const auto given = [](const std::string& letters) {
+            static const std::map<char, Result> kResults = {
+                {'y', RESULT_OK}, {'Y', RESULT_YES_ALL}, {'c', RESULT_ABORT}, {'n', RESULT_CANCEL}};
             std::vector<Result> results;
             for (const char letter : letters) {
-                results.push_back(letter == 'y'   ? RESULT_OK
-                                  : letter == 'Y' ? RESULT_YES_ALL
-                                  : letter == 'c' ? RESULT_ABORT
-                                                  : RESULT_CANCEL);
+                results.push_back(kResults.at(letter));
             }
             return results;
         };

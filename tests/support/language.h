@@ -19,5 +19,3 @@ public:
 private:
     ScopedVariable variable_;
 };
-
-constexpr const char* kLanguages[] = {"en", FENNICK_LANGUAGES};

@@ -2,7 +2,6 @@
 // The fixture of the window tests: the real main window over a directory of the test's own, driven
 // by events.
 
-#include <grp.h>
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -28,26 +27,6 @@ using Where = std::source_location;
 
 /// Names with commas between them.
 std::string Joined(const Names& names);
-
-/// While it lives, the program runs as a user whom permissions stop, who owns these directories.
-class OrdinaryUser {
-public:
-    explicit OrdinaryUser(std::initializer_list<const ScratchDirectory*> owned)
-    {
-        std::string roots = std::string(" ") + std::getenv("XDG_DATA_HOME");
-        for (const ScratchDirectory* const directory : owned) {
-            roots += " " + directory->Path();
-        }
-        Require(
-            !is_root_ || (std::system(("chown -hR 65534:65534" + roots).c_str()) == 0 && setgroups(0, nullptr) == 0 &&
-                          setresgid(65534, 65534, 0) == 0 && setresuid(65534, 65534, 0) == 0),
-            "to become an ordinary user");
-    }
-    ~OrdinaryUser() { Require(!is_root_ || (setresuid(0, 0, 0) == 0 && setresgid(0, 0, 0) == 0), "to be root again"); }
-
-private:
-    bool is_root_ = geteuid() == 0;
-};
 
 /// Whether the directories on disk are still those that the window has read.
 enum DiskState { DISK_AS_SHOWN, DISK_CHANGED };
@@ -122,6 +101,7 @@ protected:
     static void Ask(MenuEntry entry, const DialogActs& acts)
     {
         DuringDialogs([entry] { Choose(entry); }, acts);
+        Settle();
     }
     /// Focuses the location entry and replaces its text.
     static void Type(const std::string& text)

@@ -27,13 +27,8 @@ void LetRead(int entries)
 
 class FindDialogs : public WindowTest {
 protected:
-    static void During(const DialogActs& acts)
-    {
-        DuringDialogs([] { Choose(MENU_FIND_FILE); }, acts);
-        Settle();
-    }
     /// Fills in the dialog and presses OK; an empty start leaves the one that is offered.
-    static DialogAct Ask(const std::string& start, const std::string& pattern, bool below)
+    static DialogAct Question(const std::string& start, const std::string& pattern, bool below)
     {
         return [=](GtkWidget* dialog) {
             if (!start.empty()) {
@@ -48,10 +43,6 @@ protected:
     static void AwaitEnd(GtkWidget* dialog)
     {
         EXPECT_TRUE(Await([=] { return IsOver(dialog); }));
-    }
-    static GtkTreeView* TreeOf(GtkWidget* dialog)
-    {
-        return GTK_TREE_VIEW(FindWidget(dialog, [](GtkWidget* widget) { return GTK_IS_TREE_VIEW(widget) != FALSE; }));
     }
     /// The paths of all rows in their order.
     static Names Rows(GtkWidget* dialog)
@@ -87,17 +78,17 @@ TEST_F(FindDialogs, SearchAgainKeepsTheQuestionAndTheHistories)
     Make({"a.c", "B.c", "sub/b.c", "sub/x", ".hid.c", "none/", "link.c -> sub"});
     Start();
     pGTable->FilterHistory = {"old"};
-    During({Ask("", "*.c", false), ExpectFound({".hid.c", "B.c", "a.c", "link.c"}, "Serch again"),
-            [&](GtkWidget* dialog) {
-                EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Find name:")), "*.c");
-                Ask(files.At("sub/.."), "*.c", true)(dialog);
-            },
-            ExpectFound({".hid.c", "B.c", "a.c", "link.c", "sub/", "sub/b.c"}, "Serch again"),
-            Ask("", "no match*", true), ExpectFound({}, "OK")});
+    Ask(MENU_FIND_FILE, {Question("", "*.c", false), ExpectFound({".hid.c", "B.c", "a.c", "link.c"}, "Serch again"),
+                         [&](GtkWidget* dialog) {
+                             EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Find name:")), "*.c");
+                             Question(files.At("sub/.."), "*.c", true)(dialog);
+                         },
+                         ExpectFound({".hid.c", "B.c", "a.c", "link.c", "sub/", "sub/b.c"}, "Serch again"),
+                         Question("", "no match*", true), ExpectFound({}, "OK")});
     EXPECT_EQ(pGTable->FilterHistory, (History{"no match*", "old"}));
     EXPECT_EQ(pGTable->DirHistory.front(), files.Path());
-    During({Ask(files.At("missing"), "*", false), ReadBox("The specified file does not exist."),
-            Ask(files.Path(), "", false), ReadBox("Invalid find string."), PressButton("Cancel")});
+    Ask(MENU_FIND_FILE, {Question(files.At("missing"), "*", false), ReadBox("The specified file does not exist."),
+                         Question(files.Path(), "", false), ReadBox("Invalid find string."), PressButton("Cancel")});
     EXPECT_EQ(pGTable->FilterHistory, (History{"no match*", "old"}));
     ExpectConsistent();
 }
@@ -113,17 +104,18 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
         {"x*", "0:0:1:0", "d\xFF/e/"}};
     for (const auto& [pattern, chosen, shown] : cases) {
         Visit("d\xFF");
-        During({[pattern](GtkWidget* dialog) {
-                    EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Start dir:")), pGTable->CurrentDir);
-                    Ask(pGTable->RootDir, pattern, true)(dialog);
-                },
-                [chosen](GtkWidget* dialog) {
-                    AwaitEnd(dialog);
-                    const TreePath path(gtk_tree_path_new_from_string(chosen));
-                    // A row can be selected only where it shows.
-                    gtk_tree_selection_select_path(gtk_tree_view_get_selection(TreeOf(dialog)), path.get());
-                    PressButton("Display directory")(dialog);
-                }});
+        Ask(MENU_FIND_FILE, {[pattern](GtkWidget* dialog) {
+                                 EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Start dir:")), pGTable->CurrentDir);
+                                 Question(pGTable->RootDir, pattern, true)(dialog);
+                             },
+                             [chosen](GtkWidget* dialog) {
+                                 AwaitEnd(dialog);
+                                 const TreePath path(gtk_tree_path_new_from_string(chosen));
+                                 // A row can be selected only where it shows.
+                                 gtk_tree_selection_select_path(gtk_tree_view_get_selection(TreeOf(dialog)),
+                                                                path.get());
+                                 PressButton("Display directory")(dialog);
+                             }});
         EXPECT_EQ(pGTable->FilterHistory.front(), pattern);
         ExpectAt(shown);
     }
@@ -135,24 +127,25 @@ TEST_F(FindDialogs, ClosingStopsTheSearchOrLeavesIt)
     MakeMany(100, "f");
     Start();
     LetRead(10);
-    During({Ask("", "*", true), [](GtkWidget* dialog) {
-                EXPECT_TRUE(Await([] { return entries_left == 0; }));
-                EXPECT_FALSE(gtk_widget_get_sensitive(FindByText(dialog, "Display directory")));
-                SendKey(dialog, GDK_KEY_Escape);  // The same as closing the window, a little later.
-                Settle();
-                EXPECT_FALSE(IsOver(dialog));
-                LetRead(G_MAXINT);
-                AwaitEnd(dialog);
-                EXPECT_NEAR(static_cast<double>(Rows(dialog).size()), 10.5, 1.5) << "\".\" and \"..\" may be read, too";
-                SendClose(dialog);
-            }});
+    Ask(MENU_FIND_FILE, {Question("", "*", true), [](GtkWidget* dialog) {
+                             EXPECT_TRUE(Await([] { return entries_left == 0; }));
+                             EXPECT_FALSE(gtk_widget_get_sensitive(FindByText(dialog, "Display directory")));
+                             SendKey(dialog, GDK_KEY_Escape);  // The same as closing the window, a little later.
+                             Settle();
+                             EXPECT_FALSE(IsOver(dialog));
+                             LetRead(G_MAXINT);
+                             AwaitEnd(dialog);
+                             EXPECT_NEAR(static_cast<double>(Rows(dialog).size()), 10.5, 1.5)
+                                 << "\".\" and \"..\" may be read, too";
+                             SendClose(dialog);
+                         }});
     LetRead(0);  // A disk that does not answer.
-    During({Ask("", "*", true), [](GtkWidget* dialog) {
-                SendClose(dialog);
-                Settle();
-                EXPECT_FALSE(IsOver(dialog));
-                SendClose(dialog);
-            }});
+    Ask(MENU_FIND_FILE, {Question("", "*", true), [](GtkWidget* dialog) {
+                             SendClose(dialog);
+                             Settle();
+                             EXPECT_FALSE(IsOver(dialog));
+                             SendClose(dialog);
+                         }});
     ExpectConsistent();
     Close();  // The window does not wait for it either.
     LetRead(G_MAXINT);

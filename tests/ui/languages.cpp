@@ -37,10 +37,6 @@ protected:
     {
         return [label](GtkWidget* dialog) { PressButton((label + kMark).c_str())(dialog); };
     }
-    static void Ask(MenuEntry entry, const DialogActs& acts)
-    {
-        DuringDialogs([entry] { Choose(entry); }, acts);
-    }
     /// What is shown without the mark is a name, a path, a date or a mode.
     static void Take(const char* text)
     {

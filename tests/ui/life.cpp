@@ -1,8 +1,10 @@
-// Starting from whatever is there, a file system that changes under the window, and the end.
+// Command lines, starting from whatever is there, a file system that changes under the window, and the end.
 
 #include <filesystem>
 
 #include "app/fnktable-life.h"
+#include "app/fnktable-start.h"
+#include "core/fnkutil.h"
 #include "windowtest.h"
 
 namespace {
@@ -40,15 +42,6 @@ TEST_F(Life, ClosingStoresTheSettingsOnceAndLateEventsAreHarmless)
     gtk_widget_queue_draw(window);
     Settle();
     EXPECT_EQ(home.Contents(".fennick"), "mark");
-}
-
-TEST_F(Life, CtrlWStoresTheSettings)
-{
-    Make({"sub/"});
-    Start();
-    Visit("sub/");
-    RunUntilQuit([this] { Press("<Control>w"); });
-    EXPECT_NE(home.Contents(".fennick").find("CurrentDir=" + files.At("sub/\n")), std::string::npos);
 }
 
 TEST_F(Life, BadSettingsGiveAUsableWindow)
@@ -108,6 +101,60 @@ TEST_F(Life, TheNextActionLeavesADirectoryThatIsGone)
         ReleaseEntryFocus(pMainW->MainWindow);
         SetEntryBytes(Entry(), pGTable->CurrentDir);
     }
+}
+
+using CommandLines = TableTest;
+
+TEST_F(CommandLines, OnlyTheFirstArgumentIsAnOption)
+{
+    const std::string dir = files.Directory("dir");
+    const std::string file = files.File("file");
+    files.Link("link", "dir");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(files.Path());
+    const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
+        {{}, home.Path(), ""},
+        {{"--root", dir}, "/", dir},
+        {{"--home", dir + "/", "x"}, dir + "/", "x"},
+        {{"--home", dir + "/missing", dir}, home.Path(), dir},
+        {{"--home", file}, home.Path(), ""},
+        {{"x", "--root", dir}, home.Path(), ""},
+        {{"--home", "dir/.", "dir"}, dir + "/", dir + "/"},
+        {{"--home", "link", "link"}, home.Path(), "link"}};
+    for (auto [arguments, root, start] : cases) {
+        arguments.insert(arguments.begin(), "fennick");
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) {
+            argv.push_back(argument.data());
+        }
+        argv.push_back(nullptr);
+        const CommandLine parsed = ParseCommandLine(static_cast<int>(argv.size()) - 1, argv.data());
+        EXPECT_EQ(parsed.root, root) << testing::PrintToString(arguments);
+        EXPECT_EQ(parsed.start, start) << testing::PrintToString(arguments);
+    }
+    std::filesystem::current_path(before);
+}
+
+TEST_F(CommandLines, StartsInsideTheRootOrAtIt)
+{
+    const std::string dir = files.Directory("root/dir");
+    files.Link("root/link", "dir");
+    const std::pair<std::string, std::string> cases[] = {
+        {dir, dir + "/"}, {"", ""}, {files.At("root/link"), ""}, {files.Path(), ""}};
+    for (const auto& [start, expected] : cases) {
+        table.StartDir.clear();
+        SetStartDirectories({false, files.At("root/"), start});
+        EXPECT_EQ(table.StartDir, expected) << start;
+        EXPECT_EQ(table.RootDir, files.At("root/"));
+    }
+    table.LocationDirHistory = {"/a/", files.At("root/")};
+    SeedHistories();
+    EXPECT_EQ(table.LocationDirHistory, (History{files.At("root/"), "/a/"}));
+    EXPECT_EQ(table.DirHistory, History{files.At("root/")});
+    EXPECT_EQ(table.FilterHistory, History{"*"});
+    table.DirHistory = {"/b/"};
+    SeedHistories();
+    EXPECT_EQ(table.DirHistory, History{"/b/"});
 }
 
 }  // namespace

@@ -67,6 +67,7 @@ TEST_F(List, ShowsTheColumnsOfTheSettingsAndStoresTheirWidths)
         EXPECT_TRUE(Await([width] { return gtk_tree_view_column_get_width(ListViewColumn(2)) == width; }));
         EXPECT_EQ(gtk_adjustment_get_upper(scroll), gtk_adjustment_get_page_size(scroll)) << width;
     }
+    EXPECT_EQ(pGTable->ColumnSize[1], 200);
     Close();
     const std::string stored = home.Contents(".fennick");
     for (const auto& [key, width] : {std::pair{"Size0=", 81}, {"Size1=", 200}, {"Size2=", natural}, {"Size3=", 77}}) {

@@ -1,9 +1,12 @@
-// The menu bar, and the tips that menus and toolbar show in the status line.
+// The menu bar, the tips that menus and toolbar show in the status line, and colours.
 
+#include <cstring>
 #include <set>
 
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
+#include "kit/fnkutil-color.h"
+#include "language.h"
 #include "windowtest.h"
 
 namespace {
@@ -53,6 +56,31 @@ TEST_F(Menus, TellWhatEntriesAndToolsDo)
     }
     EXPECT_EQ(tips.count("Rescan the current directory."), 1U);
     ExpectAt("a/", "c");
+    for (const char* const name : {FENNICK_LANGUAGES}) {
+        const ScopedLanguage language(name);
+        std::set<std::pair<GtkWidget*, int>> mnemonics;
+        for (GtkWidget* const item : pMainW->MenuItem) {
+            const char* const label = gtk_menu_item_get_label(GTK_MENU_ITEM(item));
+            const char* const mark = std::strchr(*label != '\0' ? _(label) : "", '_');
+            EXPECT_TRUE(mark == nullptr ||
+                        mnemonics.emplace(gtk_widget_get_parent(item), g_ascii_tolower(mark[1])).second)
+                << name << " has another " << mark;
+        }
+        EXPECT_GT(mnemonics.size(), 15U);
+    }
 }
 
 }  // namespace
+
+TEST(Colors, ChangeOnlyAsFarAsTheyCannotBeRead)
+{
+    for (const double light : {0.0, 0.18, 0.5, 1.0}) {
+        const GdkRGBA ground = {light, light, light, 1.0};
+        for (const Color& color : GTable().Colors) {
+            EXPECT_GE(Contrast(ReadableColor(ShownColor(color), ground), ground), 4.5);
+        }
+    }
+    const GdkRGBA white = {1, 1, 1, 1};
+    EXPECT_EQ(ReadableColor({0, 0, 1, 1}, white).blue, 1);
+    EXPECT_NEAR(Contrast(ReadableColor({1, 1, 0, 1}, white), white), 4.5, 0.1) << "no darker than it must be";
+}

@@ -61,17 +61,6 @@ TEST_F(Messages, ReturnAndClosingPressTheLastButton)
         };
         EXPECT_EQ(Answer([] { return DeleteMessageBox("/some/dir/"); }, act), result) << button;
     }
-    const std::string cause = std::string("end\ncause:") + g_strerror(ENOSPC);
-    for (const std::string& name : {std::string(1900, 'x') + "\xFF", std::string(200, '\n')}) {
-        const std::string text = FormatPathMessage("Cannot delete %s\ncause:%s", "/begin/" + name + "end", ENOSPC);
-        EXPECT_TRUE(g_utf8_validate(text.c_str(), -1, nullptr) && text.ends_with(cause)) << text;
-        const auto look = [](GtkWidget* box) {
-            EXPECT_LT(gtk_widget_get_allocated_width(box), 800);
-            EXPECT_LT(gtk_widget_get_allocated_height(box), 400);
-            SendClose(box);
-        };
-        Answer([&] { return MessageBox("Error", text, STYLE_SKIP); }, look);
-    }
 }
 
 TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)

@@ -8,11 +8,6 @@ namespace {
 
 class Options : public WindowTest {
 protected:
-    static void During(const DialogActs& acts)
-    {
-        DuringDialogs([] { Choose(MENU_OPTION); }, acts);
-        Settle();
-    }
     static DialogAct Switch(const char* label, const char* button = "OK")
     {
         return [=](GtkWidget* dialog) {
@@ -61,12 +56,7 @@ protected:
     }
     static DialogAct OpenChooser(const char* name)
     {
-        return [=](GtkWidget* dialog) {
-            gtk_button_clicked(GTK_BUTTON(FindWidget(dialog, [=](GtkWidget* widget) {
-                return GTK_IS_BUTTON(widget) &&
-                       g_strcmp0(atk_object_get_name(gtk_widget_get_accessible(widget)), name) == 0;
-            })));
-        };
+        return [=](GtkWidget* dialog) { gtk_button_clicked(GTK_BUTTON(FindNamed(dialog, name))); };
     }
     static DialogAct PickColour(const char* button)
     {
@@ -94,15 +84,20 @@ TEST_F(Options, EverySwitchTakesEffectWhenItIsConfirmed)
     for (const auto& [label, flag, names] : cases) {
         SCOPED_TRACE(label);
         const int before = pGTable->*flag;
-        During({Switch(label, "Cancel")});
+        Ask(MENU_OPTION, {Switch(label, "Cancel")});
         EXPECT_EQ(pGTable->*flag, before);
         EXPECT_EQ(Joined(ListNames()), shown);
         shown = names == nullptr ? shown : names;
-        During({Switch(label)});
+        Ask(MENU_OPTION, {Switch(label)});
         EXPECT_EQ(pGTable->*flag, 1 - before);
         EXPECT_EQ(Joined(ListNames()), shown);
         ExpectConsistent();
     }
+    Close();
+    EXPECT_NE(home.Contents(".fennick")
+                  .find("\n[Setting]\nShowBackup=yes\nShowHidden=yes\nSortCase=yes\nMixFileDir=yes\n"
+                        "ConfilmDel=no\nConfilmOverwrite=yes\nConfilmExec=yes\nShowProgress=no\n"),
+              std::string::npos);
 }
 
 TEST_F(Options, TheWindowStaysWhereItIs)
@@ -113,18 +108,18 @@ TEST_F(Options, TheWindowStaysWhereItIs)
     SetExpanded(files.At("d"), true);
     gtk_paned_set_position(GTK_PANED(pMainW->Paned), 260);
     const History history = pGTable->LocationDirHistory;
-    During({[this](GtkWidget* dialog) {
-        ClickTitleIn(List(dialog, "Displayed columns"), "Size");
-        PressButton("Remove")(dialog);
-        Switch("Show hidden files")(dialog);
-    }});
+    Ask(MENU_OPTION, {[this](GtkWidget* dialog) {
+            ClickTitleIn(List(dialog, "Displayed columns"), "Size");
+            PressButton("Remove")(dialog);
+            Switch("Show hidden files")(dialog);
+        }});
     EXPECT_EQ(pGTable->LocationDirHistory, history);
     EXPECT_TRUE(IsExpanded(files.At("a/b")) && IsExpanded(files.At("d")) && IsInTree(files.At("a/.h")));
     EXPECT_EQ(ListTitles(), "Name,Modification time");
     EXPECT_EQ(gtk_widget_get_allocated_width(pMainW->TreeScroll), 260);
     ExpectAt("a/b/");
     Visit("a/.h/x");
-    During({Switch("Show hidden files")});
+    Ask(MENU_OPTION, {Switch("Show hidden files")});
     EXPECT_FALSE(IsInTree(files.At("a/.h"))) << "what is hidden cannot be stayed in";
     ExpectAt("a/");
 }
@@ -136,34 +131,34 @@ TEST_F(Options, ColumnsAreAddedRemovedAndMoved)
         "ColumnSize1=77\nColumnPosition2=8\nColumnSize2=199\n");
     Make({"file"});
     Start();
-    During({[this](GtkWidget* dialog) {
-        GtkTreeView* const possible = List(dialog, "Possible columns");
-        GtkTreeView* const displayed = List(dialog, "Displayed columns");
-        const auto can_press = [dialog](const char* label) {
-            return gtk_widget_get_sensitive(FindByText(dialog, label)) != FALSE;
-        };
-        EXPECT_FALSE(can_press("Add") || can_press("Remove"));
-        // The column of names stays, alone or with others.
-        ClickTitleIn(displayed, "Size");
-        EXPECT_TRUE(can_press("Remove"));
-        ClickTitleIn(displayed, "Name", GDK_CONTROL_MASK);
-        EXPECT_FALSE(can_press("Remove"));
-        ClickTitleIn(displayed, "Name", 0, true);
-        ClickTitleIn(displayed, "Size", 0, true);
-        EXPECT_EQ(TitlesIn(possible)[5], "Size") << "in the order of their titles";
-        ClickTitleIn(possible, "User");
-        ClickTitleIn(possible, "Group", GDK_CONTROL_MASK);
-        PressButton("Add")(dialog);
-        EXPECT_FALSE(can_press("Add"));
-        EXPECT_EQ(Joined(TitlesIn(displayed)), "Name,Modification time,Group,User");
-        ClickTitleIn(displayed, "Modification time");
-        SendKey(dialog, GDK_KEY_Down);  // Moves the cursor alone.
-        ClickTitleIn(displayed, "Modification time");
-        SendKey(dialog, GDK_KEY_Up, GDK_MOD1_MASK);
-        ClickTitleIn(displayed, "Group");
-        SendKey(dialog, GDK_KEY_Down, GDK_MOD1_MASK);
-        PressButton("OK")(dialog);
-    }});
+    Ask(MENU_OPTION, {[this](GtkWidget* dialog) {
+            GtkTreeView* const possible = List(dialog, "Possible columns");
+            GtkTreeView* const displayed = List(dialog, "Displayed columns");
+            const auto can_press = [dialog](const char* label) {
+                return gtk_widget_get_sensitive(FindByText(dialog, label)) != FALSE;
+            };
+            EXPECT_FALSE(can_press("Add") || can_press("Remove"));
+            // The column of names stays, alone or with others.
+            ClickTitleIn(displayed, "Size");
+            EXPECT_TRUE(can_press("Remove"));
+            ClickTitleIn(displayed, "Name", GDK_CONTROL_MASK);
+            EXPECT_FALSE(can_press("Remove"));
+            ClickTitleIn(displayed, "Name", 0, true);
+            ClickTitleIn(displayed, "Size", 0, true);
+            EXPECT_EQ(TitlesIn(possible)[5], "Size") << "in the order of their titles";
+            ClickTitleIn(possible, "User");
+            ClickTitleIn(possible, "Group", GDK_CONTROL_MASK);
+            PressButton("Add")(dialog);
+            EXPECT_FALSE(can_press("Add"));
+            EXPECT_EQ(Joined(TitlesIn(displayed)), "Name,Modification time,Group,User");
+            ClickTitleIn(displayed, "Modification time");
+            SendKey(dialog, GDK_KEY_Down);  // Moves the cursor alone.
+            ClickTitleIn(displayed, "Modification time");
+            SendKey(dialog, GDK_KEY_Up, GDK_MOD1_MASK);
+            ClickTitleIn(displayed, "Group");
+            SendKey(dialog, GDK_KEY_Down, GDK_MOD1_MASK);
+            PressButton("OK")(dialog);
+        }});
     EXPECT_EQ(ListTitles(), "Modification time,Name,User,Group");
     EXPECT_EQ(ListColumnWidths()[0], 199);
     EXPECT_EQ(ListColumnWidths()[1], 111);
@@ -179,8 +174,8 @@ TEST_F(Options, ColoursAreChosenAndConfirmed)
         return std::vector{color.red, color.green, color.blue};
     };
     const auto before = shown(FT_DIRECTORY);
-    During({OpenChooser("Directory"), PickColour("OK"), PressButton("Cancel")});
-    During(
+    Ask(MENU_OPTION, {OpenChooser("Directory"), PickColour("OK"), PressButton("Cancel")});
+    Ask(MENU_OPTION,
         {OpenChooser("Directory"), PickColour("Cancel"), OpenChooser("Socket"), PickColour("OK"), PressButton("OK")});
     EXPECT_EQ(shown(FT_DIRECTORY), before);
     EXPECT_EQ(shown(FT_SOCKET), (decltype(before){32767, 0, 65535}));

@@ -13,10 +13,6 @@ class Pickers : public WindowTest {
 protected:
     Pickers() { Make({"a/below/", "b\xFF/", "c/"}); }
 
-    static GtkTreeView* TreeOf(GtkWidget* dialog)
-    {
-        return GTK_TREE_VIEW(FindWidget(dialog, [](GtkWidget* widget) { return GTK_IS_TREE_VIEW(widget) != FALSE; }));
-    }
     static std::string SelectedIn(GtkWidget* dialog)
     {
         std::string path;

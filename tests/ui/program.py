@@ -210,7 +210,7 @@ class Program(unittest.TestCase):
         os.kill(process, signal.SIGTERM)
         wait_for("its end", lambda: not others())
         source.keys("ctrl+w")
-        source.ended()
+        self.assertEqual(source.ended()["CurrentDir"], f"{self.home}/")
 
     def test_other_locales(self):
         subprocess.run(["localedef", "-i", "ja_JP", "-f", "EUC-JP", f"{self.directory}/ja_JP.EUC-JP"], check=True)
@@ -235,6 +235,9 @@ class Program(unittest.TestCase):
         user = 65534 if os.geteuid() == 0 else None
         Fennick(self, home=f"{self.directory}/closed", user=user, NO_AT_BRIDGE="1").end()
         self.assertEqual(os.listdir(f"{self.directory}/closed"), [])
+        gone = f"{self.directory}/gone/"
+        done = subprocess.run([PROGRAM], env={**os.environ, "HOME": gone}, capture_output=True, text=True, timeout=60)
+        self.assertEqual((done.returncode, done.stderr), (0, f"fennick: cannot read the directory {gone}\n"))
 
 
 if __name__ == "__main__":

@@ -1,10 +1,44 @@
-// Paths and names, as typed, as read from the disk, and as shown.
+// Texts of others: paths and names, as typed, as read from the disk, and as shown; patterns; what is
+// dropped.
 
 #include <glib.h>
 
 #include "core/fnkutil-launch.h"
 #include "core/fnkutil.h"
 #include "fuzz.h"
+#include "model/fnkfilelist-rows.h"
+#include "model/fnkfiles-dragtext.h"
+
+namespace {
+
+/// What comes before the first NUL is the pattern, what follows it the name.
+void MatchText(const std::string& text)
+{
+    const std::string pattern = text.c_str();
+    const std::string name = pattern.size() < text.size() ? text.c_str() + pattern.size() + 1 : "";
+    if (IsUsablePattern(pattern)) {
+        MatchPattern(pattern, name.substr(0, 255).c_str());
+        Expect(MatchPattern("*", name.substr(0, 255).c_str()), "everything");
+    } else {
+        Expect(pattern.empty() || pattern.size() > kMaxFilterBytes, "any other text is a pattern");
+    }
+}
+
+void DropText(const std::string& text)
+{
+    for (const auto& paths : {SplitDragText(text), SplitUriList(text)}) {
+        for (const std::string& path : paths) {
+            Expect(path.starts_with('/') && path.size() <= kMaxPathBytes, "an absolute path");
+            Expect(path.find('\0') == std::string::npos, "a name that a file can have");
+        }
+        const std::vector<std::string> again = SplitUriList(MakeUriList(paths));
+        Expect(std::equal(again.begin(), again.end(), paths.begin(), paths.end(),
+                          [](const auto& a, const auto& b) { return WithSlash(a) == WithSlash(b); }),
+               "a list comes back");
+    }
+}
+
+}  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -17,8 +51,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         home.files.Link("loop", "loop");
         return true;
     }();
-    const std::string text = AsText(data, size).c_str();
     const bool is_utf8 = SetLocaleFor(size);
+    MatchText(AsText(data, size));
+    DropText(AsText(data, size));
+    const std::string text = AsText(data, size).c_str();
     const std::string parts = GetParentDirectory(text) + GetLastPath(text);
     Expect(parts == text || parts + "/" == text, "parent and name are the path");
     const std::string shown = DisplayText(AsText(data, size));
