@@ -159,6 +159,18 @@ protected:
 
 /// A command on a tree, and what comes of it.
 struct Story {
+    Story(const char* on, Tree from, std::string run, std::string answers_given, Result returned, int counted,
+          std::vector<std::string> said, Tree to)
+        : about(on),
+          before(from),
+          command(run),
+          given(answers_given),
+          result(returned),
+          steps(counted),
+          asked(said),
+          changes(to)
+    {
+    }
     const char* about;
     Tree before;
     std::string command;
