@@ -14,7 +14,7 @@ namespace {
 /// What comes before the first NUL is the pattern, what follows it the name.
 void MatchText(const std::string& text)
 {
-    const std::string pattern = text.c_str();
+    const std::string pattern = text.substr(0, text.find('\0'));
     const std::string name = pattern.size() < text.size() ? text.c_str() + pattern.size() + 1 : "";
     if (IsUsablePattern(pattern)) {
         MatchPattern(pattern, name.substr(0, 255).c_str());
@@ -54,7 +54,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const bool is_utf8 = SetLocaleFor(size);
     MatchText(AsText(data, size));
     DropText(AsText(data, size));
-    const std::string text = AsText(data, size).c_str();
+    std::string text = AsText(data, size);
+    text.erase(std::min(text.find('\0'), text.size()));
     const std::string parts = GetParentDirectory(text) + GetLastPath(text);
     Expect(parts == text || parts + "/" == text, "parent and name are the path");
     const std::string shown = DisplayText(AsText(data, size));

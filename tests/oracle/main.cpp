@@ -233,11 +233,11 @@ std::string RunSwapped(std::uint64_t seed, const std::string& top)
             is_above(name, plan.command.destination)) {
             continue;
         }
-        faults.at_call = [&, path = top + name] {
+        faults.at_call = [&, path = top + name, other = outside + name] {
             std::error_code error;
             const bool is_directory = std::filesystem::is_directory(std::filesystem::symlink_status(path, error));
             if (is_directory && rename(path.c_str(), aside.c_str()) == 0) {
-                std::filesystem::create_symlink(outside + name, path);
+                std::filesystem::create_symlink(other, path);
             }
         };
         bool is_swapped = true;

@@ -137,7 +137,7 @@ void WindowTest::Steps(const std::string& text, const Where& where)
     };
     std::istringstream steps(text);
     for (std::string step; std::getline(steps, step, ';');) {
-        const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), step);
+        const ::testing::ScopedTrace trace(where.file, where.line, step);
         const std::size_t end = step.find('=');
         argument.clear();
         std::istringstream(step.substr(0, end)) >> act >> argument;
@@ -195,7 +195,7 @@ void WindowTest::ExpectNodeConsistent(const std::string& path, DiskState disk)
 
 void WindowTest::ExpectConsistent(DiskState disk, const std::optional<std::string>& typed, const Where& where)
 {
-    const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "inconsistent");
+    const ::testing::ScopedTrace trace(where.file, where.line, "inconsistent");
     const std::string& current = pGTable->CurrentDir;
     EXPECT_EQ(TreeSelected(), current);
     EXPECT_EQ(LocationShown(), typed.value_or(DisplayText(current)));
@@ -221,7 +221,7 @@ void WindowTest::ExpectConsistent(DiskState disk, const std::optional<std::strin
 void WindowTest::ExpectAt(const std::string& directory, const std::optional<std::string>& selected,
                           const Where& where) const
 {
-    const ::testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "elsewhere");
+    const ::testing::ScopedTrace trace(where.file, where.line, "elsewhere");
     EXPECT_EQ(pGTable->CurrentDir, files.At(directory));
     EXPECT_EQ(Joined(SelectedNames()), selected.value_or(Joined(SelectedNames())));
     ExpectConsistent(DISK_AS_SHOWN, {}, where);

@@ -7,7 +7,6 @@
 
 #include <initializer_list>
 #include <optional>
-#include <source_location>
 #include <string>
 #include <vector>
 
@@ -23,7 +22,12 @@
 
 using Names = std::vector<std::string>;
 using Rows = std::vector<std::size_t>;
-using Where = std::source_location;
+/// A line of a test. Clang 14 lacks std::source_location.
+struct Where {
+    static Where Current(const char* file = __builtin_FILE(), int line = __builtin_LINE()) { return {file, line}; }
+    const char* file;
+    int line;
+};
 
 /// Names with commas between them.
 std::string Joined(const Names& names);
@@ -114,7 +118,7 @@ protected:
     /// Does what the text says, step by step: "act argument; act argument = directory selected state".
     /// What follows "=" is expected after the act, and that all is consistent; "." is the root and
     /// "-" an empty selection. Paths are below files, names without blanks.
-    void Steps(const std::string& text, const Where& where = Where::current());
+    void Steps(const std::string& text, const Where& where = Where::Current());
     /// What else a suite expects after its steps.
     virtual std::string State() const { return {}; }
 
@@ -185,10 +189,10 @@ protected:
     /// same directory and selection, and of what is on the disk. With a text, the entry says that
     /// instead of the directory.
     static void ExpectConsistent(DiskState disk = DISK_AS_SHOWN, const std::optional<std::string>& typed = {},
-                                 const Where& where = Where::current());
+                                 const Where& where = Where::Current());
     /// The same, and which directory below files is shown; with a text, which names are selected.
     void ExpectAt(const std::string& directory, const std::optional<std::string>& selected = {},
-                  const Where& where = Where::current()) const;
+                  const Where& where = Where::Current()) const;
 
     ScratchDirectory home;
     ScratchDirectory files;

@@ -104,11 +104,11 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
         {"x*", "0:0:1:0", "d\xFF/e/"}};
     for (const auto& [pattern, chosen, shown] : cases) {
         Visit("d\xFF");
-        Ask(MENU_FIND_FILE, {[pattern](GtkWidget* dialog) {
+        Ask(MENU_FIND_FILE, {[pattern = pattern](GtkWidget* dialog) {
                                  EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Start dir:")), pGTable->CurrentDir);
                                  Question(pGTable->RootDir, pattern, true)(dialog);
                              },
-                             [chosen](GtkWidget* dialog) {
+                             [chosen = chosen](GtkWidget* dialog) {
                                  AwaitEnd(dialog);
                                  const TreePath path(gtk_tree_path_new_from_string(chosen));
                                  // A row can be selected only where it shows.
@@ -119,7 +119,7 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
         EXPECT_EQ(pGTable->FilterHistory.front(), pattern);
         ExpectAt(shown);
     }
-    EXPECT_TRUE(Await([this] { return RowVisibilityOf(RowOf("x\xFE.c")) == ROW_VISIBLE; }));
+    EXPECT_TRUE(Await([] { return RowVisibilityOf(RowOf("x\xFE.c")) == ROW_VISIBLE; }));
 }
 
 TEST_F(FindDialogs, ClosingStopsTheSearchOrLeavesIt)

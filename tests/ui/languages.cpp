@@ -57,7 +57,7 @@ TEST_F(Languages, EverythingThatIsShownComesFromTheCatalogue)
     LookAt(pMainW->MainWindow);
     for (const MenuEntry entry : {MENU_MOVE, MENU_PROPERTY, MENU_SELECT_FILES, MENU_SYMBOLIC_LINK, MENU_OPTION,
                                   MENU_SORT_COLUMN, MENU_FILTER_VIEW, MENU_ABORT}) {
-        Ask(entry, {Look([this](GtkWidget* dialog) {
+        Ask(entry, {Look([](GtkWidget* dialog) {
                 EXPECT_FALSE(gtk_widget_is_sensitive(pMainW->FileList));
                 EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(dialog)), Window());
                 SendKey(pMainW->MainWindow, GDK_KEY_Tab);  // Goes to the dialog.

@@ -81,7 +81,7 @@ TEST_F(List, ReadingAgainKeepsTheFirstVisibleRow)
     Start();
     GtkAdjustment* const scroll = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(pMainW->FileList));
     const int row_height = static_cast<int>(gtk_adjustment_get_upper(scroll)) / static_cast<int>(ListRows().Count());
-    gtk_adjustment_set_value(scroll, 40 * row_height + row_height / 2);
+    gtk_adjustment_set_value(scroll, 40.5 * row_height);
     Settle();
     Steps("rescan");
     EXPECT_TRUE(Await([] {

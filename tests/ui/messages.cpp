@@ -24,7 +24,7 @@ protected:
     }
     static void Return(GtkWidget* box) { SendKey(box, GDK_KEY_Return); }
     /// Starts a command of five steps.
-    void Setup(OperationKind kind) { SetupProgress({files.At("tree/"), files.At("single")}, kind); }
+    void Begin(OperationKind kind) { SetupProgress({files.At("tree/"), files.At("single")}, kind); }
     static void ExpectBoxAbove(GtkWindow* below)
     {
         Answer([] { return MessageBox("Error", "Text", STYLE_SKIP); },
@@ -65,7 +65,7 @@ TEST_F(Messages, ReturnAndClosingPressTheLastButton)
 
 TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)
 {
-    Setup(OPERATION_DELETE);
+    Begin(OPERATION_DELETE);
     ASSERT_NE(pGTable->ProgressDlg, nullptr);
     EXPECT_EQ(pGTable->ProgressTotal, 5);
     EXPECT_NE(FindByText(pGTable->ProgressDlg, "File deleting..."), nullptr);
@@ -85,7 +85,7 @@ TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)
     EXPECT_EQ(gtk_grab_get_current(), nullptr);
     // A command without a dialog holds the input, too.
     pGTable->ShowProgress = 0;
-    Setup(OPERATION_MOVE);
+    Begin(OPERATION_MOVE);
     EXPECT_EQ(pGTable->ProgressDlg, nullptr);
     ExpectInputHeld();
     ExpectBoxAbove(Window());
@@ -97,7 +97,7 @@ TEST_F(Messages, TheProgressDialogCountsWhatIsNoDirectoryAndEndsByItself)
 TEST_F(Messages, CancelIsHeardOnce)
 {
     for (const DialogAct& cancel : {PressButton("Cancel"), DialogAct(SendClose)}) {
-        Setup(OPERATION_COPY);
+        Begin(OPERATION_COPY);
         EXPECT_EQ(UpdateProgress(), 0);
         cancel(pGTable->ProgressDlg);
         EXPECT_TRUE(KeepPainting());
