@@ -5,7 +5,8 @@
 
 #include "tabletest.h"
 
-/// Takes the texts from a catalogue while it lives; "en" has none. The locale must be a UTF-8 one.
+/// Takes the texts from a catalogue while it lives; "en" has none. The locale must be a UTF-8 one, but
+/// not C.UTF-8.
 class ScopedLanguage {
 public:
     explicit ScopedLanguage(const char* name, const char* catalogues = FENNICK_CATALOGUES) : variable_("LANGUAGE", name)

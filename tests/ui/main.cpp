@@ -18,8 +18,8 @@ int main(int argc, char** argv)
     for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
         setenv(name, scratch.Directory("toolkit").c_str(), 1);
     }
-    setenv("LANG", "C.UTF-8", 1);
-    setenv("LC_ALL", "C.UTF-8", 1);
+    setenv("LOCPATH", FENNICK_MARKED_CATALOGUES, 1);
+    setenv("LC_ALL", "xx.UTF-8", 1);
     unsetenv("LANGUAGE");
     umask(022);
     return RUN_ALL_TESTS();
