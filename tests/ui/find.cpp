@@ -104,13 +104,13 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
         {"x*", "0:0:1:0", "d\xFF/e/"}};
     for (const auto& [pattern, chosen, shown] : cases) {
         Visit("d\xFF");
-        Ask(MENU_FIND_FILE, {[pattern = pattern](GtkWidget* dialog) {
+        Ask(MENU_FIND_FILE, {[name = pattern](GtkWidget* dialog) {
                                  EXPECT_EQ(GetEntryBytes(FindNamed(dialog, "Start dir:")), pGTable->CurrentDir);
-                                 Question(pGTable->RootDir, pattern, true)(dialog);
+                                 Question(pGTable->RootDir, name, true)(dialog);
                              },
-                             [chosen = chosen](GtkWidget* dialog) {
+                             [row = chosen](GtkWidget* dialog) {
                                  AwaitEnd(dialog);
-                                 const TreePath path(gtk_tree_path_new_from_string(chosen));
+                                 const TreePath path(gtk_tree_path_new_from_string(row));
                                  // A row can be selected only where it shows.
                                  gtk_tree_selection_select_path(gtk_tree_view_get_selection(TreeOf(dialog)),
                                                                 path.get());

@@ -47,7 +47,7 @@ TEST_F(Messages, ReturnAndClosingPressTheLastButton)
     const std::tuple<unsigned, const char*, Result> cases[] = {
         {STYLE_ERROR, "OK", RESULT_OK}, {STYLE_QUESTION, "Yes", RESULT_CANCEL}, {STYLE_SKIP, "Skip", RESULT_CANCEL}};
     for (const auto& [style, first, last] : cases) {
-        const auto ask = [style = style] { return MessageBox("Title", "Two\nlines", style); };
+        const auto ask = [asked = style] { return MessageBox("Title", "Two\nlines", asked); };
         EXPECT_EQ(Answer(ask, PressButton(first)), RESULT_OK) << style;
         EXPECT_EQ(Answer(ask, Return), last) << style;
         EXPECT_EQ(Answer(ask, SendClose), last) << style;
@@ -55,9 +55,9 @@ TEST_F(Messages, ReturnAndClosingPressTheLastButton)
     EXPECT_EQ(Answer([] { return DeleteMessageBox("/some/dir/"); }, Return), RESULT_ABORT);
     for (const auto& [button, result] :
          {std::pair("Yes", RESULT_YES_ALL), {"No", RESULT_CANCEL}, {"Cancel", RESULT_ABORT}}) {
-        const auto act = [button = button](GtkWidget* box) {
+        const auto act = [label = button](GtkWidget* box) {
             PressButton("Do the same for the rest")(box);
-            PressButton(button)(box);
+            PressButton(label)(box);
         };
         EXPECT_EQ(Answer([] { return DeleteMessageBox("/some/dir/"); }, act), result) << button;
     }

@@ -58,8 +58,8 @@ TEST_F(Pickers, ADirectoryIsPickedFromTheTreeOrTyped)
     const std::pair<std::string, std::string> cases[] = {
         {"", files.At("a/")}, {files.At("a/below/gone/x"), files.At("a/below/")}, {"below", files.At("a/below/")}};
     for (const auto& [text, start] : cases) {
-        const auto look = [start = start](GtkWidget* dialog) {
-            EXPECT_EQ(SelectedIn(dialog), start);
+        const auto look = [expected = start](GtkWidget* dialog) {
+            EXPECT_EQ(SelectedIn(dialog), expected);
             PressButton("Cancel")(dialog);
         };
         EXPECT_EQ(Browse(kDirectory, text, {look}), text);
@@ -112,8 +112,8 @@ TEST_F(Pickers, AnApplicationIsChosenByKeys)
                                                                 {{GDK_KEY_End, GDK_KEY_Escape}, "before"}};
     for (const auto& [keys, chosen] : cases) {
         std::string program = "before";
-        const auto press = [keys = keys](GtkWidget* box) {
-            std::for_each(keys.begin(), keys.end(), [box](guint key) { SendKey(box, key); });
+        const auto press = [pressed = keys](GtkWidget* box) {
+            std::for_each(pressed.begin(), pressed.end(), [box](guint key) { SendKey(box, key); });
         };
         DuringDialogs([&] { EXPECT_EQ(SelectAppDlg(&dialog, &program), 0); }, {press});
         EXPECT_EQ(program, chosen);
