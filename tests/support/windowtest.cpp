@@ -1,5 +1,6 @@
 #include "windowtest.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <functional>
 #include <map>
@@ -64,6 +65,7 @@ void WindowTest::Make(const Names& names) const
 
 void WindowTest::Start(const std::string& root, const std::string& start)
 {
+    std::setlocale(LC_ALL, "");  // Which the toolkit does only once.
     gdk_set_allowed_backends("x11");
     gtk_init(nullptr, nullptr);
     // Away from where windows open: a button that comes up under the pointer shows its tip.
