@@ -25,29 +25,27 @@ PopupChoice AskAtPointer()
 
 }  // namespace
 
-int UIFileDragDrop(const std::vector<std::string>& items, const std::string& destination)
+std::function<void()> UIFileDragDrop(const std::vector<std::string>& items, const std::string& destination)
 {
     if (items.empty() || destination.empty()) {
-        return 1;
+        return nullptr;
     }
-    // A copy, because destination may refer to a field of pGTable that the command changes.
-    const std::string place = destination;
     const std::string& first = items.front();
-    if (GetParentDirectory(first) == place || first == place || !IsDirectory(place)) {
-        return 1;
+    if (GetParentDirectory(first) == destination || first == destination || !IsDirectory(destination)) {
+        return nullptr;
     }
     const PopupChoice choice = AskAtPointer();
     if (choice != POPUP_COPY && choice != POPUP_MOVE) {
-        return 1;
+        return nullptr;
     }
-    int flag = 0;
-    const auto transfer = choice == POPUP_MOVE ? MoveFile : CopyFile;
-    RunOperation(choice == POPUP_MOVE ? OPERATION_MOVE : OPERATION_COPY, items,
-                 [&](const std::string& item) { return transfer(place, item, &flag); });
-    if (choice == POPUP_MOVE) {
-        RescanTree(MainTree(), ParentInTree(GetParentDirectory(first)));
-    }
-    RescanTree(MainTree(), ParentInTree(place));
-    OpenChildTree(MainTree(), place, EXPAND_LAST_YES);
-    return 0;
+    return [items, destination, kind = choice == POPUP_MOVE ? OPERATION_MOVE : OPERATION_COPY] {
+        int flag = 0;
+        const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
+        RunOperation(kind, items, [&](const std::string& item) { return transfer(destination, item, &flag); });
+        if (kind == OPERATION_MOVE) {
+            RescanTree(MainTree(), ParentInTree(GetParentDirectory(items.front())));
+        }
+        RescanTree(MainTree(), ParentInTree(destination));
+        OpenChildTree(MainTree(), destination, EXPAND_LAST_YES);
+    };
 }

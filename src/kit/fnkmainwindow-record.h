@@ -53,10 +53,11 @@ struct MainW {
     GtkWidget* StatusBar = nullptr;
     GtkWidget* FilterStatusBar = nullptr;
 
-    int ListAnchor = -1;         ///< Row from which Shift+click extends the selection; -1: none.
-    int ListBatches = 0;         ///< Number of live ListSelectionBatch objects.
-    bool IsListChanged = false;  ///< The selection has changed since the last report.
-    int HeldRow = -1;            ///< Row of a button press that may start a drag of the selection; -1: none.
+    int ListAnchor = -1;            ///< Row from which Shift+click extends the selection; -1: none.
+    int ListBatches = 0;            ///< Number of live ListSelectionBatch objects.
+    bool IsListChanged = false;     ///< The selection has changed since the last report.
+    int HeldRow = -1;               ///< Row of a button press that may start a drag of the selection; -1: none.
+    bool IsHeldToUnselect = false;  ///< Whether its release unselects HeldRow, or else selects it alone.
     std::array<int, 2> HeldRows = {-1, -1};  ///< HeldRow after the last two presses, older first.
 };
 

@@ -48,12 +48,15 @@ bool IsSelected(GtkTreeView* tree, const GtkTreeIter& node)
     return gtk_tree_selection_iter_is_selected(gtk_tree_view_get_selection(tree), &copy);
 }
 
-/// Marks the node as the drop target. Stops the expand timer of the previous target.
-void SelectTarget(GtkTreeView* tree, const GtkTreeIter& node)
+/// Frames the node as the drop target. Stops the expand timer of the previous target.
+void FrameTarget(GtkTreeView* tree, const GtkTreeIter& node)
 {
-    if (!IsSelected(tree, node)) {
-        GtkTreeIter copy = node;
-        gtk_tree_selection_select_iter(gtk_tree_view_get_selection(tree), &copy);
+    const TreePath path = TreeWalk(tree).PathOf(node);
+    GtkTreePath* framed = nullptr;
+    gtk_tree_view_get_drag_dest_row(tree, &framed, nullptr);
+    const TreePath before(framed);
+    if (before == nullptr || gtk_tree_path_compare(path.get(), framed) != 0) {
+        gtk_tree_view_set_drag_dest_row(tree, path.get(), GTK_TREE_VIEW_DROP_INTO_OR_AFTER);
         StopTimer(pGTable->ExpandTimer);
     }
 }
@@ -71,7 +74,7 @@ gboolean ScrollOneRow(OptionalNode (TreeWalk::*next)(const GtkTreeIter&) const, 
         const OptionalNode node = NodeAt(tree, 0, GPOINTER_TO_INT(y));
         if (const OptionalNode beside = node ? (walk.*next)(*node) : std::nullopt) {
             ScrollRowTo(tree, walk.PathOf(*beside).get(), alignment);
-            SelectTarget(tree, NodeAt(tree, 0, GPOINTER_TO_INT(y)).value_or(*beside));
+            FrameTarget(tree, NodeAt(tree, 0, GPOINTER_TO_INT(y)).value_or(*beside));
             return G_SOURCE_CONTINUE;
         }
     }
@@ -116,7 +119,7 @@ void UpdateScrolling(GtkWidget* tree, int y)
 
 void HoverOver(GtkTreeView* tree, const GtkTreeIter& node)
 {
-    SelectTarget(tree, node);
+    FrameTarget(tree, node);
     const TreeWalk walk(tree);
     if (walk.HasChildren(node) && !walk.IsExpanded(node) && pGTable->ExpandTimer == 0) {
         pGTable->ExpandTimer = g_timeout_add_full(G_PRIORITY_DEFAULT, kExpandDelay, TreeExpand,
@@ -130,7 +133,6 @@ gboolean on_DirTree_drag_motion(GtkWidget* widget, GdkDragContext* context, int 
         return FALSE;
     }
     gdk_drag_status(context, gdk_drag_context_get_suggested_action(context), time);
-    DisconnectTreeSelectSignal();
     GtkTreeView* const tree = GTK_TREE_VIEW(widget);
     const OptionalNode node = NodeAt(tree, x, y);
     if (!node) {
@@ -145,11 +147,11 @@ gboolean on_DirTree_drag_motion(GtkWidget* widget, GdkDragContext* context, int 
     return TRUE;
 }
 
-void on_DirTree_drag_leave(GtkWidget*, GdkDragContext*, guint, gpointer)
+void on_DirTree_drag_leave(GtkWidget* tree, GdkDragContext*, guint, gpointer)
 {
     if (pGTable != nullptr) {
         StopTimers();
-        ConnectTreeSelectSignal();
+        gtk_tree_view_set_drag_dest_row(GTK_TREE_VIEW(tree), nullptr, GTK_TREE_VIEW_DROP_BEFORE);
     }
 }
 
@@ -185,7 +187,7 @@ std::string FindTreeDestination(GtkTreeView* tree, int x, int y)
     return node ? GetNodePath(tree, *node) : std::string();
 }
 
-constexpr DragPane kTreePane = {PathOfTreeRow, PrepareTreeDrag, FindTreeDestination, ConnectTreeSelectSignal};
+constexpr DragPane kTreePane = {PathOfTreeRow, PrepareTreeDrag, FindTreeDestination};
 
 }  // namespace
 

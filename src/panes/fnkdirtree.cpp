@@ -250,6 +250,9 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
         const SelectionPause pause(tree);
         reached = ExpandAlong(tree, target, expand_last);
     }
+    if (tree == MainTree()) {
+        ConnectTreeSelectSignal();
+    }
     SetTreeSelectNode(tree, reached);
     // Entering a different directory has filled the list. If the directory is still the same, read it
     // again: commands end here and may have changed it.

@@ -7,7 +7,8 @@
 #include "kit/fnkutil-view.h"
 #include "model/fnkfiles-dragtext.h"
 
-int (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination) = nullptr;
+std::function<void()> (*OnFilesDropped)(const std::vector<std::string>& items,
+                                        const std::string& destination) = nullptr;
 
 namespace {
 
@@ -90,14 +91,6 @@ bool BeginDrag(GtkWidget* widget, GdkEvent* event, const Press& start)
     return context != nullptr;
 }
 
-void EndDrag(ViewDrag& drag)
-{
-    drag.items.clear();
-    if (pGTable != nullptr && drag.pane.Ended != nullptr) {
-        drag.pane.Ended();
-    }
-}
-
 /// Whether the button is still down. The pane may miss the release, as when a dialog opened by a
 /// double click gets it instead.
 bool IsHeld(guint button, guint state)
@@ -123,7 +116,7 @@ gboolean on_Pane_motion_notify(GtkWidget* widget, GdkEventMotion* event, gpointe
     }
     drag.items = drag.pane.PrepareDrag(start.view, start.row.get());
     if (!drag.items.empty() && !BeginDrag(widget, reinterpret_cast<GdkEvent*>(event), start)) {
-        EndDrag(drag);  // There is no "drag-end" for a drag that did not begin.
+        drag.items.clear();  // There is no "drag-end" for a drag that did not begin.
     }
     return TRUE;
 }
@@ -142,7 +135,7 @@ void on_Pane_drag_data_get(GtkWidget*, GdkDragContext*, GtkSelectionData* data, 
 
 void on_Pane_drag_end(GtkWidget*, GdkDragContext*, gpointer data)
 {
-    EndDrag(DragOf(data));
+    DragOf(data).items.clear();
 }
 
 /// Keeps the signal from the tree view's own handler, which would look for a row to drop on.
@@ -195,10 +188,14 @@ struct Drop {
 gboolean RunDrop(gpointer data)
 {
     auto* const drop = static_cast<Drop*>(data);
-    const bool is_done = CanAcceptDrop() && OnFilesDropped != nullptr && !drop->items.empty() &&
-                         !drop->destination.empty() && OnFilesDropped(drop->items, drop->destination) == 0;
-    // Never ask the source to delete the originals: the engine has done so after a move.
-    gtk_drag_finish(drop->context, is_done, FALSE, drop->time);
+    const bool is_possible =
+        CanAcceptDrop() && OnFilesDropped != nullptr && !drop->items.empty() && !drop->destination.empty();
+    const std::function<void()> work = is_possible ? OnFilesDropped(drop->items, drop->destination) : nullptr;
+    // Never ask the source to delete the originals: the engine does so in a move.
+    gtk_drag_finish(drop->context, work != nullptr, FALSE, drop->time);
+    if (work) {
+        work();
+    }
     return G_SOURCE_REMOVE;
 }
 

@@ -4,12 +4,13 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
-/// Copies or moves dropped items into destination, which ends in "/". Returns 0 if that was done.
-/// Set once at start.
-extern int (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination);
+/// Asks what to do with dropped items in destination, which ends in "/". Returns what does it, or null
+/// for nothing. Set once at start.
+extern std::function<void()> (*OnFilesDropped)(const std::vector<std::string>& items, const std::string& destination);
 
 /// What differs between the panes.
 struct DragPane {
@@ -20,8 +21,6 @@ struct DragPane {
     std::vector<std::string> (*PrepareDrag)(GtkTreeView* view, GtkTreePath* pressed);
     /// The directory under a point of the widget; empty if nothing can be dropped there.
     std::string (*FindDestination)(GtkTreeView* view, int x, int y);
-    /// Called after a drag from this pane; may be null.
-    void (*Ended)();
 };
 
 /// Makes the pane a drag source and a drop target. pane must outlive the view. A press that an

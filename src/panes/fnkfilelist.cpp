@@ -102,9 +102,9 @@ GtkTreeView* NewListView()
     GtkTreeSelection* const selection = gtk_tree_view_get_selection(list);
     gtk_tree_selection_set_mode(selection, GTK_SELECTION_MULTIPLE);
     g_signal_connect(selection, "changed", G_CALLBACK(on_FileList_selection_changed), nullptr);
+    ConnectListDrag(list);  // First, so that it sees the presses that the next handler consumes.
     g_signal_connect(list, "button-press-event", G_CALLBACK(on_FileList_button_press), nullptr);
     g_signal_connect(list, "row-activated", G_CALLBACK(on_FileList_row_activated), nullptr);
-    ConnectListDrag(list);
     return list;
 }
 
