@@ -30,16 +30,14 @@ constexpr std::size_t kLargeBytes = std::size_t{1} << 30;
 std::string top;
 
 /// Runs work as the commands of the window do.
-void RunCommand(OperationKind kind, const std::string& item, const std::function<void()>& work)
+void Perform(OperationKind kind, const std::string& item, const std::function<void()>& work)
 {
-    SetupProgress({item}, kind);
-    work();
-    EndProgress();
+    RunCommand({item}, kind, work);
 }
 
 void Copy(const std::string& source, const std::string& destination)
 {
-    RunCommand(OPERATION_COPY, source, [&] {
+    Perform(OPERATION_COPY, source, [&] {
         int flag = 0;
         CopyFile(destination, source, &flag);
     });
@@ -47,7 +45,7 @@ void Copy(const std::string& source, const std::string& destination)
 
 void Delete(const std::string& item)
 {
-    RunCommand(OPERATION_DELETE, item, [&] {
+    Perform(OPERATION_DELETE, item, [&] {
         Result answer = RESULT_YES_ALL;
         RemoveFile(item, &answer);
     });

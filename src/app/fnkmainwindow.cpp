@@ -14,7 +14,6 @@
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
-#include "kit/fnkmessage-box.h"
 #include "kit/fnkprogress.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
@@ -180,10 +179,7 @@ void FitFilterStatus()
 
 GtkWidget* CreateMainWindow()
 {
-    OnEngine = {.MessageBox = MessageBox,
-                .DeleteMessageBox = DeleteMessageBox,
-                .UpdateProgress = UpdateProgress,
-                .KeepPainting = KeepPainting};
+    OnEngine = CommandEvents();
     OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
     OnFileList = {.SelectionChanged = UpdateForSelection, .FileActivated = ExecApplication};
     OnFilesDropped = UIFileDragDrop;

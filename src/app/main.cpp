@@ -18,6 +18,7 @@
 #include "core/fnktable.h"
 #include "core/fnkutil-launch.h"
 #include "core/fnkversion.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-widget.h"
 
@@ -45,12 +46,21 @@ void SignalHandler(int)
     errno = saved;
 }
 
+/// Ends the process. Threads that a disk keeps would still use what exit() destroys.
+[[noreturn]] void Leave()
+{
+    if (!StopRuns()) {
+        _exit(0);
+    }
+    std::exit(0);
+}
+
 /// Runs in the innermost main loop. Exits at once, because the dialog that runs that loop must not go on
 /// without the records.
 gboolean on_Signal(int, GIOCondition, gpointer)
 {
     TerminateGlobalTable();
-    std::exit(0);
+    Leave();
 }
 
 void InstallSignalHandler()
@@ -142,5 +152,5 @@ int main(int argc, char** argv)
     }
     ShowMainWindow();
     gtk_main();
-    return 0;
+    Leave();
 }

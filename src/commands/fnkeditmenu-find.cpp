@@ -6,6 +6,7 @@
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkselfile.h"
 
@@ -63,7 +64,7 @@ bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
     GtkWidget* const start_entry = ComboEntry(info->StartCombo);
     GtkWidget* const name_entry = ComboEntry(info->NameCombo);
     std::string start = GetEntryBytes(start_entry);
-    const PathStatus status = CheckFileExist(&start);
+    const PathStatus status = WaitToCheckPath(&start);
     if (status != PATH_DIRECTORY) {
         FileExistMessageBox(status, start_entry);
         return false;

@@ -12,10 +12,12 @@
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
 #include "core/fnkutil.h"
+#include "engine/fnkfiles-report.h"
 #include "engine/fnkfiles-sync.h"
 #include "engine/fnkmessage.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkselfile.h"
 
@@ -92,6 +94,35 @@ PathStatus CheckLinkName(std::string* name)
     return may_be_link && lstat(place.c_str(), &st) == 0 ? PATH_FILE : status;
 }
 
+/// What came of making a link.
+struct LinkResult {
+    PathStatus target_status = PATH_NULL;
+    PathStatus name_status = PATH_NULL;
+    std::string name;
+    int error = 0;
+};
+
+/// Checks both typed paths and makes the link if they are all right.
+LinkResult MakeLink(std::string target, std::string name)
+{
+    LinkResult result;
+    result.target_status = CheckTarget(&target);
+    if (result.target_status != PATH_DIRECTORY && result.target_status != PATH_FILE) {
+        return result;
+    }
+    result.name_status = CheckLinkName(&name);
+    result.name = name;
+    if (result.name_status == PATH_NEW) {
+        ExpectChangeOf(name);
+        result.error = CheckMayChange();
+        if (result.error == 0 && symlink(target.c_str(), name.c_str()) != 0) {
+            result.error = errno;
+        }
+        NoteChange();
+    }
+    return result;
+}
+
 }  // namespace
 
 void CreateSymbolicLinkDlg()
@@ -124,26 +155,25 @@ void CreateSymbolicLinkDlg()
 void on_Link_OKButton_clicked(GtkWidget*, gpointer data)
 {
     auto* const info = static_cast<LinkDlgInfo*>(data);
-    std::string target = GetEntryBytes(info->ExistingEntry);
-    const PathStatus target_status = CheckTarget(&target);
-    if (target_status != PATH_DIRECTORY && target_status != PATH_FILE) {
-        FileExistMessageBox(target_status, info->ExistingEntry);
+    const auto checked = WaitFor(GetEntryBytes(info->LinkEntry),
+                                 [target = GetEntryBytes(info->ExistingEntry), name = GetEntryBytes(info->LinkEntry)] {
+                                     return MakeLink(target, name);
+                                 });
+    if (!checked) {
         return;
     }
-    std::string name = GetEntryBytes(info->LinkEntry);
-    const PathStatus name_status = CheckLinkName(&name);
-    if (name_status != PATH_NEW) {
-        FileExistMessageBox(name_status, info->LinkEntry);
-        return;
-    }
-    if (symlink(target.c_str(), name.c_str()) != 0) {
-        MessageBox(_("Error"), FormatText(_("Symbolic link has not been created.\ncause:%s"), g_strerror(errno)),
+    if (checked->target_status != PATH_DIRECTORY && checked->target_status != PATH_FILE) {
+        FileExistMessageBox(checked->target_status, info->ExistingEntry);
+    } else if (checked->name_status != PATH_NEW) {
+        FileExistMessageBox(checked->name_status, info->LinkEntry);
+    } else if (checked->error != 0) {
+        MessageBox(_("Error"),
+                   FormatText(_("Symbolic link has not been created.\ncause:%s"), g_strerror(checked->error)),
                    STYLE_ERROR);
-        return;
+    } else {
+        info->Created = checked->name;
+        gtk_main_quit();
     }
-    NoteChange();
-    info->Created = name;
-    gtk_main_quit();
 }
 
 void on_Menu_SymbolicLink_activate(GtkWidget*, gpointer)

@@ -6,6 +6,7 @@
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkselfile.h"
@@ -101,7 +102,7 @@ void on_FileOperation_OKButton_clicked(GtkWidget*, gpointer data)
 {
     auto* const state = static_cast<OperationState*>(data);
     std::string path = GetEntryBytes(state->entry);
-    const PathStatus status = CheckFileExist(&path);
+    const PathStatus status = WaitToCheckPath(&path);
     if (status != PATH_NEW && status != PATH_DIRECTORY && status != PATH_FILE) {
         FileExistMessageBox(status, state->entry);
         return;

@@ -3,7 +3,6 @@
 #include "commands/fnkfilemenu-operation.h"
 #include "commands/fnkfilemenu-targets.h"
 #include "core/fnkutil.h"
-#include "engine/fnkfiles-copy.h"
 #include "kit/fnkmainwindow-record.h"
 #include "panes/fnkdirtree.h"
 
@@ -39,9 +38,7 @@ std::function<void()> UIFileDragDrop(const std::vector<std::string>& items, cons
         return nullptr;
     }
     return [items, destination, kind = choice == POPUP_MOVE ? OPERATION_MOVE : OPERATION_COPY] {
-        int flag = 0;
-        const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
-        RunOperation(kind, items, [&](const std::string& item) { return transfer(destination, item, &flag); });
+        RunOperation(kind, items, TransferTo(kind, destination));
         if (kind == OPERATION_MOVE) {
             RescanTree(MainTree(), ParentInTree(GetParentDirectory(items.front())));
         }

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <functional>
 
 #include "commands/fnkfilemenu-ask.h"
 #include "core/fnkraii.h"
@@ -21,22 +22,22 @@ namespace {
 constexpr mode_t kDirectoryMode = 0775;
 constexpr mode_t kFileMode = 0666;
 
-/// Notes the change. On failure, shows a message with the reason from errno instead.
-bool ReportCreation(bool created, const char* failure, const std::string& path)
+/// Runs create, which returns 0 or an errno, and waits until the change is on the disk. On failure shows
+/// a message with the reason.
+bool Create(const std::string& path, const char* failure, const std::function<int()>& create)
 {
-    if (created) {
-        NoteChange();
-    } else {
-        MessageBox(_("Error"), FormatPathMessage(failure, path, errno), STYLE_ERROR);
+    const std::optional<int> error = WaitFor(path, [path, create] {
+        ExpectChangeOf(path);
+        const int failed = create();
+        if (failed == 0) {
+            NoteChange();
+        }
+        return failed;
+    });
+    if (error && *error != 0) {
+        MessageBox(_("Error"), FormatPathMessage(failure, path, *error), STYLE_ERROR);
     }
-    return created;
-}
-
-/// Flushes the noted changes to the disk: EndProgress waits for them.
-void SyncQuietly()
-{
-    SetupQuietRun();
-    EndProgress();
+    return error == 0;
 }
 
 /// Asks for the path of a new object. False if the user cancels or, after a message, if nothing can be
@@ -46,7 +47,7 @@ bool AskForNewPath(OperationMode mode, std::string* path)
     if (CreateFileOperationDlg(mode, "", path) != RESULT_OK) {
         return false;
     }
-    PathStatus status = CheckFileExist(path);
+    PathStatus status = WaitToCheckPath(path);
     if (mode == MODE_NEW_DIRECTORY && path->size() >= kMaxPathBytes) {
         status = PATH_TOO_LONG;  // The final "/" of a directory would not fit.
     }
@@ -60,18 +61,20 @@ bool AskForNewPath(OperationMode mode, std::string* path)
 
 bool CreateNewDirectory(const std::string& path)
 {
-    return ReportCreation(mkdir(path.c_str(), kDirectoryMode) == 0, _("Cannot create directory %s\ncause:%s"), path);
+    return Create(path, _("Cannot create directory %s\ncause:%s"),
+                  [path] { return mkdir(path.c_str(), kDirectoryMode) == 0 ? 0 : errno; });
 }
 
 bool CreateNewFile(const std::string& path)
 {
-    const Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode));
-    return ReportCreation(static_cast<bool>(file), _("Cannot create file %s\ncause:%s"), path);
+    return Create(path, _("Cannot create file %s\ncause:%s"), [path] {
+        constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        return Descriptor(open(path.c_str(), kNew, kFileMode)) ? 0 : errno;
+    });
 }
 
 void ShowNewFile(const std::string& path)
 {
-    SyncQuietly();
     const std::string parent = GetParentDirectory(path);
     OpenChildTree(MainTree(), parent, EXPAND_LAST_NO);
     if (pGTable->CurrentDir == parent) {
@@ -85,7 +88,6 @@ void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
     if (!AskForNewPath(MODE_NEW_DIRECTORY, &path) || !CreateNewDirectory(WithSlash(path))) {
         return;
     }
-    SyncQuietly();
     RescanTree(MainTree(), GetParentDirectory(path));
     OpenChildTree(MainTree(), WithSlash(path), EXPAND_LAST_NO);
 }

@@ -4,6 +4,7 @@
 #include "core/fnktable.h"
 #include "core/fnkutil-launch.h"
 #include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkselfile.h"
 
@@ -32,7 +33,11 @@ void Run(const std::string& program, const std::string& argument)
 
 void ExecApplication(const std::string& path)
 {
-    const Launch launch = DecideLaunch(path);
+    const std::optional<Launch> decided = WaitFor(path, [path] { return DecideLaunch(path); });
+    if (!decided) {
+        return;
+    }
+    const Launch& launch = *decided;
     switch (launch.kind) {
     case LAUNCH_NOTHING:
         break;

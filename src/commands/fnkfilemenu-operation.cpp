@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <memory>
+
 #include "commands/fnkfilemenu-ask.h"
 #include "commands/fnkfilemenu-new.h"
 #include "commands/fnkfilemenu-targets.h"
@@ -15,41 +17,47 @@
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
 
-Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step)
+Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step,
+                    const std::function<void(Result result)>& end)
 {
-    Result result = RESULT_DONE;
-    SetupProgress(paths, kind);
-    for (const std::string& path : paths) {
-        // The user may have cancelled while the files were counted.
-        result = KeepPainting() ? RESULT_CANCEL : step(path);
-        if (result == RESULT_CANCEL) {
-            DestroyProgressDlg();
-            break;
+    const auto result = std::make_shared<Result>(RESULT_DONE);
+    const RunEnd run_end = RunCommand(paths, kind, [=] {
+        for (const std::string& path : paths) {
+            // The user may have cancelled while the files were counted.
+            *result = OnEngine.IsCancelled() ? RESULT_CANCEL : step(path);
+            if (*result == RESULT_CANCEL) {
+                break;
+            }
         }
-    }
-    EndProgress();
-    return result;
+        if (end && !OnEngine.IsLeft()) {
+            end(*result);
+        }
+    });
+    return run_end == RUN_DONE ? *result : RESULT_CANCEL;
 }
 
 namespace {
 
+enum Destination { DESTINATION_READY, DESTINATION_MADE, DESTINATION_REFUSED };
+
 /// Several sources need a directory to go into: at a plain path, each would replace the one before.
-/// Creates a missing directory and sets *made. False, after a message, if that fails or a file is in
-/// the way.
-bool PrepareDestination(const std::vector<std::string>& sources, const std::string& destination, bool* made)
+/// Creates a missing directory. Shows a message if that fails or a file is in the way.
+Destination PrepareDestination(const std::vector<std::string>& sources, const std::string& destination)
 {
-    struct stat st = {};
     if (sources.size() == 1) {
-        return true;
+        return DESTINATION_READY;
     }
-    if (lstat(destination.c_str(), &st) != 0) {
-        return *made = CreateNewDirectory(destination);
+    const auto mode = WaitFor(destination, [destination] {
+        struct stat st = {};
+        return lstat(destination.c_str(), &st) == 0 ? st.st_mode : 0;
+    });
+    if (mode == mode_t(0)) {
+        return CreateNewDirectory(destination) ? DESTINATION_MADE : DESTINATION_REFUSED;
     }
-    if (!S_ISDIR(st.st_mode)) {
+    if (mode && !S_ISDIR(*mode)) {
         FileExistMessageBox(PATH_FILE, nullptr);
-        return false;
     }
-    return true;
+    return mode && S_ISDIR(*mode) ? DESTINATION_READY : DESTINATION_REFUSED;
 }
 
 }  // namespace
@@ -59,23 +67,23 @@ void FileOperation(OperationKind kind)
     std::vector<std::string> sources;
     std::string description;
     std::string destination;
-    bool made = false;
     const auto mode = static_cast<OperationMode>(kind);
     if (GetFileOperationString(sources, &description) == SELECTION_NONE || !CheckFileOperationPaths(sources) ||
-        CreateFileOperationDlg(mode, description, &destination) != RESULT_OK ||
-        !PrepareDestination(sources, destination, &made)) {
+        CreateFileOperationDlg(mode, description, &destination) != RESULT_OK) {
         return;
     }
-    const auto transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile;
+    const Destination prepared = PrepareDestination(sources, destination);
+    if (prepared == DESTINATION_REFUSED) {
+        return;
+    }
     if (sources.size() > 1) {
         destination = WithSlash(destination);
     }
-    int flag = 0;
-    const Result result =
-        RunOperation(kind, sources, [&](const std::string& source) { return transfer(destination, source, &flag); });
-    if (made && result == RESULT_CANCEL) {
-        rmdir(destination.c_str());  // Fails, as it should, if something has been put into it.
-    }
+    const Result result = RunOperation(kind, sources, TransferTo(kind, destination), [=](Result last) {
+        if (prepared == DESTINATION_MADE && last == RESULT_CANCEL) {
+            rmdir(destination.c_str());  // Fails, as it should, if something has been put into it.
+        }
+    });
     const std::string parent = ParentInTree(destination);
     if (kind == OPERATION_MOVE) {
         RescanTree(MainTree(), ParentInTree(sources.front()));
@@ -83,6 +91,12 @@ void FileOperation(OperationKind kind)
     RescanTree(MainTree(), parent);
     const bool is_inside = result == RESULT_DONE && IsDirectory(destination);
     OpenChildTree(MainTree(), is_inside ? destination : parent, EXPAND_LAST_YES);
+}
+
+OperationStep TransferTo(OperationKind kind, const std::string& destination)
+{
+    return [transfer = kind == OPERATION_MOVE ? MoveFile : CopyFile, destination,
+            flag = 0](const std::string& source) mutable { return transfer(destination, source, &flag); };
 }
 
 namespace {

@@ -9,11 +9,16 @@
 
 #include "engine/fnkmessage.h"
 
-/// Processes one path and returns a result of the engine.
+/// Processes one path and returns a result of the engine. Runs in a thread and must own what it uses.
 using OperationStep = std::function<Result(const std::string& path)>;
 /// Runs the step for each path under the progress dialog. Stops when the user cancels or a step
-/// returns RESULT_CANCEL. Returns the last result.
-Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step);
+/// returns RESULT_CANCEL. Returns the last result; RESULT_CANCEL if the user has left the command.
+/// Unless it is left, end runs in the thread, too.
+Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step,
+                    const std::function<void(Result result)>& end = nullptr);
+
+/// A step that copies or moves to destination. All paths share the user's leave to overwrite.
+OperationStep TransferTo(OperationKind kind, const std::string& destination);
 
 /// Asks for a destination, copies or moves the selection to it and shows it there.
 void FileOperation(OperationKind kind);

@@ -10,6 +10,7 @@
 #include "core/fnkutil.h"
 #include "engine/fnkfilemenu-property-change.h"
 #include "engine/fnkfiles-copy.h"
+#include "engine/fnkfiles-report.h"
 #include "engine/fnkfiles-sync.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
@@ -210,36 +211,46 @@ void on_PerToggle_toggled(GtkWidget* toggle, gpointer pointer)
 
 namespace {
 
+/// What the dialog says, for the thread that applies it.
+struct PropertyChange {
+    std::string path;
+    mode_t mode;
+    std::string owner;
+    std::string group;
+    std::string name;
+};
+
+struct PropertyResult {
+    bool is_applied = false;        ///< Something may have changed.
+    bool is_refused = false;        ///< The dialog must stay open.
+    PathStatus status = PATH_NULL;  ///< What to say of the name or of the file, unless PATH_NULL.
+    std::string renamed_to;         ///< Of a directory; empty if its name stays.
+    bool is_there = false;          ///< Whether that is a directory now.
+};
+
 /// Notes a change, or shows the failure.
-void ReportChange(PropertyDlgData* data, bool changed, const char* failure)
+void ReportChange(PropertyResult* result, bool changed, const char* failure)
 {
     if (changed) {
-        data->IsApplied = true;
+        result->is_applied = true;
         NoteChange();
     } else {
-        MessageBox(_("Error"), failure, STYLE_ERROR);
-    }
-}
-
-void ApplyMode(PropertyDlgData* data, const struct stat& now)
-{
-    if (data->Stat.st_mode != now.st_mode) {
-        ReportChange(data, ChangeMode(data->Path, data->Stat.st_mode), _("Permission cannot be changed."));
+        OnEngine.MessageBox(_("Error"), failure, STYLE_ERROR);
     }
 }
 
 /// False, after a message, if the user or group does not exist.
-bool ApplyOwner(PropertyDlgData* data, const struct stat& now)
+bool ApplyOwner(const PropertyChange& change, const struct stat& now, PropertyResult* result)
 {
     const char* const failure = _("Owner/Group cannot be changed.");
-    const std::optional<uid_t> owner = FindUserId(GetEntryBytes(data->OwnerEntry));
-    const std::optional<gid_t> group = FindGroupId(GetEntryBytes(GroupEntry(data)));
+    const std::optional<uid_t> owner = FindUserId(change.owner);
+    const std::optional<gid_t> group = FindGroupId(change.group);
     if (!owner || !group) {
-        MessageBox(_("Error"), failure, STYLE_ERROR);
+        OnEngine.MessageBox(_("Error"), failure, STYLE_ERROR);
         return false;
     }
     if (*owner != now.st_uid || *group != now.st_gid) {
-        ReportChange(data, ChangeOwner(data->Path, *owner, *group), failure);
+        ReportChange(result, CheckMayChange() == 0 && ChangeOwner(change.path, *owner, *group), failure);
     }
     return true;
 }
@@ -262,54 +273,63 @@ PathStatus CheckNewName(const std::string& parent, const std::string& name, std:
     return CheckFileExist(target);
 }
 
+void ApplyName(const PropertyChange& change, PropertyResult* result)
+{
+    std::string target;
+    if (change.name == GetLastPath(change.path)) {
+        return;
+    }
+    const PathStatus status = CheckNewName(GetParentDirectory(change.path), change.name, &target);
+    if (status != PATH_NEW) {
+        result->status = status;
+        result->is_refused = true;
+        return;
+    }
+    int flag = 0;
+    MoveFile(target, change.path, &flag);
+    if (S_ISDIR(change.mode)) {
+        result->renamed_to = target;
+        result->is_there = IsDirectory(target);
+    }
+}
+
+/// Runs in a thread.
+PropertyResult ApplyProperty(const PropertyChange& change)
+{
+    PropertyResult result;
+    struct stat now = {};
+    if (lstat(change.path.c_str(), &now) != 0) {
+        result.status = PATH_NEW;  // Says that the file does not exist.
+        return result;
+    }
+    ExpectChangeOf(change.path);
+    if (change.mode != now.st_mode) {
+        ReportChange(&result, CheckMayChange() == 0 && ChangeMode(change.path, change.mode),
+                     _("Permission cannot be changed."));
+    }
+    if (!ApplyOwner(change, now, &result)) {
+        result.is_refused = true;
+    } else {
+        ApplyName(change, &result);
+    }
+    return result;
+}
+
 /// Updates the tree after a directory was renamed.
-void ShowRenamedDirectory(const std::string& old_path, const std::string& new_path)
+void ShowRenamedDirectory(const std::string& old_path, const PropertyResult& result)
 {
     const std::string old_parent = GetParentDirectory(old_path);
-    const std::string new_parent = GetParentDirectory(new_path);
+    const std::string new_parent = GetParentDirectory(result.renamed_to);
     RescanTree(MainTree(), old_parent);
     if (new_parent != old_parent) {
         RescanTree(MainTree(), new_parent);
     }
-    // CurrentDir may be inside the renamed directory: a drag over the tree can leave an ancestor of
-    // CurrentDir selected.
-    if (pGTable->CurrentDir.starts_with(old_path) && IsDirectory(new_path)) {
+    // CurrentDir may be inside the renamed directory: a rescan can leave an ancestor of CurrentDir
+    // selected.
+    if (pGTable->CurrentDir.starts_with(old_path) && result.is_there) {
         const std::string below = pGTable->CurrentDir.substr(old_path.size());
-        OpenChildTree(MainTree(), WithSlash(new_path) + below, EXPAND_LAST_NO);
+        OpenChildTree(MainTree(), WithSlash(result.renamed_to) + below, EXPAND_LAST_NO);
     }
-}
-
-/// False, after a message, if the name is invalid.
-bool ApplyName(const PropertyDlgData* data)
-{
-    const std::string name = GetEntryBytes(data->NameEntry);
-    std::string target;
-    if (name == GetLastPath(data->Path)) {
-        return true;
-    }
-    const PathStatus status = CheckNewName(GetParentDirectory(data->Path), name, &target);
-    if (status != PATH_NEW) {
-        FileExistMessageBox(status, data->NameEntry);
-        return false;
-    }
-    int flag = 0;
-    MoveFile(target, data->Path, &flag);
-    if (S_ISDIR(data->Stat.st_mode)) {
-        ShowRenamedDirectory(data->Path, target);
-    }
-    return true;
-}
-
-/// False if the dialog must stay open.
-bool ApplyProperty(PropertyDlgData* data)
-{
-    struct stat now = {};
-    if (lstat(data->Path.c_str(), &now) != 0) {
-        FileExistMessageBox(PATH_NEW, nullptr);  // Says that the file does not exist.
-        return true;
-    }
-    ApplyMode(data, now);
-    return ApplyOwner(data, now) && ApplyName(data);
 }
 
 }  // namespace
@@ -317,11 +337,20 @@ bool ApplyProperty(PropertyDlgData* data)
 void on_Property_OKButton_clicked(GtkWidget*, gpointer pointer)
 {
     auto* const data = static_cast<PropertyDlgData*>(pointer);
-    SetupQuietRun();
-    const bool is_done = ApplyProperty(data);
-    EndProgress();
-    if (is_done) {
-        data->IsApplied = true;  // A rename, or a change made by someone else, must show in the list.
+    const PropertyChange change = {data->Path, data->Stat.st_mode, GetEntryBytes(data->OwnerEntry),
+                                   GetEntryBytes(GroupEntry(data)), GetEntryBytes(data->NameEntry)};
+    const std::optional<PropertyResult> result = WaitFor(data->Path, [change] { return ApplyProperty(change); });
+    if (!result) {
+        return;
+    }
+    data->IsApplied = data->IsApplied || result->is_applied || !result->is_refused;
+    if (result->status != PATH_NULL) {
+        FileExistMessageBox(result->status, result->is_refused ? data->NameEntry : nullptr);
+    }
+    if (!result->renamed_to.empty()) {
+        ShowRenamedDirectory(data->Path, *result);
+    }
+    if (!result->is_refused) {
         gtk_main_quit();
     }
 }

@@ -1,5 +1,8 @@
 #include "commands/fnkfilemenu.h"
 
+#include <atomic>
+#include <memory>
+
 #include "commands/fnkfilemenu-operation.h"
 #include "commands/fnkfilemenu-property.h"
 #include "commands/fnkfilemenu-targets.h"
@@ -28,7 +31,7 @@ bool HasOpenableTarget()
 }
 
 /// RootDir itself must not be copied, moved or deleted. Checks both the selected directory and
-/// CurrentDir, because they differ after a drag over the tree.
+/// CurrentDir, because they differ after a rescan in which a directory has vanished.
 bool HasChangeableTarget()
 {
     if (CountListSelection() > 0) {
@@ -97,20 +100,19 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
         return;
     }
     const std::string parent = GetParentDirectory(paths.front());
-    std::string shown_next = pGTable->CurrentDir;
-    Result answer = RESULT_CANCEL;
-    RunOperation(OPERATION_DELETE, paths, [&](const std::string& path) {
+    const auto is_gone = std::make_shared<std::atomic<bool>>(false);
+    RunOperation(OPERATION_DELETE, paths, [is_gone, answer = RESULT_CANCEL](const std::string& path) mutable {
         const Result result = RemoveFile(path, &answer);
         if (answer == RESULT_OK) {
             answer = RESULT_CANCEL;  // "Yes" was for this item only.
         }
         if (path == pGTable->CurrentDir && !IsDirectory(path)) {
-            shown_next = parent;
+            *is_gone = true;
         }
         return result;
     });
     RescanTree(MainTree(), parent);
-    OpenChildTree(MainTree(), shown_next, EXPAND_LAST_NO);
+    OpenChildTree(MainTree(), *is_gone ? parent : pGTable->CurrentDir, EXPAND_LAST_NO);
 }
 
 void on_Menu_Property_activate(GtkWidget*, gpointer)

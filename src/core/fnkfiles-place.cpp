@@ -60,13 +60,16 @@ DirectoryStream OpenDirectory(const Place& place)
 
 bool ListEntries(DIR* stream, std::vector<std::string>& names)
 {
-    errno = 0;
-    while (const struct dirent* const entry = readdir(stream)) {
+    for (;;) {
+        errno = 0;  // Allocating memory for a name may set it.
+        const struct dirent* const entry = readdir(stream);
+        if (entry == nullptr) {
+            return errno == 0;
+        }
         if (!IsDotOrDotDot(entry->d_name)) {
             names.emplace_back(entry->d_name);
         }
     }
-    return errno == 0;
 }
 
 int RenameIfFree(const Place& from, const Place& to)

@@ -138,11 +138,10 @@ FileResult WriteFile(const std::string& path, std::string_view data)
     }
     const bool is_complete =
         (!exists || CopyOwnerAndMode(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
-    if (!is_complete || file.CommitOver(place.Get().name) != 0) {
+    if (!is_complete || file.Prepare() != 0 || file.CommitOver(place.Get().name) != 0) {
         return FILE_NOT_WRITTEN;
     }
-    sync();
-    return FILE_DONE;
+    return syncfs(file.Get()) == 0 ? FILE_DONE : FILE_NOT_WRITTEN;
 }
 
 namespace {

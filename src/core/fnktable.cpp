@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-GTable* pGTable = nullptr;
+constinit thread_local GTable* pGTable = nullptr;
 
 int FindNameColumn(const GTable& table)
 {

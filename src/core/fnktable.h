@@ -1,5 +1,5 @@
 #pragma once
-// The record of settings and shared state. There is one per process, from InitGlobalTable to
+// The record of settings and shared state. The window's exists from InitGlobalTable to
 // TerminateGlobalTable, and every module reads and writes its fields directly.
 
 #include <array>
@@ -121,8 +121,8 @@ struct GTable {
 };
 
 /// Null before InitGlobalTable and after TerminateGlobalTable. Callbacks that may run while the
-/// window is destroyed must check it.
-extern GTable* pGTable;
+/// window is destroyed must check it. A thread that works for the window has a copy of its own.
+extern constinit thread_local GTable* pGTable;
 
 /// The NameColumn that follows from ColumnPosition; 1 if no column shows names.
 int FindNameColumn(const GTable& table);

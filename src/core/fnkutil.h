@@ -37,6 +37,7 @@ enum PathStatus {
     PATH_DIRECTORY,
     PATH_FILE,  ///< Anything but a directory.
     PATH_NULL,  ///< A null pointer.
+    PATH_LEFT,  ///< The user did not wait for the verdict.
 };
 
 /// Steps through the characters of a text whose encoding is uncertain.

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <vector>
 
 #include "core/fnkfiles-place.h"
@@ -57,28 +58,52 @@ std::vector<gid_t> OwnGroups()
 
 }  // namespace
 
+namespace {
+
+/// Calls one of the look-ups that are safe in threads, with a buffer of the size it needs. None if there
+/// is no such entry.
+template <typename Entry, typename LookUp>
+std::optional<Entry> FindEntry(std::vector<char>& buffer, LookUp look_up)
+{
+    Entry entry = {};
+    Entry* found = nullptr;
+    buffer.resize(1024);
+    while (look_up(&entry, buffer.data(), buffer.size(), &found) == ERANGE) {
+        buffer.resize(2 * buffer.size());
+    }
+    return found != nullptr ? std::optional(entry) : std::nullopt;
+}
+
+}  // namespace
+
 std::string FindUserName(uid_t user)
 {
-    const struct passwd* const entry = getpwuid(user);
-    return entry != nullptr ? entry->pw_name : "";
+    std::vector<char> buffer;
+    const auto entry = FindEntry<struct passwd>(buffer, [user](auto... rest) { return getpwuid_r(user, rest...); });
+    return entry ? entry->pw_name : "";
 }
 
 std::string FindGroupName(gid_t group)
 {
-    const struct group* const entry = getgrgid(group);
-    return entry != nullptr ? entry->gr_name : "";
+    std::vector<char> buffer;
+    const auto entry = FindEntry<struct group>(buffer, [group](auto... rest) { return getgrgid_r(group, rest...); });
+    return entry ? entry->gr_name : "";
 }
 
 std::optional<uid_t> FindUserId(const std::string& name)
 {
-    const struct passwd* const entry = getpwnam(name.c_str());
-    return entry != nullptr ? std::optional(entry->pw_uid) : std::nullopt;
+    std::vector<char> buffer;
+    const auto entry =
+        FindEntry<struct passwd>(buffer, [&name](auto... rest) { return getpwnam_r(name.c_str(), rest...); });
+    return entry ? std::optional(entry->pw_uid) : std::nullopt;
 }
 
 std::optional<gid_t> FindGroupId(const std::string& name)
 {
-    const struct group* const entry = getgrnam(name.c_str());
-    return entry != nullptr ? std::optional(entry->gr_gid) : std::nullopt;
+    std::vector<char> buffer;
+    const auto entry =
+        FindEntry<struct group>(buffer, [&name](auto... rest) { return getgrnam_r(name.c_str(), rest...); });
+    return entry ? std::optional(entry->gr_gid) : std::nullopt;
 }
 
 History ListOfferedGroups(gid_t file_group)
@@ -108,11 +133,5 @@ bool ChangeMode(const std::string& path, mode_t mode)
 bool ChangeOwner(const std::string& path, uid_t owner, gid_t group)
 {
     const Descriptor file = OpenAsPath(path);
-    const mode_t before = GetOpenFileStatus(file).st_mode;
-    if (!file || fchownat(file.Get(), "", owner, group, AT_EMPTY_PATH) != 0) {
-        return false;
-    }
-    // The system clears set-id bits when the owner changes. The dialog shows them as set, so the
-    // user expects to keep them.
-    return GetOpenFileStatus(file).st_mode == before || SetPermissionBits(file, before & kPermissionBits);
+    return file && fchownat(file.Get(), "", owner, group, AT_EMPTY_PATH) == 0;
 }

@@ -23,5 +23,6 @@ History ListOfferedGroups(gid_t file_group);
 /// link or not of the file type in mode. Also fails if the system drops some of the bits.
 bool ChangeMode(const std::string& path, mode_t mode);
 
-/// Changes the owner and group of path, or of the link itself. The permission bits stay.
+/// Changes the owner and group of path, or of the link itself. The system clears set-id bits then, and
+/// they stay so: they would lend the new owner's rights.
 bool ChangeOwner(const std::string& path, uid_t owner, gid_t group);

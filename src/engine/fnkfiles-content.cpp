@@ -4,22 +4,20 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <memory>
 
-#include "engine/fnkfiles-background.h"
+#include "engine/fnkmessage.h"
 
 namespace {
 
-/// Copying this much or less is quicker than switching threads. Also the size of the buffer.
-constexpr off_t kInlineBytes = 64 << 10;
-/// Limit of one copy_file_range call, so that stop is checked often enough.
+constexpr off_t kBufferBytes = 64 << 10;
+/// Limit of one copy_file_range call, so that Cancel is heard soon.
 constexpr std::size_t kChunkBytes = 4 << 20;
 
 class Copier {
 public:
-    Copier(int source, int target, const std::atomic<bool>& stop) : source_(source), target_(target), stop_(stop) {}
+    Copier(int source, int target) : source_(source), target_(target) {}
 
     /// Copies st.st_size bytes, even if the file grows meanwhile. If that is 0, copies up to the end of
     /// the file. A file with fewer blocks than its size needs may have holes.
@@ -40,7 +38,8 @@ private:
         return result;
     }
 
-    /// Copies the data between the holes and extends the target to size.
+    /// Copies the data between the holes and extends the target to size, or to what is left of the
+    /// source if it has shrunk.
     ContentResult CopyData(off_t size)
     {
         for (off_t position = 0; position < size;) {
@@ -57,15 +56,19 @@ private:
             }
             position = end;
         }
-        return ftruncate(target_, size) == 0 ? CONTENT_COPIED : Fail(CONTENT_WRITE_FAILED);
+        struct stat now = {};
+        if (fstat(source_, &now) != 0) {
+            return Fail(CONTENT_READ_FAILED);
+        }
+        return ftruncate(target_, std::min(size, now.st_size)) == 0 ? CONTENT_COPIED : Fail(CONTENT_WRITE_FAILED);
     }
 
     /// Copies from position to end, or to the end of the file if that comes first or end is 0.
     ContentResult CopyRange(off_t position, off_t end)
     {
-        bool system_copies = end > kInlineBytes;
+        bool system_copies = end > kBufferBytes;
         while (end == 0 || position < end) {
-            if (stop_) {
+            if (OnEngine.IsCancelled()) {
                 return CONTENT_CANCELLED;
             }
             ssize_t count = 0;
@@ -85,6 +88,7 @@ private:
                 }
             }
             position += count;
+            OnEngine.ShowBytes(position, end);
         }
         return CONTENT_COPIED;
     }
@@ -104,9 +108,9 @@ private:
     ContentResult ReadAndWrite(off_t position, off_t end, ssize_t* count)
     {
         if (buffer_ == nullptr) {
-            buffer_ = std::make_unique_for_overwrite<char[]>(kInlineBytes);
+            buffer_ = std::make_unique_for_overwrite<char[]>(kBufferBytes);
         }
-        const off_t wanted = end == 0 ? kInlineBytes : std::min(kInlineBytes, end - position);
+        const off_t wanted = end == 0 ? kBufferBytes : std::min(kBufferBytes, end - position);
         do {
             *count = pread(source_, buffer_.get(), static_cast<std::size_t>(wanted), position);
         } while (*count < 0 && errno == EINTR);
@@ -126,42 +130,16 @@ private:
 
     int source_;
     int target_;
-    const std::atomic<bool>& stop_;
     std::unique_ptr<char[]> buffer_;
     int error_ = 0;
 };
-
-/// Files under /proc and the like have size 0 whatever they contain, and may be slow to read.
-bool IsSmall(const struct stat& st)
-{
-    return st.st_size > 0 && st.st_size <= kInlineBytes;
-}
 
 }  // namespace
 
 ContentResult CopyContent(int source, const struct stat& st, int target, int* error)
 {
-    ContentResult result = CONTENT_COPIED;
-    const auto copy = [&](const std::atomic<bool>& stop) {
-        Copier copier(source, target, stop);
-        result = copier.CopyAll(st);
-        *error = copier.Error();
-    };
-    char first = 0;
-    if (st.st_size == 0 && pread(source, &first, 1, 0) == 0) {
-        return CONTENT_COPIED;
-    }
-    if (IsSmall(st)) {
-        copy(false);
-    } else {
-        RunInBackground(copy);
-    }
+    Copier copier(source, target);
+    const ContentResult result = copier.CopyAll(st);
+    *error = copier.Error();
     return result;
-}
-
-int SyncFileData(int file)
-{
-    int error = 0;
-    RunInBackground([&](const std::atomic<bool>&) { error = fdatasync(file) == 0 ? 0 : errno; });
-    return error;
 }

@@ -6,8 +6,5 @@
 enum ContentResult { CONTENT_COPIED, CONTENT_CANCELLED, CONTENT_READ_FAILED, CONTENT_WRITE_FAILED };
 
 /// Copies the regular file source, whose status is st, into the empty file target. Holes stay holes.
-/// Large files are copied in the background. On failure error is set to an errno.
+/// On failure error is set to an errno.
 ContentResult CopyContent(int source, const struct stat& st, int target, int* error);
-
-/// Calls fdatasync in the background. 0 or an errno.
-int SyncFileData(int file);

@@ -7,13 +7,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <tuple>
+#include <unordered_set>
 #include <vector>
 
 #include "core/fnkfiles-newfile.h"
 #include "core/fnkfiles-place.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
+#include "engine/fnkfiles-acl.h"
 #include "engine/fnkfiles-content.h"
 #include "engine/fnkfiles-delete.h"
 #include "engine/fnkfiles-directory.h"
@@ -22,6 +25,25 @@
 #include "engine/fnkfiles-sync.h"
 
 namespace {
+
+struct ObjectId {
+    dev_t device;
+    ino_t inode;
+    bool operator==(const ObjectId&) const = default;
+};
+
+struct HashObjectId {
+    std::size_t operator()(const ObjectId& id) const { return std::hash<ino_t>()(id.inode ^ (id.device << 40)); }
+};
+
+/// What the command of this thread has put in place. On a file system that ignores case, the next name
+/// may lead to one of these, which must not be overwritten.
+thread_local std::unordered_set<ObjectId, HashObjectId> made_by_command;
+
+void NoteMade(const struct stat& st)
+{
+    made_by_command.insert({st.st_dev, st.st_ino});
+}
 
 /// What all objects of one item share.
 struct Command {
@@ -56,6 +78,11 @@ int DeletionError(const Place& place, const struct stat& st)
     if (faccessat(place.directory, ".", W_OK | X_OK, AT_EACCESS) != 0) {
         return errno;
     }
+    struct statx attributes = {};
+    if (statx(place.directory, "", AT_EMPTY_PATH, 0, &attributes) == 0 &&
+        (attributes.stx_attributes & STATX_ATTR_APPEND) != 0) {
+        return EPERM;
+    }
     struct stat directory = {};
     const uid_t user = geteuid();
     const bool is_sticky = fstat(place.directory, &directory) == 0 && (directory.st_mode & S_ISVTX) != 0;
@@ -74,7 +101,9 @@ public:
         if (!must_replace_) {
             return;
         }
-        if (S_ISDIR(st_.st_mode)) {
+        if (!IsSameObject(st_, transfer.st) && made_by_command.contains({st_.st_dev, st_.st_ino})) {
+            is_own_ = true;
+        } else if (S_ISDIR(st_.st_mode)) {
             result_ = RemoveFileInternal(target, STEP_NOT_COUNTED);
             must_replace_ = false;
             must_restore_ = result_ == RESULT_DONE;
@@ -95,6 +124,8 @@ public:
 
     /// RESULT_DONE, or the user's answer after a reported failure.
     Result RemovalResult() const { return result_; }
+    /// Whether the command itself has put there what is there.
+    bool IsOwn() const { return is_own_; }
     /// Whether an object is still there and must be replaced atomically.
     bool MustReplace() const { return must_replace_; }
     const struct stat& Status() const { return st_; }
@@ -106,6 +137,7 @@ private:
     struct stat st_ = {};
     bool must_replace_ = false;
     bool must_restore_ = false;
+    bool is_own_ = false;
     Result result_ = RESULT_DONE;
 };
 
@@ -115,10 +147,11 @@ Result StepAndReturn(Result result)
     return ReportStep() == RESULT_CANCEL ? RESULT_CANCEL : result;
 }
 
-/// Ends the transfer of an object that is now in place.
-Result Finish(ClearedTarget& cleared)
+/// Ends the transfer of an object that is now in place; made is its status.
+Result Finish(ClearedTarget& cleared, const struct stat& made)
 {
     cleared.Commit();
+    NoteMade(made);
     NoteChange();
     return ReportStep();
 }
@@ -131,9 +164,13 @@ int MakeLink(const Transfer& transfer, bool replace)
     if (length < 0) {
         return errno;
     }
+    ExpectChange(transfer.target.directory);
+    if (const int error = CheckMayChange(); error != 0) {
+        return error;
+    }
     const std::string link(text, static_cast<std::size_t>(length));
     if (replace) {
-        return ReplaceByLink(transfer.target.directory, transfer.target.name, link);
+        return ReplaceByLink(transfer.target.directory, transfer.target.name, link, CheckMayChange);
     }
     return symlinkat(link.c_str(), transfer.target.directory, transfer.target.name.c_str()) == 0 ? 0 : errno;
 }
@@ -141,7 +178,12 @@ int MakeLink(const Transfer& transfer, bool replace)
 Result CopyLink(const Transfer& transfer, ClearedTarget& cleared)
 {
     const int error = MakeLink(transfer, cleared.MustReplace());
-    return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
+    struct stat made = {};
+    if (error != 0) {
+        return FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
+    }
+    static_cast<void>(ReadStatus(transfer.target, &made));
+    return Finish(cleared, made);
 }
 
 /// The file to copy from; not open if there is no content to copy.
@@ -173,17 +215,39 @@ Source OpenSource(const Transfer& transfer)
     return source;
 }
 
-/// Gives the complete file the source's permission bits and its final name. 0 or an errno.
-int Publish(NewFile& file, const Source& source, const std::string& name, bool replace)
+/// The permission bits of a copy. Set-id bits would lend the rights of another user to the program.
+mode_t CopiedMode(const struct stat& source, const struct stat& made)
 {
-    // Some file systems store no permission bits, so ignore failures.
-    static_cast<void>(fchmod(file.Get(), source.st.st_mode & kPermissionBits));
-    if (!replace) {
-        return file.CommitAs(name);
+    const mode_t mode = source.st_mode & kPermissionBits;
+    if (made.st_uid != source.st_uid) {
+        return mode & ~static_cast<mode_t>(S_ISUID | S_ISGID);
     }
-    // The old file must stay until the new one would survive a crash.
-    const int error = SyncFileData(file.Get());
-    return error != 0 ? error : file.CommitOver(name);
+    return made.st_gid == source.st_gid ? mode : mode & ~static_cast<mode_t>(S_ISGID);
+}
+
+/// Gives the complete file the source's permission bits and its final name, and reads its status. 0 or an
+/// errno.
+int Publish(NewFile& file, const Source& source, const std::string& name, bool replace, struct stat* made)
+{
+    if (fstat(file.Get(), made) != 0) {
+        return errno;
+    }
+    const mode_t mode = CopiedMode(source.st, *made);
+    // Some file systems store no permission bits, so ignore failures.
+    static_cast<void>(fchmod(file.Get(), source.file ? CopyAcl(source.file.Get(), file.Get(), mode) : mode));
+    // An old file must stay until the new one would survive a crash.
+    if (replace && fdatasync(file.Get()) != 0) {
+        return errno;
+    }
+    int error = CheckMayChange();
+    if (error == 0 && replace) {
+        error = file.Prepare();
+    }
+    error = error != 0 ? error : CheckMayChange();
+    if (error != 0) {
+        return error;
+    }
+    return replace ? file.CommitOver(name) : file.CommitAs(name);
 }
 
 Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
@@ -194,6 +258,7 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
     }
     NewFile file(transfer.target.directory);
     int error = file.Error();
+    ExpectChange(transfer.target.directory, file ? file.Get() : -1);
     if (file && source.file) {
         switch (CopyContent(source.file.Get(), source.st, file.Get(), &error)) {
         case CONTENT_CANCELLED:
@@ -205,10 +270,11 @@ Result CopyRegular(const Transfer& transfer, ClearedTarget& cleared)
             break;
         }
     }
+    struct stat made = {};
     if (error == 0) {
-        error = Publish(file, source, transfer.target.name, cleared.MustReplace());
+        error = Publish(file, source, transfer.target.name, cleared.MustReplace(), &made);
     }
-    return error == 0 ? Finish(cleared) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
+    return error == 0 ? Finish(cleared, made) : FileErrorMessage(OPERATION_COPY, transfer.target.path, error);
 }
 
 /// Whether the directory of both places lists both names. If the file system ignores case, two names
@@ -239,10 +305,15 @@ int Rename(const Transfer& transfer, const ClearedTarget& cleared, bool in_same_
 {
     const Place& source = transfer.source;
     const Place& target = transfer.target;
+    const bool is_no_op = IsNoOpRename(transfer, cleared, in_same_directory);
+    ExpectChange(target.directory);
+    if (const int error = CheckMayChange(); error != 0) {
+        return error;
+    }
     if (!cleared.MustReplace()) {
         return RenameIfFree(source, target);
     }
-    if (IsNoOpRename(transfer, cleared, in_same_directory)) {
+    if (is_no_op) {
         return unlinkat(source.directory, source.name.c_str(), 0) == 0 ? 0 : errno;
     }
     return renameat(source.directory, source.name.c_str(), target.directory, target.name.c_str()) == 0 ? 0 : errno;
@@ -263,6 +334,9 @@ Result TransferWhole(const Transfer& transfer)
         return ReportStep();
     }
     ClearedTarget cleared(transfer);
+    if (cleared.IsOwn()) {
+        return FileErrorMessage(kind, target_path, EEXIST);
+    }
     if (cleared.RemovalResult() != RESULT_DONE) {
         return StepAndReturn(cleared.RemovalResult());
     }
@@ -270,7 +344,7 @@ Result TransferWhole(const Transfer& transfer)
         return S_ISLNK(transfer.st.st_mode) ? CopyLink(transfer, cleared) : CopyRegular(transfer, cleared);
     }
     error = Rename(transfer, cleared, in_same_directory);
-    return error == 0 ? Finish(cleared) : FileErrorMessage(kind, target_path, error);
+    return error == 0 ? Finish(cleared, transfer.st) : FileErrorMessage(kind, target_path, error);
 }
 
 Result TransferEntry(const Command& command, const Place& source, const Place& target);
@@ -303,16 +377,19 @@ Result TransferEntries(const Transfer& transfer, DIR* stream, const Descriptor& 
 /// contents there. Removes the source after a complete move.
 Result TransferContents(const Transfer& transfer, const Descriptor& directory)
 {
-    SetDirectoryMode(directory, transfer.st.st_mode);
     const DirectoryStream stream = OpenDirectory(transfer.source);
-    if (stream == nullptr) {
-        return FileErrorMessage(transfer.command.kind, transfer.source.path, errno);
+    const int error = stream == nullptr ? errno : 0;
+    const Descriptor target(openat(directory.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const mode_t mode = transfer.st.st_mode;
+    SetDirectoryMode(directory, stream != nullptr && target ? CopyAcl(dirfd(stream.get()), target.Get(), mode) : mode);
+    if (error != 0) {
+        return FileErrorMessage(transfer.command.kind, transfer.source.path, error);
     }
     const Result result = TransferEntries(transfer, stream.get(), directory);
     if (result == RESULT_DONE && transfer.command.kind == OPERATION_MOVE) {
         RemoveFileInternal(transfer.source, STEP_NOT_COUNTED);
     }
-    return OnEngine.KeepPainting() ? RESULT_CANCEL : result;
+    return OnEngine.IsCancelled() ? RESULT_CANCEL : result;
 }
 
 /// Whether TransferWhole can handle the source; otherwise its entries are transferred one by one.
@@ -428,6 +505,9 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
 {
     if (destination.empty() || source.empty() || flag == nullptr) {
         return RESULT_NO_ARGUMENT;
+    }
+    if (*flag == 0) {
+        made_by_command.clear();  // No item has gone ahead yet.
     }
     if (destination == source) {
         return ReportStep();

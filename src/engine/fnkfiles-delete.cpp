@@ -34,7 +34,11 @@ Result FinishUnlessGone(const std::string& path, int error, StepCount counted)
 Result RemoveObject(const Place& place, bool is_directory, StepCount counted)
 {
     const int flags = is_directory ? AT_REMOVEDIR : 0;
-    const int error = unlinkat(place.directory, place.name.c_str(), flags) == 0 || errno == ENOENT ? 0 : errno;
+    ExpectChange(place.directory);
+    int error = CheckMayChange();
+    if (error == 0 && unlinkat(place.directory, place.name.c_str(), flags) != 0 && errno != ENOENT) {
+        error = errno;
+    }
     return FinishDeletion(place.path, error, is_directory ? STEP_NOT_COUNTED : counted);
 }
 
@@ -74,7 +78,7 @@ Result EmptyDirectory(DIR* stream, const std::string& path, Result* answer)
 {
     std::vector<std::string> names;
     if (!ListEntries(stream, names)) {
-        return RESULT_CANCEL;
+        return FinishDeletion(path, errno, STEP_NOT_COUNTED);
     }
     bool something_stays = false;
     for (const std::string& name : names) {
@@ -102,7 +106,7 @@ Result RemoveTree(const Place& place, Result* answer)
     }
     const DirectoryStream stream = OpenDirectory(place);
     if (stream == nullptr) {
-        return RESULT_CANCEL;
+        return FinishUnlessGone(place.path, errno, STEP_NOT_COUNTED);
     }
     const Result emptied = EmptyDirectory(stream.get(), place.path, answer);
     return emptied != RESULT_DONE ? emptied : RemoveObject(place, true, STEP_NOT_COUNTED);

@@ -18,5 +18,4 @@ Result RemoveFileInternal(const Place& place, StepCount counted);
 /// Deletes path; a directory with its contents. answer starts as RESULT_CANCEL, which means that the
 /// user has not agreed yet. Once it is RESULT_OK or RESULT_YES_ALL, directories that are not empty
 /// are deleted without a question. RESULT_OK is for one item: the caller resets it after each.
-/// A directory that cannot be read stops the command with RESULT_CANCEL, without a message.
 Result RemoveFile(const std::string& path, Result* answer);

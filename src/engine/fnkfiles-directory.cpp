@@ -46,8 +46,13 @@ Result MakeDirectoryOfMode(const Place& place, mode_t mode, LinkRule rule, Descr
         RemoveFileInternal(place, STEP_NOT_COUNTED);
     }
     if (!S_ISDIR(st.st_mode)) {
-        if (mkdirat(place.directory, place.name.c_str(), mode) != 0) {
-            return ReportMakeFailure(place.path, errno);
+        ExpectChange(place.directory);
+        int error = CheckMayChange();
+        if (error == 0 && mkdirat(place.directory, place.name.c_str(), mode) != 0) {
+            error = errno;
+        }
+        if (error != 0) {
+            return ReportMakeFailure(place.path, error);
         }
         NoteChange();
     }
@@ -97,6 +102,10 @@ Result CreateDirectoryEx(const std::string& path, const std::string& destination
 
 void SetDirectoryMode(const Descriptor& directory, mode_t mode)
 {
+    if (CheckMayChange() != 0) {
+        return;
+    }
+    ExpectChange(directory.Get());
     const mode_t bits = mode & kPermissionBits;
     // fchmod refuses an O_PATH descriptor. The first way needs /proc, the second search permission.
     if (chmod(DescriptorPath(directory.Get()).c_str(), bits) == 0 || fchmodat(directory.Get(), ".", bits, 0) == 0) {

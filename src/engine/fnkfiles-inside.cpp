@@ -152,3 +152,12 @@ int CheckIsInside(const std::string& target, const std::string& source, bool* is
     // Climbing needs search permission. Without it, the answer of the paths stands.
     return error == EACCES && are_paths_known ? 0 : error;
 }
+
+std::string FindMountPoint(int file)
+{
+    struct statx status = {};
+    Mount mount;
+    const bool is_known =
+        statx(file, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) == 0 && FindMount(status.stx_mnt_id, &mount);
+    return is_known ? mount.point : "/";
+}

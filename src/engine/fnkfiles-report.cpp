@@ -1,10 +1,17 @@
 #include "engine/fnkfiles-report.h"
 
+#include <cerrno>
+
 #include "core/fnkstring.h"
 
 Result ReportStep()
 {
     return static_cast<Result>(OnEngine.UpdateProgress());
+}
+
+int CheckMayChange()
+{
+    return OnEngine.IsLeft() ? ECANCELED : 0;
 }
 
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error)

@@ -8,6 +8,9 @@
 /// Reports one step done. RESULT_CANCEL if the user pressed Cancel, else RESULT_DONE.
 Result ReportStep();
 
+/// To be asked before every change: 0, or ECANCELED if nobody waits for the command any more.
+int CheckMayChange();
+
 /// Reports that path cannot be copied or moved; error is an errno. Returns RESULT_CANCEL, or the
 /// result of ReportStep if the user skips the item.
 Result FileErrorMessage(OperationKind kind, const std::string& path, int error);

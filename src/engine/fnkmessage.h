@@ -2,6 +2,8 @@
 // Messages and questions of the file engine. The engine has no windows; the layers above it set
 // OnEngine.
 
+#include <sys/types.h>
+
 #include <string>
 
 /// Answers to questions, and results of engine calls.
@@ -24,7 +26,8 @@ enum MessageStyle : unsigned {
 
 enum OperationKind { OPERATION_COPY = 2, OPERATION_MOVE = 3, OPERATION_DELETE = 4 };
 
-/// Callbacks of the engine, set once at start. The defaults answer every question with "Cancel".
+/// Callbacks of the engine, set once at start and called in the thread of the command. The defaults
+/// answer every question with "Cancel".
 struct EngineEvents {
     /// Shows a translated UTF-8 message and waits for the answer. style is a MessageStyle.
     Result (*MessageBox)(const char* title, const std::string& message,
@@ -34,9 +37,12 @@ struct EngineEvents {
     Result (*DeleteMessageBox)(const std::string& name) = [](const std::string&) { return RESULT_ABORT; };
     /// Reports one step done. RESULT_CANCEL if the user has pressed Cancel, but only once; else 0.
     int (*UpdateProgress)() = [] { return 0; };
-    /// Lets the windows repaint. Must be cheap, because it is called for every object and every few
-    /// milliseconds during slow work. True if the user has pressed Cancel.
-    bool (*KeepPainting)() = [] { return false; };
+    /// Tells how many bytes of a long file are copied.
+    void (*ShowBytes)(off_t done, off_t size) = [](off_t, off_t) {};
+    /// Whether the user has pressed Cancel. Cheap, because the engine asks for every object.
+    bool (*IsCancelled)() = [] { return false; };
+    /// Whether the user no longer waits for the command. It must change nothing more then.
+    bool (*IsLeft)() = [] { return false; };
 };
 extern EngineEvents OnEngine;
 

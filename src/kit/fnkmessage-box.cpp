@@ -167,6 +167,9 @@ void FileExistMessageBox(PathStatus status, GtkWidget* entry)
         N_("The specified file already exists."),
         N_("Internal error."),
     };
+    if (status == PATH_LEFT) {
+        return;
+    }
     const auto index = static_cast<std::size_t>(status);
     EntryMessageBox(gettext(kMessages[std::min<std::size_t>(index, PATH_NULL)]), entry);
 }

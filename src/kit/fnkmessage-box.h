@@ -20,5 +20,6 @@ Result DeleteMessageBox(const std::string& name);
 /// null.
 void EntryMessageBox(const char* message, GtkWidget* entry);
 
-/// Like EntryMessageBox, for a typed path. status says what is wrong with the path.
+/// Like EntryMessageBox, for a typed path. status says what is wrong with the path. Says nothing if it
+/// is PATH_LEFT.
 void FileExistMessageBox(PathStatus status, GtkWidget* entry);

@@ -11,6 +11,7 @@
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
@@ -117,7 +118,7 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
     std::string typed = GetEntryBytes(state->entry);
     // A typed path counts even if the user has not pressed Return.
     if (!GetTreeSelect(state->tree, nullptr, &path) || typed != path) {
-        if (const PathStatus status = CheckFileExist(&typed); status != PATH_DIRECTORY) {
+        if (const PathStatus status = WaitToCheckPath(&typed); status != PATH_DIRECTORY) {
             FileExistMessageBox(status, state->entry);
             return;
         }

@@ -1,9 +1,13 @@
 // Copying, moving and deleting at the limits: large files, full and read-only disks, mounts, the
 // longest paths, a process that ends.
 
+#include <acl/libacl.h>
 #include <fcntl.h>
+#include <sys/acl.h>
 #include <sys/resource.h>
+#include <sys/xattr.h>
 
+#include <csignal>
 #include <cstring>
 
 #include "child.h"
@@ -172,8 +176,15 @@ TEST_F(EngineLimits, AnOldFileGoesOnlyWhenTheNewOneIsOnTheDisk)
         EXPECT_GT(synced, faults.log.find(" pwrite ")) << faults.log;
     }
     const int before = faults.syncs;
-    FlushChanges();
+    EXPECT_FALSE(FlushChanges());
     EXPECT_GT(faults.syncs, before) << "and the command ends when the names are";
+    faults.flush_error = EIO;
+    Run("copy file > to !");
+    const std::optional<FlushFailure> failure = FlushChanges();
+    faults.flush_error = 0;
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->error, EIO);
+    EXPECT_TRUE(files.Path().starts_with(failure->mount_point)) << failure->mount_point;
 }
 
 TEST_F(EngineLimits, WhatOthersDoMeanwhile)
@@ -209,7 +220,7 @@ TEST_F(EngineLimits, WhatOthersDoMeanwhile)
 TEST_F(EngineLimits, CancelInsideALargeFileLeavesNothingOfIt)
 {
     Make({{"large", std::string(128 << 20, 'x')}, {"to/large", "old"}});
-    answers.cancel_when_painting = true;
+    answers.is_cancelled = true;
     EXPECT_EQ(Run("copy large > to !"), RESULT_CANCEL);
     EXPECT_EQ(Show("to/"), (Tree{{"large", "old"}}));
     std::filesystem::resize_file(files.At("large"), 1);
@@ -217,7 +228,7 @@ TEST_F(EngineLimits, CancelInsideALargeFileLeavesNothingOfIt)
         Make({{"d/" + std::to_string(i) + "/x", "x"}});
     }
     EXPECT_LT(CountOperationFile(files.At("d/")), 5) << "counting stops too";
-    answers.cancel_when_painting = false;
+    answers.is_cancelled = false;
     faults.is_old_file_system = true;
     EXPECT_EQ(CountOperationFile(files.At("d/")), 5);
     files.Link("link", "d");
@@ -271,6 +282,57 @@ TEST_F(EngineLimits, PathsThatGrowTooLongAreReportedAndStay)
               begin + "…" + end + ": Input/output error");
 }
 
+TEST_F(EngineLimits, WhatAKilledProcessLeavesGoesWithTheNextCommand)
+{
+    Make({{"file", "new"}, {"to/file", "old"}, {"to/.fennick-1", "not ours"}});
+    const auto kill_it = [this] {
+        faults.at_call = [] { faults.failed_call == "fdatasync" ? raise(SIGKILL) : 0; };
+        faults.is_old_file_system = true;
+        for (int call = 1;; ++call) {
+            faults.Arm(call, 0);
+            Run("copy file > to !");
+        }
+    };
+    ASSERT_EQ(RunInChild(kill_it), CHILD_DIED);
+    std::vector<std::string> names = files.Names("to");
+    ASSERT_EQ(names.size(), 3U);
+    EXPECT_EQ(Run("copy file > to !"), RESULT_DONE);
+    names = files.Names("to");
+    const bool has_marks = setxattr(files.At("file").c_str(), "user.x", "", 0, 0) == 0;
+    EXPECT_EQ(names.size(), has_marks ? 2U : 3U);
+    EXPECT_EQ(files.Contents("to/.fennick-1") + files.Contents("to/file"), "not oursnew");
+    EXPECT_LT(getxattr(files.At("to/file").c_str(), "user.fennick.temporary", nullptr, 0), 0);
+}
+
+TEST_F(EngineLimits, AccessControlListsAreCopied)
+{
+    Make({{"file", "0600 x"}});
+    const std::unique_ptr<std::remove_pointer_t<acl_t>, int (*)(void*)> acl(
+        acl_from_text("u::rw-,u:1000:rw-,g::---,m::rw-,o::---"), acl_free);
+    if (acl_set_file(files.At("file").c_str(), ACL_TYPE_ACCESS, acl.get()) != 0) {
+        GTEST_SKIP() << "no such lists here";
+    }
+    Run("copy file > copy");
+    const decltype(acl) copied(acl_get_file(files.At("copy").c_str(), ACL_TYPE_ACCESS), acl_free);
+    EXPECT_EQ(acl_cmp(acl.get(), copied.get()), 0);
+    EXPECT_EQ(files.Status("copy").st_mode & 07777U, 0660U);
+}
+
+TEST_F(EngineLimits, SetIdBitsStayWithTheirOwner)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only the super-user has files of others";
+    }
+    Make({{"mine", "06755 x"}, {"theirs", "06755 x"}, {"group", "06755 x"}});
+    Require(chown(files.At("theirs").c_str(), 1000, 0) == 0 && chown(files.At("group").c_str(), 0, 1000) == 0, "chown");
+    files.SetMode("theirs", 06755);
+    files.SetMode("group", 06755);
+    for (const auto& [name, mode] : {std::pair("mine", "06755 x"), {"theirs", "0755 x"}, {"group", "04755 x"}}) {
+        Run(std::string("copy ") + name + " > " + name + "2");
+        EXPECT_EQ(Show().at(name + std::string("2")), mode);
+    }
+}
+
 TEST_F(EngineLimits, PrivateFilesAreNeverReadableByOthers)
 {
     Make({{"from", "0700 /"}, {"from/secret", "0600 x"}, {"from/d", "0700 /"}, {"from/d/secret", "0640 x"}});
@@ -285,25 +347,45 @@ TEST_F(EngineLimits, PrivateFilesAreNeverReadableByOthers)
     EXPECT_EQ(Show("to/"), Show("from/"));
 }
 
-TEST_F(EngineLimits, TemporaryNamesGoWithTheProcess)
+/// The user leaves it at any call, which may still take effect.
+TEST_F(EngineLimits, ACommandThatIsLeftChangesNothingMore)
 {
-    // A signal ends the process in the engine's main loop, once the settings are written.
-    Make({{"from/large", "0600 " + std::string(32 << 20, 'x')}, {"to/large", "old"}});
-    EXPECT_EQ(RunInChild([this] {
-                  faults.is_old_file_system = true;
-                  umask(0);
-                  answers.at_paint = [this] {
-                      const std::vector<std::string> names = files.Names("to");
-                      const bool is_private = (files.Status("to/" + names.front()).st_mode & 077) == 0;
-                      WriteFile(files.At("settings"), "written");
-                      std::exit(names.size() == 2 && is_private ? CHILD_PASSED : CHILD_FAILED);
-                  };
-                  Run("copy from/large > to !");
-                  ADD_FAILURE() << "was over too soon";
-              }),
-              CHILD_PASSED);
-    EXPECT_EQ(files.Contents("to/large") + files.Contents("settings"), "oldwritten");
-    EXPECT_EQ(files.Names("to").size() + files.Names().size(), 4U);
+    for (const std::string command :
+         {"copy x > to !", "copy l > to !", "copy t/ > to", "move x > to !", "move t/ > to", "delete t/"}) {
+        bool is_left = true;
+        for (int call = 1; is_left; ++call) {
+            EmptyDisk(files.Path());
+            Make({{"x", "new"},
+                  {"l", "-> x"},
+                  {"t/a", "x"},
+                  {"t/d/b", "x"},
+                  {"to/x", "old"},
+                  {"to/l", "-> a"},
+                  {"to/t/d/b", "old"}});
+            Answer("y");
+            std::string at_call;
+            faults.at_call = [&] {
+                at_call = faults.failed_call;
+                answers.is_left = faults.is_logging = true;
+                faults.log = " ";
+            };
+            faults.Arm(call, 0);
+            Run(command);
+            is_left = faults.calls_made >= call;
+            faults.Disarm();
+            faults.is_logging = false;
+            if (const std::size_t brief = faults.log.find(" linkat unlinkat "); brief != std::string::npos) {
+                faults.log.erase(brief, 7);  // A temporary file that is gone at once.
+            }
+            for (const char* const change : {"mkdirat", "linkat", "symlinkat", "renameat", "renameat2", "fchmodat"}) {
+                EXPECT_FALSE(is_left && faults.log.find(std::string(" ") + change + " ") != std::string::npos)
+                    << command << " left at " << at_call << ":" << faults.log;
+            }
+            for (const auto& [path, object] : ReadDisk(files.Path())) {
+                EXPECT_EQ(path.find(".fennick-"), std::string::npos) << command << " left at " << at_call;
+            }
+        }
+    }
 }
 
 }  // namespace

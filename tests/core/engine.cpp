@@ -171,6 +171,16 @@ TEST_F(Engine, WhatIsMissing)
     EXPECT_EQ(MoveFile(files.At("to"), files.At("file"), nullptr), RESULT_NO_ARGUMENT);
 }
 
+TEST_F(Engine, ACommandDoesNotOverwriteWhatItHasMade)
+{
+    // As where case is ignored, the name of the second leads to the copy of the first.
+    const Tree before = {{"a/x", "1"}, {"b/x", "2"}, {"to/x", "old"}};
+    Tell({Story("the second is reported", before, "copy a/x b/x > to !", "y", RESULT_DONE, 2,
+                {Failure("copy to/x", "File exists")}, {{"to/x", "1"}}),
+          Story("and stays if it moves", before, "move a/x b/x > to !", "n", RESULT_CANCEL, 1,
+                {Failure("move to/x", "File exists")}, {{"to/x", "1"}, {"a", "/"}, {"a/x", kGone}})});
+}
+
 TEST_F(Engine, HardLinks)
 {
     const Tree before = {{"one", "x"}, {"two", "= one"}, {"Two", "= one"}, {"d/two", "= one"}};
@@ -261,7 +271,8 @@ TEST_F(Engine, WhereRightsAreMissing)
                     {"Delete - t/", Failure("delete t/locked/x", denied)}, {{"t/a/b", kGone}}),
               Story("and Cancel stops there", before, "delete t/locked/ from/open", "n Y", RESULT_CANCEL, 0,
                     {"Delete - t/locked/", Failure("delete t/locked/x", denied)}, {}),
-              Story("what cannot be listed stops a delete", before, "delete shut/", "y Y", RESULT_CANCEL, 0, {}, {}),
+              Story("what cannot be listed stays", before, "delete shut/ from/open", "y Y", RESULT_DONE, 1,
+                    {Failure("delete shut/", denied)}, {{"from/open", kGone}}),
               Story("what cannot be seen is not taken for gone", before, "delete shut/x", "y Y", RESULT_OK, 1,
                     {Failure("delete shut/x", denied)}, {}),
               Story("into a directory that cannot be searched", before, "copy t/a/ > half", "y", RESULT_DONE, 1,

@@ -48,8 +48,10 @@ inline bool IsNew(const Object* source, const Object* now, CommandKind kind, boo
         return false;
     }
     const bool is_empty_copy = kind == COMMAND_COPY && source->type == S_IFIFO;
+    const bool drops_ids = kind == COMMAND_COPY && !source->IsDirectory() && now->owner != source->owner;
+    const mode_t mode = source->mode & ~(drops_ids ? 06000U : 0U);
     return now->type == (is_empty_copy ? S_IFREG : source->type) && now->content == source->content &&
-           (has_failed || source->IsLink() || now->mode == source->mode) &&
+           (has_failed || source->IsLink() || now->mode == mode) &&
            (source->IsDirectory() || (now->inode == source->inode) == (kind == COMMAND_MOVE));
 }
 

@@ -6,7 +6,7 @@ namespace {
 
 Result NextAnswer(std::vector<Result>& script)
 {
-    if (script.empty()) {
+    if (script.empty() || answers.is_left) {
         return RESULT_CANCEL;
     }
     const Result answer = script.front();
@@ -37,20 +37,13 @@ int UpdateProgress()
     return answers.steps == answers.cancel_at_step ? static_cast<int>(RESULT_CANCEL) : 0;
 }
 
-bool KeepPainting()
-{
-    if (answers.at_paint) {
-        answers.at_paint();
-    }
-    return answers.cancel_when_painting;
-}
-
 // Before any test runs.
 [[maybe_unused]] const bool kIsConnected = [] {
     OnEngine = {.MessageBox = MessageBox,
                 .DeleteMessageBox = DeleteMessageBox,
                 .UpdateProgress = UpdateProgress,
-                .KeepPainting = KeepPainting};
+                .IsCancelled = [] { return answers.is_cancelled || answers.is_left; },
+                .IsLeft = [] { return answers.is_left; }};
     return true;
 }();
 

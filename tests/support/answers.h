@@ -14,8 +14,8 @@ struct Answers {
     std::vector<Result> to_deletes;   ///< Answers to DeleteMessageBox, likewise.
     int steps = 0;
     int cancel_at_step = -1;
-    bool cancel_when_painting = false;
+    bool is_cancelled = false;
+    bool is_left = false;
     std::function<void()> at_step;  ///< Runs at every step, if there is one.
-    std::function<void()> at_paint;
 };
 extern Answers answers;

@@ -1,12 +1,21 @@
 #include "driving.h"
 
+#include <dirent.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
 #include <utility>
 
 #include "core/fnktable.h"
 
+extern "C" struct dirent* __real_readdir(DIR* stream);
+extern "C" struct dirent* __wrap_readdir(DIR* stream);
+
 namespace {
+
+const std::thread::id tests_thread = std::this_thread::get_id();
+std::atomic<int> entries_left = G_MAXINT;
 
 /// Acts again and again once the deadline has passed, until it goes out of scope.
 struct Deadline {
@@ -34,6 +43,26 @@ Event NewEvent(GdkWindow* window, GdkEventType type, GdkDevice* (*device)(GdkSea
 }
 
 }  // namespace
+
+void LetRead(int entries)
+{
+    entries_left = entries;
+    entries_left.notify_all();
+}
+
+int EntriesLeft()
+{
+    return entries_left;
+}
+
+struct dirent* __wrap_readdir(DIR* stream)
+{
+    if (std::this_thread::get_id() != tests_thread) {
+        entries_left.wait(0);
+        --entries_left;
+    }
+    return __real_readdir(stream);
+}
 
 bool Await(const std::function<bool()>& condition)
 {

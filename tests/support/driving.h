@@ -8,6 +8,11 @@
 #include <string>
 #include <vector>
 
+/// How many directory entries other threads than the test's may read before a slow disk holds them up.
+/// At first as many as they like.
+void LetRead(int entries);
+int EntriesLeft();
+
 /// Runs the main loop until the condition holds; false after the deadline.
 bool Await(const std::function<bool()>& condition);
 /// Handles all that is pending.

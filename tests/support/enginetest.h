@@ -12,6 +12,7 @@
 #include "disk.h"
 #include "engine/fnkfiles-copy.h"
 #include "engine/fnkfiles-delete.h"
+#include "engine/fnkfiles-sync.h"
 #include "faults.h"
 #include "tabletest.h"
 
@@ -35,6 +36,7 @@ protected:
         faults.Disarm();
         faults.at_call = nullptr;
         faults.is_old_file_system = false;
+        FlushChanges();
     }
 
     void Make(const Tree& tree) const

@@ -29,7 +29,9 @@ bool FailsNow(const char* call)
     faults.calls_to_go = kNeverAgain;  // The rest is only counted.
     if (faults.at_call) {
         faults.calls_to_go = -1;
+        const int before = errno;
         faults.at_call();
+        errno = before;
         faults.calls_to_go = kNeverAgain;
         return false;
     }
@@ -116,4 +118,10 @@ WRAP_SYNC(fsync)
 DECLARE(void, sync, ())
 {
     ++faults.syncs;
+}
+DECLARE(int, syncfs, (int))
+{
+    ++faults.syncs;
+    errno = faults.flush_error;
+    return faults.flush_error != 0 ? -1 : 0;
 }

@@ -12,8 +12,9 @@ struct Faults {
     int error = 0;
     std::string failed_call;  ///< Its name, once it has.
     bool is_logging = false;
-    std::string log = " ";            ///< The calls, each with a blank behind it.
-    std::atomic<int> syncs = 0;       ///< Calls of sync(), which does not fail.
+    std::string log = " ";       ///< The calls, each with a blank behind it.
+    std::atomic<int> syncs = 0;  ///< Calls of sync() and syncfs().
+    std::atomic<int> flush_error = 0;
     std::function<void()> at_call;    ///< Runs at that call, which then does not fail.
     bool is_old_file_system = false;  ///< No O_TMPFILE, no d_type, no RENAME_NOREPLACE.
     bool spares_disk = false;         ///< Nothing has to survive a crash of the machine.

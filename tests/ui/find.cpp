@@ -1,29 +1,11 @@
 // Finding files: the dialogs, the search behind them, and where a result leads.
 
-#include <dirent.h>
-
-#include <atomic>
-#include <thread>
-
 #include "acts.h"
 #include "commands/fnkeditmenu-find-result.h"
 #include "core/fnkfiles-place.h"
 #include "core/fnkutil.h"
 
-extern "C" struct dirent* __real_readdir(DIR* stream);
-extern "C" struct dirent* __wrap_readdir(DIR* stream);
-
 namespace {
-
-const std::thread::id tests_thread = std::this_thread::get_id();
-/// How many entries a search may read before it is held up, as by a slow disk.
-std::atomic<int> entries_left = G_MAXINT;
-
-void LetRead(int entries)
-{
-    entries_left = entries;
-    entries_left.notify_all();
-}
 
 class FindDialogs : public WindowTest {
 protected:
@@ -128,7 +110,7 @@ TEST_F(FindDialogs, ClosingStopsTheSearchOrLeavesIt)
     Start();
     LetRead(10);
     Ask(MENU_FIND_FILE, {Question("", "*", true), [](GtkWidget* dialog) {
-                             EXPECT_TRUE(Await([] { return entries_left == 0; }));
+                             EXPECT_TRUE(Await([] { return EntriesLeft() == 0; }));
                              EXPECT_FALSE(gtk_widget_get_sensitive(FindByText(dialog, "Display directory")));
                              SendKey(dialog, GDK_KEY_Escape);  // The same as closing the window, a little later.
                              Settle();
@@ -152,12 +134,3 @@ TEST_F(FindDialogs, ClosingStopsTheSearchOrLeavesIt)
 }
 
 }  // namespace
-
-struct dirent* __wrap_readdir(DIR* stream)
-{
-    if (std::this_thread::get_id() != tests_thread) {
-        entries_left.wait(0);
-        --entries_left;
-    }
-    return __real_readdir(stream);
-}

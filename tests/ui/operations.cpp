@@ -28,18 +28,21 @@ protected:
     static void Copy(const Names& names, const DialogActs& acts) { On(names, MENU_COPY, acts); }
     static void Move(const Names& names, const DialogActs& acts) { On(names, MENU_MOVE, acts); }
     static void Delete(const Names& names, const DialogActs& acts) { On(names, MENU_DELETE, acts); }
-    /// Then presses Cancel while the files are counted.
+    /// Then presses Cancel while the files are counted, on a slow disk.
     static DialogAct CancelAfter(const DialogAct& act)
     {
         return [act](GtkWidget* dialog) {
+            LetRead(0);
             const auto cancel = [](gpointer) -> gboolean {
-                if (pGTable->ProgressDlg != nullptr) {
-                    EXPECT_EQ(pGTable->ProgressTotal, 0);
-                    PressButton("Cancel")(pGTable->ProgressDlg);
+                if (pGTable->ProgressDlg == nullptr) {
+                    return G_SOURCE_CONTINUE;
                 }
-                return pGTable->ProgressDlg == nullptr;
+                EXPECT_EQ(pGTable->ProgressTotal, 0);
+                PressButton("Cancel")(pGTable->ProgressDlg);
+                LetRead(G_MAXINT);
+                return G_SOURCE_REMOVE;
             };
-            g_idle_add(cancel, nullptr);
+            g_timeout_add(5, cancel, nullptr);
             act(dialog);
         };
     }
@@ -99,8 +102,8 @@ TEST_F(Operations, SeveralEntriesGoIntoADirectory)
     Make({"a:1", "b:2", "dir/sub/c:3"});
     Start();
     // A missing directory is made, and removed again if nothing came into it.
-    Move({"a", "b"}, {CancelAfter(EnterText("new"))});
-    Move({"a", "b"}, {CancelAfter(EnterText("dir"))});
+    Move({"a", "dir"}, {CancelAfter(EnterText("new"))});
+    Copy({"dir"}, {CancelAfter(EnterText("other"))});
     ExpectListed("", "..,dir,a,b");
     Copy({"dir", "a"}, {[](GtkWidget* dialog) {
              EXPECT_NE(FindByText(dialog, "Copy 2 file/directory to:"), nullptr);
