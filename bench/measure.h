@@ -17,6 +17,7 @@
 #include "app/fnkmainwindow.h"
 #include "app/fnktable-life.h"
 #include "app/fnktable-start.h"
+#include "kit/fnkvisit.h"
 
 /// Measures the longest time, in milliseconds, in which the main loop handled no event.
 class PauseMeter {
@@ -229,6 +230,14 @@ private:
     std::string path_;
 };
 
+/// Handles all that is pending, the visit included.
+inline void AwaitVisit()
+{
+    while (IsVisiting() || gtk_events_pending()) {
+        gtk_main_iteration();
+    }
+}
+
 /// Opens Fennick's window on a tree rooted at directory.
 inline void StartFennick(const std::string& directory)
 {
@@ -239,8 +248,7 @@ inline void StartFennick(const std::string& directory)
     InitGlobalTable();
     SetStartDirectories(ParseCommandLine(3, arguments));
     SeedHistories();
-    gtk_widget_show(CreateMainWindow());
-    while (gtk_events_pending()) {
-        gtk_main_iteration();
-    }
+    CreateMainWindow();
+    ShowMainWindow();
+    AwaitVisit();
 }

@@ -10,6 +10,7 @@
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
+#include "kit/fnkvisit.h"
 #include "panes/fnkdirtree-walk.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist.h"
@@ -187,11 +188,11 @@ void OpenSelectedRow(const SelectedRange& selected)
     if (selected.count != 1) {
         return;
     }
-    const std::string before = pGTable->CurrentDir;
-    ActivateListRow(static_cast<std::size_t>(selected.first));
-    if (pGTable->CurrentDir != before && ListRowCount() > 1) {
-        SelectFirstEntry();
-    }
+    ActivateListRow(static_cast<std::size_t>(selected.first), [before = pGTable->CurrentDir] {
+        if (pGTable->CurrentDir != before && ListRowCount() > 1) {
+            SelectFirstEntry();
+        }
+    });
 }
 
 void ListKeyPress(const GdkEventKey& event, guint key)
@@ -341,6 +342,10 @@ gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gp
 {
     if (pGTable == nullptr) {
         return FALSE;
+    }
+    if (event->keyval == GDK_KEY_Escape && IsVisiting()) {
+        GiveUpVisit();
+        return TRUE;
     }
     if (IsButtonHeld(event->state)) {
         return TRUE;

@@ -1,6 +1,7 @@
 #include "app/fnkmainwindow.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 #include "app/fnkmainwindow-keys.h"
@@ -18,6 +19,7 @@
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree-drag.h"
+#include "panes/fnkdirtree-visit.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkdragdrop.h"
 #include "panes/fnkfilelist-status.h"
@@ -43,7 +45,11 @@ void on_MainWindow_destroy(GtkWidget*, gpointer)
 
 gboolean on_MainWindow_delete_event(GtkWidget*, GdkEvent*, gpointer)
 {
+    const bool is_modal = IsModal();
     TerminateGlobalTable();
+    if (is_modal) {
+        LeaveProgram();
+    }
     return FALSE;
 }
 
@@ -52,11 +58,7 @@ void EnterDirectory(const std::string& path)
 {
     pGTable->CurrentDir = path;
     SetEntryBytes(ComboEntry(pMainW->LocationCombo), path);
-    if (IsDirectory(path)) {
-        DisplayFileList(path);
-    } else {
-        EmptyFileList();
-    }
+    EnterFileList();
     if (pGTable->HistoryWalk == 0) {
         AddHistoryListC(pMainW->LocationCombo, pGTable->LocationDirHistory);
         SetComboStrings(pMainW->LocationCombo, pGTable->LocationDirHistory);
@@ -69,6 +71,13 @@ void EnterDirectory(const std::string& path)
     pGTable->HistoryWalk = 0;
     gtk_widget_set_sensitive(pMainW->ToolButton[TOOL_UP], path != pGTable->RootDir);
     ReleaseEntryFocus(pMainW->MainWindow);
+}
+
+/// Ends the program: without its root there is nothing to show.
+void ReportRootFailure()
+{
+    std::fprintf(stderr, _("fennick: cannot read the directory %s\n"), pGTable->RootDir.c_str());
+    LeaveProgram();
 }
 
 void UpdateForSelection()
@@ -180,7 +189,8 @@ void FitFilterStatus()
 GtkWidget* CreateMainWindow()
 {
     OnEngine = CommandEvents();
-    OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory};
+    OnDirTree = {.Entered = EnterDirectory, .Reopened = RefreshDirectory, .RootFailed = ReportRootFailure};
+    OnRowDetails = ShowListDetails;
     OnFileList = {.SelectionChanged = UpdateForSelection, .FileActivated = ExecApplication};
     OnFilesDropped = UIFileDragDrop;
     ReadLiveLayout = ReadLayout;
@@ -195,9 +205,7 @@ GtkWidget* CreateMainWindow()
     CreateToolBar(vbox);
     pMainW->LocationCombo = CreateLocationBar(vbox);
     pMainW->Paned = CreatePaned(vbox);
-    if (CreateDirTree(pMainW->Paned) == nullptr) {
-        return nullptr;
-    }
+    CreateDirTree(pMainW->Paned);
     ConnectTreeDrag(MainTree());
     CreateFileList(pMainW->Paned);
 
@@ -218,8 +226,6 @@ void ShowMainWindow()
 {
     gtk_widget_show(pMainW->MainWindow);
     ReleaseEntryFocus(pMainW->MainWindow);
-    // CurrentDir is set already, but nothing is shown yet. Cleared, so that OpenChildTree enters the
-    // directory.
-    const std::string start = std::exchange(pGTable->CurrentDir, {});
-    OpenChildTree(MainTree(), start, EXPAND_LAST_NO);
+    pGTable->CurrentDir.clear();  // Nothing is shown yet.
+    OpenChildTree(MainTree(), pGTable->StartDir.empty() ? pGTable->RootDir : pGTable->StartDir, EXPAND_LAST_NO);
 }

@@ -16,6 +16,7 @@
 #include "commands/fnksettingmenu.h"
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
+#include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkfilelist-status.h"
@@ -39,8 +40,7 @@ struct MenuTableEntry {
 
 void on_Menu_CloseWindow_activate(GtkWidget*, gpointer)
 {
-    TerminateGlobalTable();
-    gtk_main_quit();
+    CloseMainWindow();
 }
 
 /// Indexed by MenuEntry. From kSubmenuBegin on, the entries of the submenu New.
@@ -89,11 +89,17 @@ constexpr std::array<MenuTitle, 5> kTitles = {{
     {N_("Help(_H)"), 3, nullptr},
 }};
 
-/// Calls the command, unless the records are already gone.
+/// Starts the command, unless the records are already gone.
 void on_Menu_activate(GtkWidget* item, gpointer index)
 {
-    if (pGTable != nullptr) {
-        kEntries[GPOINTER_TO_SIZE(index)].handler(item, nullptr);
+    if (pGTable == nullptr) {
+        return;
+    }
+    const MenuHandler handler = kEntries[GPOINTER_TO_SIZE(index)].handler;
+    if (handler == on_Menu_CloseWindow_activate) {
+        handler(item, nullptr);
+    } else {
+        StartCommand([handler, item] { handler(item, nullptr); });
     }
 }
 

@@ -1,5 +1,7 @@
 #include "app/fnktable-life.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -8,7 +10,9 @@
 #include "core/fnkfiles-settings.h"
 #include "core/fnktable.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-picture.h"
+#include "kit/fnkutil-widget.h"
 
 #include "CloseDir.xpm"
 #include "OpenDir.xpm"
@@ -69,4 +73,22 @@ void TerminateGlobalTable()
     }
     delete table;
     delete widgets;
+}
+
+void CloseMainWindow()
+{
+    const bool is_modal = IsModal();
+    TerminateGlobalTable();
+    if (is_modal) {
+        LeaveProgram();  // The dialog that runs the innermost main loop must not go on without the records.
+    }
+    gtk_main_quit();
+}
+
+void LeaveProgram()
+{
+    if (!StopRuns()) {
+        _exit(0);  // They would still use what exit() destroys.
+    }
+    std::exit(0);
 }

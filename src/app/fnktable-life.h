@@ -8,3 +8,9 @@ int InitGlobalTable();
 /// Writes the settings file, including the window's geometry, frees both records and sets their
 /// pointers to null. Harmless when called again.
 void TerminateGlobalTable();
+
+/// Saves the settings and ends the program, also while a dialog or a command runs.
+void CloseMainWindow();
+
+/// Ends the process. Threads that a disk keeps may still run then.
+[[noreturn]] void LeaveProgram();

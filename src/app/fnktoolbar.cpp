@@ -41,10 +41,10 @@ constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
     {N_("Property"), PICTURE(Property), on_Tool_Property_clicked},
 }};
 
-/// Calls the handler, unless the records are already gone.
+/// Calls the handler, unless the records are already gone. A visit may replace another.
 void on_Tool_clicked(GtkWidget* item, gpointer slot)
 {
-    if (pGTable != nullptr) {
+    if (pGTable != nullptr && !IsModal()) {
         kTools[GPOINTER_TO_SIZE(slot)].handler(item, nullptr);
     }
 }
@@ -162,13 +162,7 @@ void on_Tool_Up_clicked(GtkWidget*, gpointer)
 
 void on_Tool_Rescan_clicked(GtkWidget*, gpointer)
 {
-    // A directory that has vanished leaves the tree only when its parent is scanned.
-    std::string directory = pGTable->CurrentDir;
-    while (directory.size() > pGTable->RootDir.size() && !IsDirectory(directory)) {
-        directory = GetParentDirectory(directory);
-    }
-    RescanTree(MainTree(), directory);
-    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES);
+    OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_YES, {.rescan = {pGTable->CurrentDir}});
 }
 
 void on_Tool_Home_clicked(GtkWidget*, gpointer)

@@ -46,21 +46,12 @@ void SignalHandler(int)
     errno = saved;
 }
 
-/// Ends the process. Threads that a disk keeps would still use what exit() destroys.
-[[noreturn]] void Leave()
-{
-    if (!StopRuns()) {
-        _exit(0);
-    }
-    std::exit(0);
-}
-
 /// Runs in the innermost main loop. Exits at once, because the dialog that runs that loop must not go on
 /// without the records.
 gboolean on_Signal(int, GIOCondition, gpointer)
 {
     TerminateGlobalTable();
-    Leave();
+    LeaveProgram();
 }
 
 void InstallSignalHandler()
@@ -146,11 +137,8 @@ int main(int argc, char** argv)
     SetStartDirectories(command_line);
     SeedHistories();
     InstallSignalHandler();
-    if (CreateMainWindow() == nullptr) {
-        std::fprintf(stderr, _("fennick: cannot read the directory %s\n"), pGTable->RootDir.c_str());
-        return 0;
-    }
+    CreateMainWindow();
     ShowMainWindow();
     gtk_main();
-    Leave();
+    LeaveProgram();
 }

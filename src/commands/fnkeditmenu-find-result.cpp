@@ -92,12 +92,12 @@ void OpenSelected(GtkTreeView* tree)
         return;
     }
     path = WithoutSlash(path);
-    if (IsDirectory(path)) {
-        OpenChildTree(MainTree(), path, EXPAND_LAST_NO);
-    } else {
-        OpenChildTree(MainTree(), GetParentDirectory(path), EXPAND_LAST_NO);
-        ShowListRow(GetLastPath(path));
-    }
+    const auto show_file = [directory = GetParentDirectory(path), name = GetLastPath(path)] {
+        if (pGTable->CurrentDir == directory) {
+            ShowListRow(name);
+        }
+    };
+    OpenFirstDirectory(MainTree(), {path, GetParentDirectory(path)}, EXPAND_LAST_NO, {.after = show_file}, nullptr);
 }
 
 void on_FindResult_ResultButton_clicked(GtkWidget* button, gpointer data)

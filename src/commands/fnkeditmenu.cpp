@@ -12,6 +12,5 @@ void on_Menu_Edit_activate(GtkWidget*, gpointer)
 
 void on_Menu_RescanDirectory_activate(GtkWidget*, gpointer)
 {
-    RescanTree(MainTree(), pGTable->RootDir);
-    OpenChildTree(MainTree(), pGTable->RootDir, EXPAND_LAST_YES);
+    OpenChildTree(MainTree(), pGTable->RootDir, EXPAND_LAST_YES, {.rescan = {pGTable->RootDir}});
 }

@@ -39,10 +39,10 @@ std::function<void()> UIFileDragDrop(const std::vector<std::string>& items, cons
     }
     return [items, destination, kind = choice == POPUP_MOVE ? OPERATION_MOVE : OPERATION_COPY] {
         RunOperation(kind, items, TransferTo(kind, destination));
+        std::vector<std::string> rescan = {ParentInTree(destination)};
         if (kind == OPERATION_MOVE) {
-            RescanTree(MainTree(), ParentInTree(GetParentDirectory(items.front())));
+            rescan.push_back(ParentInTree(GetParentDirectory(items.front())));
         }
-        RescanTree(MainTree(), ParentInTree(destination));
-        OpenChildTree(MainTree(), destination, EXPAND_LAST_YES);
+        OpenChildTree(MainTree(), destination, EXPAND_LAST_YES, {.rescan = rescan});
     };
 }

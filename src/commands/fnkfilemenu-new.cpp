@@ -76,10 +76,11 @@ bool CreateNewFile(const std::string& path)
 void ShowNewFile(const std::string& path)
 {
     const std::string parent = GetParentDirectory(path);
-    OpenChildTree(MainTree(), parent, EXPAND_LAST_NO);
-    if (pGTable->CurrentDir == parent) {
-        ShowListRow(GetLastPath(path));
-    }
+    OpenChildTree(MainTree(), parent, EXPAND_LAST_NO, {.after = [parent, name = GetLastPath(path)] {
+                      if (pGTable->CurrentDir == parent) {
+                          ShowListRow(name);
+                      }
+                  }});
 }
 
 void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
@@ -88,8 +89,7 @@ void on_Menu_NewDirectory_activate(GtkWidget*, gpointer)
     if (!AskForNewPath(MODE_NEW_DIRECTORY, &path) || !CreateNewDirectory(WithSlash(path))) {
         return;
     }
-    RescanTree(MainTree(), GetParentDirectory(path));
-    OpenChildTree(MainTree(), WithSlash(path), EXPAND_LAST_NO);
+    OpenChildTree(MainTree(), WithSlash(path), EXPAND_LAST_NO, {.rescan = {GetParentDirectory(path)}});
 }
 
 void on_Menu_NewFile_activate(GtkWidget*, gpointer)

@@ -31,7 +31,7 @@ void Run(const std::string& program, const std::string& argument)
 
 }  // namespace
 
-void ExecApplication(const std::string& path)
+void ExecApplication(const std::string& path, const std::function<void()>& entered)
 {
     const std::optional<Launch> decided = WaitFor(path, [path] { return DecideLaunch(path); });
     if (!decided) {
@@ -45,7 +45,7 @@ void ExecApplication(const std::string& path)
         FileExistMessageBox(PATH_OUTSIDE_ROOT, nullptr);
         break;
     case LAUNCH_DIRECTORY:
-        OpenChildTree(MainTree(), launch.path, EXPAND_LAST_YES);
+        OpenChildTree(MainTree(), launch.path, EXPAND_LAST_YES, {.after = entered});
         break;
     case LAUNCH_ITSELF:
         Run(launch.path, "");

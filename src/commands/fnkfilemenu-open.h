@@ -1,14 +1,16 @@
 #pragma once
 // Opening an entry of the file list.
 
+#include <functional>
 #include <string>
 
 #include "engine/fnkmessage.h"
 
 /// Opens the entry at an absolute path, following symbolic links. Shows a directory, runs a program,
 /// and opens any other file with its associated program or one that the user picks. Shows a message if
-/// the entry lies outside RootDir. Other failures are silent.
-void ExecApplication(const std::string& path);
+/// the entry lies outside RootDir. Other failures are silent. Calls entered, unless it is null, once a
+/// directory is shown.
+void ExecApplication(const std::string& path, const std::function<void()>& entered);
 
 /// Asks whether to run the program, if the setting ConfilmExec says so. Returns RESULT_OK if the
 /// program may run.

@@ -85,12 +85,14 @@ void FileOperation(OperationKind kind)
         }
     });
     const std::string parent = ParentInTree(destination);
+    std::vector<std::string> rescan = {parent};
     if (kind == OPERATION_MOVE) {
-        RescanTree(MainTree(), ParentInTree(sources.front()));
+        rescan.push_back(ParentInTree(sources.front()));
     }
-    RescanTree(MainTree(), parent);
-    const bool is_inside = result == RESULT_DONE && IsDirectory(destination);
-    OpenChildTree(MainTree(), is_inside ? destination : parent, EXPAND_LAST_YES);
+    // The first that is a directory is opened.
+    const std::vector<std::string> shown =
+        result == RESULT_DONE ? std::vector{destination, parent} : std::vector{parent};
+    OpenFirstDirectory(MainTree(), shown, EXPAND_LAST_YES, {.rescan = rescan}, nullptr);
 }
 
 OperationStep TransferTo(OperationKind kind, const std::string& destination)
@@ -139,6 +141,7 @@ PopupChoice CreateFileOperationPopup(const GdkEvent* event)
     g_signal_connect(menu, "deactivate", G_CALLBACK(on_CancelButton_clicked), nullptr);
     gtk_menu_popup_at_pointer(GTK_MENU(menu), event);
     if (gtk_widget_get_mapped(menu)) {
+        const ModalScope scope;
         gtk_main();
     }
     gtk_widget_destroy(menu);

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <functional>
 #include <string>
 
 constexpr std::size_t kPermissionRows = 3;     ///< User, group, other.
@@ -26,8 +27,9 @@ struct PropertyDlgData {
     std::array<std::array<GtkWidget*, kPermissionColumns>, kPermissionRows> PermToggle = {};
     GtkWidget* OwnerEntry = nullptr;
     GtkWidget* GroupCombo = nullptr;
-    bool IsApplied = false;  ///< The list must be read again, even if the user cancels in the end.
-    struct stat Stat = {};   ///< As read from disk, except for the mode, which the toggles edit.
+    bool IsApplied = false;             ///< The list must be read again, even if the user cancels in the end.
+    std::function<void()> ShowRenamed;  ///< Set if a directory was renamed; shows it.
+    struct stat Stat = {};              ///< As read from disk, except for the mode, which the toggles edit.
 };
 
 /// Builds the pages with empty fields.

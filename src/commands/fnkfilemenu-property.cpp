@@ -97,7 +97,9 @@ int CreatePropertyDlg()
     g_signal_connect(data.OwnerEntry, "activate", G_CALLBACK(on_ComboEntry_activate), ok);
     g_signal_connect(ok, "clicked", G_CALLBACK(on_Property_OKButton_clicked), &data);
     ModalMainLoop(data.Dialog, pMainW->MainWindow);
-    if (data.IsApplied) {
+    if (data.ShowRenamed) {
+        data.ShowRenamed();
+    } else if (data.IsApplied) {
         DisplayFileList(pGTable->CurrentDir);
     }
     return 0;
@@ -315,20 +317,19 @@ PropertyResult ApplyProperty(const PropertyChange& change)
     return result;
 }
 
-/// Updates the tree after a directory was renamed.
+/// Shows the window's directory again after a directory was renamed.
 void ShowRenamedDirectory(const std::string& old_path, const PropertyResult& result)
 {
     const std::string old_parent = GetParentDirectory(old_path);
     const std::string new_parent = GetParentDirectory(result.renamed_to);
-    RescanTree(MainTree(), old_parent);
-    if (new_parent != old_parent) {
-        RescanTree(MainTree(), new_parent);
-    }
     // CurrentDir may be inside the renamed directory: a rescan can leave an ancestor of CurrentDir
     // selected.
     if (pGTable->CurrentDir.starts_with(old_path) && result.is_there) {
         const std::string below = pGTable->CurrentDir.substr(old_path.size());
-        OpenChildTree(MainTree(), WithSlash(result.renamed_to) + below, EXPAND_LAST_NO);
+        OpenChildTree(MainTree(), WithSlash(result.renamed_to) + below, EXPAND_LAST_NO,
+                      {.rescan = {old_parent, new_parent}});
+    } else {
+        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO, {.rescan = {old_parent, new_parent}});
     }
 }
 
@@ -348,7 +349,7 @@ void on_Property_OKButton_clicked(GtkWidget*, gpointer pointer)
         FileExistMessageBox(result->status, result->is_refused ? data->NameEntry : nullptr);
     }
     if (!result->renamed_to.empty()) {
-        ShowRenamedDirectory(data->Path, *result);
+        data->ShowRenamed = [path = data->Path, renamed = *result] { ShowRenamedDirectory(path, renamed); };
     }
     if (!result->is_refused) {
         gtk_main_quit();

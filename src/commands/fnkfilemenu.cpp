@@ -111,8 +111,7 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
         }
         return result;
     });
-    RescanTree(MainTree(), parent);
-    OpenChildTree(MainTree(), *is_gone ? parent : pGTable->CurrentDir, EXPAND_LAST_NO);
+    OpenChildTree(MainTree(), *is_gone ? parent : pGTable->CurrentDir, EXPAND_LAST_NO, {.rescan = {parent}});
 }
 
 void on_Menu_Property_activate(GtkWidget*, gpointer)

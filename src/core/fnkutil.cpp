@@ -455,8 +455,8 @@ bool MayExecute(const struct stat& st, const UserIds& user)
     return (st.st_mode & S_IXOTH) != 0;
 }
 
-/// A relative target counts from directory, whose path is base_length bytes long. A target whose
-/// full path would exceed kMaxPathBytes counts as missing.
+}  // namespace
+
 FileType GetLinkType(int directory, const char* name, std::size_t base_length)
 {
     char target[kMaxPathBytes + 2] = {};
@@ -472,21 +472,19 @@ FileType GetLinkType(int directory, const char* name, std::size_t base_length)
     return FT_SYMLINK;
 }
 
-}  // namespace
-
 UserIds GetUserIds()
 {
     return {getuid(), getgid()};
 }
 
-FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user)
+FileType GetOwnType(const char* name, const struct stat& st, const UserIds& user)
 {
     if (strcasecmp(name, "core") == 0) {
         return FT_CORE;
     }
     switch (st.st_mode & S_IFMT) {
     case S_IFLNK:
-        return GetLinkType(directory, name, pGTable->CurrentDir.size());
+        return FT_SYMLINK;
     case S_IFDIR:
         return FT_DIRECTORY;
     case S_IFIFO:
@@ -503,12 +501,12 @@ FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, c
 
 FileType GetFileType(const std::string& path, const struct stat& st)
 {
-    const std::string name = GetLastPath(path);
-    if (strcasecmp(name.c_str(), "core") == 0) {
-        return FT_CORE;
+    const FileType type = GetOwnType(GetLastPath(path).c_str(), st, GetUserIds());
+    if (type != FT_SYMLINK) {
+        return type;
     }
     const Descriptor directory(open(pGTable->CurrentDir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return GetFileTypeAt(directory.Get(), path.c_str(), st, GetUserIds());
+    return GetLinkType(directory.Get(), path.c_str(), pGTable->CurrentDir.size());
 }
 
 void AddHistoryListS(History& list, const std::string& text)

@@ -130,9 +130,12 @@ struct UserIds {
     gid_t gid;
 };
 UserIds GetUserIds();
-/// The same for the entry name of CurrentDir, which is open as directory. Faster for a listing,
-/// because it needs no paths and no look-up of the ids.
-FileType GetFileTypeAt(int directory, const char* name, const struct stat& st, const UserIds& user);
+/// The same without following a link, which counts as good. Faster for a listing, because it needs no
+/// paths and no look-up of the ids.
+FileType GetOwnType(const char* name, const struct stat& st, const UserIds& user);
+/// FT_SYMLINK or FT_STALLED_LINK. A relative target counts from directory, whose path is base_length
+/// bytes long. A target whose full path would exceed kMaxPathBytes counts as missing.
+FileType GetLinkType(int directory, const char* name, std::size_t base_length);
 
 /// Puts text at the front of a history of at most ten entries, moving an equal entry or dropping
 /// the tenth. Ignores empty texts and texts longer than kMaxPathBytes.

@@ -9,11 +9,10 @@
 #include <condition_variable>
 #include <mutex>
 #include <new>
-#include <system_error>
-#include <thread>
 
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
+#include "core/fnkthread.h"
 #include "engine/fnkfiles-sync.h"
 #include "engine/fnkprogress-count.h"
 #include "kit/fnkmainwindow-record.h"
@@ -32,12 +31,9 @@ constexpr std::chrono::milliseconds kPatience{30};
 constexpr gint64 kSlow = 500'000;
 constexpr guint kTickMilliseconds = 33;
 constexpr std::chrono::milliseconds kFarewell{300};
-/// More threads than this are never left behind.
-constexpr std::size_t kMaxRuns = 32;
 
 /// Shared by the window and the thread of a run.
 struct Run : std::enable_shared_from_this<Run> {
-    GTable settings;    ///< A copy for the thread.
     std::string label;  ///< What the dialog says.
     bool has_steps;     ///< Shows progress.
 
@@ -268,7 +264,6 @@ gboolean ShowUnwritten(gpointer)
 void Work(const std::shared_ptr<Run>& run, const std::function<void()>& work)
 {
     own_run = run.get();
-    pGTable = &run->settings;
     try {
         work();
     } catch (const std::bad_alloc&) {
@@ -289,29 +284,21 @@ void Work(const std::shared_ptr<Run>& run, const std::function<void()>& work)
 }
 
 /// 0 or an errno.
-int StartThread(const std::shared_ptr<Run>& run, std::function<void()> work)
+int Start(const std::shared_ptr<Run>& run, const std::function<void()>& work)
 {
     ForgetEndedRuns();
-    if (runs.size() >= kMaxRuns) {
-        return EAGAIN;
-    }
-    try {
-        std::thread([run, work = std::move(work)] { Work(run, work); }).detach();
-    } catch (const std::system_error& failure) {
-        return failure.code().value();
-    }
     runs.push_back(run);
-    return 0;
+    return StartThread([run, work] { Work(run, work); });
 }
 
-RunEnd Perform(const std::shared_ptr<Run>& run, std::function<void()> work)
+RunEnd Perform(const std::shared_ptr<Run>& run, const std::function<void()>& work)
 {
     if (current != nullptr) {
         return RUN_LEFT;  // An assistive program can press what takes no input.
     }
-    run->settings = *pGTable;
+    const ModalScope scope;
     pGTable->ProgressDone = pGTable->ProgressTotal = pGTable->ProgressCancel = 0;
-    int error = StartThread(run, std::move(work));
+    int error = Start(run, work);
     if (error == 0) {
         current = run;
         bool is_over = false;
@@ -423,12 +410,12 @@ RunEnd RunCommand(const std::vector<std::string>& items, OperationKind kind, std
     });
 }
 
-RunEnd RunQuietly(const std::string& what, std::function<void()> work)
+RunEnd RunQuietly(const std::string& what, const std::function<void()>& work)
 {
     const auto run = std::make_shared<Run>();
     run->label = FormatPathMessage(_("Waiting for %s..."), what);
     run->has_steps = false;
-    return Perform(run, std::move(work));
+    return Perform(run, work);
 }
 
 PathStatus WaitToCheckPath(std::string* path)
@@ -467,12 +454,7 @@ bool StopRuns()
             Leave(*run);
         }
     }
-    const auto end = std::chrono::steady_clock::now() + kFarewell;
-    while (!runs.empty() && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        ForgetEndedRuns();
-    }
-    return runs.empty();
+    return AwaitThreads(kFarewell);
 }
 
 void DestroyProgressDlg()

@@ -25,7 +25,7 @@ enum RunEnd {
 RunEnd RunCommand(const std::vector<std::string>& items, OperationKind kind, std::function<void()> work);
 
 /// Runs work without steps. After half a second a small dialog says that it waits for what.
-RunEnd RunQuietly(const std::string& what, std::function<void()> work);
+RunEnd RunQuietly(const std::string& what, const std::function<void()>& work);
 
 /// What work returns, or nothing if the user has left it.
 template <typename Work>

@@ -320,11 +320,31 @@ void SetTransientParent(GtkWindow* dialog, GtkWidget* parent)
 
 }  // namespace
 
+namespace {
+int modal_scopes = 0;
+}
+
+ModalScope::ModalScope()
+{
+    ++modal_scopes;
+}
+
+ModalScope::~ModalScope()
+{
+    --modal_scopes;
+}
+
+bool IsModal()
+{
+    return modal_scopes > 0;
+}
+
 void ModalMainLoop(GtkWidget* window, GtkWidget* parent)
 {
     if (window == nullptr) {
         return;
     }
+    const ModalScope scope;
     g_signal_connect(window, "button-press-event", G_CALLBACK(on_Window_button_press_event), nullptr);
     SetTransientParent(GTK_WINDOW(window), parent);
     if (parent != nullptr) {

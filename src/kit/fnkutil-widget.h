@@ -55,6 +55,16 @@ GtkWidget* CreateLabel(GtkWidget* box, const char* text);
 GtkWidget* CreateTabLabel(GtkWidget* notebook, int page, const char* text);
 GtkWidget* CreateSeparator(GtkWidget* box);
 
+/// While one exists, a dialog or a command runs.
+class ModalScope {
+public:
+    ModalScope();
+    ModalScope(const ModalScope&) = delete;
+    ModalScope& operator=(const ModalScope&) = delete;
+    ~ModalScope();
+};
+bool IsModal();
+
 /// Runs a dialog until one of its handlers calls gtk_main_quit, then destroys it. Meanwhile parent,
 /// the main window or another running dialog, is insensitive. If parent is null, the windows below
 /// take no input either, but look as before.

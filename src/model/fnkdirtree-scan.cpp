@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "core/fnkfiles-place.h"
+#include "core/fnkthread.h"
 #include "core/fnkutil.h"
 
 namespace {
@@ -45,18 +46,35 @@ std::string FindFirstSubdirectory(int parent, const std::string& name, std::size
 
 ScanResult ScanSubdirectories(const std::string& directory, std::vector<Subdirectory>& found)
 {
+    const std::atomic<bool> stopped = false;
+    const ScanResult result = ScanNames(directory, found, stopped);
+    LookAhead(directory, found, stopped);
+    return result;
+}
+
+ScanResult ScanNames(const std::string& directory, std::vector<Subdirectory>& found, const std::atomic<bool>& stopped)
+{
     const DirectoryStream stream(opendir(directory.c_str()));
     if (stream == nullptr) {
         return errno == EACCES ? SCAN_DONE : SCAN_FAILED;
     }
-    const int descriptor = dirfd(stream.get());
-    const std::size_t length = WithSlash(directory).size();
-    while (const struct dirent* const entry = readdir(stream.get())) {
-        if (IsShownDirectory(descriptor, *entry, MaxNameBytesBelow(length))) {
-            const std::size_t max_name_bytes = MaxNameBytesBelow(length + std::strlen(entry->d_name) + 1);
-            found.push_back({entry->d_name, FindFirstSubdirectory(descriptor, entry->d_name, max_name_bytes)});
+    const std::size_t max_name_bytes = MaxNameBytesBelow(WithSlash(directory).size());
+    while (const struct dirent* const entry = stopped ? nullptr : readdir(stream.get())) {
+        if (IsShownDirectory(dirfd(stream.get()), *entry, max_name_bytes)) {
+            found.push_back({entry->d_name, std::nullopt});
         }
     }
     std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
     return SCAN_DONE;
+}
+
+void LookAhead(const std::string& directory, std::vector<Subdirectory>& found, const std::atomic<bool>& stopped)
+{
+    const Descriptor parent(open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const std::size_t length = WithSlash(directory).size();
+    ForEachIndex(found.size(), stopped, [&](std::size_t i) {
+        Subdirectory& below = found[i];
+        below.any_child =
+            FindFirstSubdirectory(parent.Get(), below.name, MaxNameBytesBelow(length + below.name.size() + 1));
+    });
 }

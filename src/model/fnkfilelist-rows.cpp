@@ -1,37 +1,25 @@
 #include "model/fnkfilelist-rows.h"
 
 #include <fcntl.h>
-#include <grp.h>
-#include <pwd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <limits>
+#include <set>
+#include <utility>
 
 #include "core/fnkraii.h"
+#include "core/fnkthread.h"
+#include "engine/fnkfilemenu-property-change.h"
 
 namespace {
 
-const std::string& UserName(std::map<std::uint32_t, std::string>& known, std::uint32_t uid)
+std::string NameOf(const std::map<std::uint32_t, std::string>& names, std::uint32_t id)
 {
-    const auto [entry, is_new] = known.try_emplace(uid);
-    if (is_new) {
-        const struct passwd* const user = getpwuid(uid);
-        entry->second = user != nullptr ? DisplayText(user->pw_name) : std::string();
-    }
-    return entry->second;
-}
-
-const std::string& GroupName(std::map<std::uint32_t, std::string>& known, std::uint32_t gid)
-{
-    const auto [entry, is_new] = known.try_emplace(gid);
-    if (is_new) {
-        const struct group* const group = getgrgid(gid);
-        entry->second = group != nullptr ? DisplayText(group->gr_name) : std::string();
-    }
-    return entry->second;
+    const auto entry = names.find(id);
+    return entry != names.end() ? entry->second : std::string();
 }
 
 std::string SignedText(std::uint32_t number)
@@ -51,11 +39,11 @@ std::string FileRows::CellText(const FileRow& row, int column_id) const
     case COLUMN_PERMISSION:
         return SetPermission(row.mode);
     case COLUMN_USER:
-        return UserName(users_, row.uid);
+        return NameOf(users_, row.uid);
     case COLUMN_USER_ID:
         return SignedText(row.uid);
     case COLUMN_GROUP:
-        return GroupName(groups_, row.gid);
+        return NameOf(groups_, row.gid);
     case COLUMN_GROUP_ID:
         return SignedText(row.gid);
     case COLUMN_ACCESS_TIME:
@@ -77,18 +65,59 @@ void FileRows::Add(const char* name, const struct stat& st, FileType type)
     if (names_.size() + length > std::numeric_limits<std::uint32_t>::max()) {
         return;
     }
-    rows_.push_back({.size = st.st_size,
-                     .access_time = st.st_atim.tv_sec,
-                     .modification_time = st.st_mtim.tv_sec,
-                     .change_time = st.st_ctim.tv_sec,
-                     .name = static_cast<std::uint32_t>(names_.size()),
-                     .uid = st.st_uid,
-                     .gid = st.st_gid,
-                     .inode = static_cast<std::int32_t>(st.st_ino),
-                     .mode = static_cast<std::uint16_t>(st.st_mode),
-                     .type = type,
-                     .is_directory = S_ISDIR(st.st_mode)});
+    FileRow row = {};
+    row.name = static_cast<std::uint32_t>(names_.size());
+    rows_.push_back(row);
     names_.insert(names_.end(), name, name + length);
+    SetStatus(rows_.size() - 1, st, type);
+}
+
+void FileRows::SetStatus(std::size_t index, const struct stat& st, FileType type)
+{
+    rows_[index] = {.size = st.st_size,
+                    .access_time = st.st_atim.tv_sec,
+                    .modification_time = st.st_mtim.tv_sec,
+                    .change_time = st.st_ctim.tv_sec,
+                    .name = rows_[index].name,
+                    .uid = st.st_uid,
+                    .gid = st.st_gid,
+                    .inode = static_cast<std::int32_t>(st.st_ino),
+                    .mode = static_cast<std::uint16_t>(st.st_mode),
+                    .type = type,
+                    .is_directory = S_ISDIR(st.st_mode)};
+}
+
+void FileRows::SetDetails(const RowDetails& details)
+{
+    users_ = details.users;
+    groups_ = details.groups;
+    if (details.links.empty()) {
+        return;
+    }
+    const std::set<std::string_view> stalled(details.links.begin(), details.links.end());
+    for (FileRow& row : rows_) {
+        if (row.type == FT_SYMLINK && stalled.contains(Name(row))) {
+            row.type = FT_STALLED_LINK;
+        }
+    }
+}
+
+void FileRows::Keep(const std::vector<char>& marks)
+{
+    std::size_t kept = 0;
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        if (marks[i] == 0) {
+            continue;
+        }
+        const std::size_t length = std::strlen(Name(i)) + 1;
+        std::memmove(names_.data() + end, Name(i), length);
+        rows_[kept] = rows_[i];
+        rows_[kept++].name = static_cast<std::uint32_t>(end);
+        end += length;
+    }
+    rows_.resize(kept);
+    names_.resize(end);
 }
 
 void FileRows::Clear()
@@ -135,24 +164,42 @@ bool IsListed(const char* name, const struct stat& st)
     return S_ISDIR(st.st_mode) || CheckFilter(name) != 0;
 }
 
-void ReadEntries(int directory, DIR* stream, FileRows& rows)
+/// Names are read first, because only then can several threads ask for the rest.
+void ReadEntries(DIR* stream, FileRows& rows, const std::atomic<bool>& stopped)
 {
-    const UserIds user = GetUserIds();
-    while (const struct dirent* const entry = readdir(stream)) {
-        if (IsDotOrDotDot(entry->d_name) || CheckFileName(entry->d_name) == 0) {
-            continue;
+    while (const struct dirent* const entry = stopped ? nullptr : readdir(stream)) {
+        if (!IsDotOrDotDot(entry->d_name) && CheckFileName(entry->d_name) != 0) {
+            rows.Add(entry->d_name);
         }
-        struct stat st = {};
-        if (fstatat(directory, entry->d_name, &st, AT_SYMLINK_NOFOLLOW) != 0 || !IsListed(entry->d_name, st)) {
-            continue;
-        }
-        rows.Add(entry->d_name, st, GetFileTypeAt(directory, entry->d_name, st, user));
     }
+    std::vector<char> marks(rows.Count());
+    const UserIds user = GetUserIds();
+    ForEachIndex(rows.Count(), stopped, [&rows, &marks, &user, directory = dirfd(stream)](std::size_t i) {
+        const char* const name = rows.Name(i);
+        struct stat st = {};
+        if (fstatat(directory, name, &st, AT_SYMLINK_NOFOLLOW) == 0 && IsListed(name, st)) {
+            rows.SetStatus(i, st, GetOwnType(name, st, user));
+            marks[i] = 1;
+        }
+    });
+    rows.Keep(marks);
 }
 
 }  // namespace
 
 bool ReadFileRows(const std::string& path, FileRows& rows)
+{
+    const std::atomic<bool> stopped = false;
+    RowDetails details;
+    if (!ReadFileRows(path, rows, details, stopped)) {
+        return false;
+    }
+    ReadRowDetails(path, details, stopped);
+    rows.SetDetails(details);
+    return true;
+}
+
+bool ReadFileRows(const std::string& path, FileRows& rows, RowDetails& details, const std::atomic<bool>& stopped)
 {
     struct stat st = {};
     if (lstat(path.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
@@ -161,12 +208,42 @@ bool ReadFileRows(const std::string& path, FileRows& rows)
     rows.Clear();
     const DirectoryStream stream(opendir(path.c_str()));
     if (stream != nullptr) {
-        ReadEntries(dirfd(stream.get()), stream.get(), rows);
+        ReadEntries(stream.get(), rows, stopped);
     }
     rows.Add("..", st, FT_DIRECTORY);
     rows.Reverse();
     rows.ShrinkToFit();
+    for (std::size_t i = 0; i < rows.Count(); ++i) {
+        const FileRow& row = rows.Row(i);
+        details.users.try_emplace(row.uid);
+        details.groups.try_emplace(row.gid);
+        if (row.type == FT_SYMLINK) {
+            details.links.emplace_back(rows.Name(i));
+        }
+    }
     return true;
+}
+
+void ReadRowDetails(const std::string& path, RowDetails& details, const std::atomic<bool>& stopped)
+{
+    const Descriptor directory(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    std::vector<char> marks(details.links.size());
+    ForEachIndex(marks.size(), stopped, [&](std::size_t i) {
+        marks[i] = GetLinkType(directory.Get(), details.links[i].c_str(), path.size()) == FT_STALLED_LINK ? 1 : 0;
+    });
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        if (marks[i] != 0) {
+            std::swap(details.links[kept++], details.links[i]);
+        }
+    }
+    details.links.resize(kept);
+    for (auto& [id, name] : details.users) {
+        name = DisplayText(FindUserName(id));
+    }
+    for (auto& [id, name] : details.groups) {
+        name = DisplayText(FindGroupName(id));
+    }
 }
 
 int CheckFilter(const char* name)

@@ -4,6 +4,7 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -28,6 +29,13 @@ struct FileRow {
     bool is_directory;  ///< Shown with the folder image. False for links.
 };
 
+/// What may take long to learn and is shown later, if need be.
+struct RowDetails {
+    std::vector<std::string> links;  ///< The symbolic links; once read, those without a target.
+    std::map<std::uint32_t, std::string> users;
+    std::map<std::uint32_t, std::string> groups;
+};
+
 class FileRows {
 public:
     /// Number of rows, including "..".
@@ -43,10 +51,16 @@ public:
         return rows_[index].is_directory && std::string_view(Name(index)) == "..";
     }
 
-    /// The text of a cell in UTF-8; empty for an unknown column_id.
+    /// The text of a cell in UTF-8; empty for an unknown column_id, and for an owner without a name.
     std::string CellText(const FileRow& row, int column_id) const;
 
-    void Add(const char* name, const struct stat& st, FileType type);
+    /// Adds a row, which at first may have only a name. All names together take at most 4 GiB.
+    void Add(const char* name, const struct stat& st = {}, FileType type = FT_NORMAL);
+    /// May be called for different rows at the same time.
+    void SetStatus(std::size_t index, const struct stat& st, FileType type);
+    void SetDetails(const RowDetails& details);
+    /// Leaves only the rows with a true mark. Rows must still be in the order of their names' addition.
+    void Keep(const std::vector<char>& marks);
     void Clear();
     /// Moves row order[i] to index i. order is a permutation of all indices.
     void Permute(const std::vector<std::uint32_t>& order);
@@ -57,15 +71,19 @@ public:
 private:
     std::vector<FileRow> rows_;
     std::vector<char> names_;  ///< Each ends in a NUL.
-    // Caches: each id is looked up once.
-    mutable std::map<std::uint32_t, std::string> users_;
-    mutable std::map<std::uint32_t, std::string> groups_;
+    std::map<std::uint32_t, std::string> users_;
+    std::map<std::uint32_t, std::string> groups_;
 };
 
 /// Reads a directory into rows: first "..", which shows the status of the directory itself, then
 /// the entries that pass the filters, in reverse order of reading. path ends in "/". A directory
 /// that cannot be read has only "..". False, with rows unchanged, if path is not a directory.
 bool ReadFileRows(const std::string& path, FileRows& rows);
+
+/// The same in two steps, each of which ends early once stopped is true. After the first, links count as
+/// good and owners have no names; details says what there is to learn.
+bool ReadFileRows(const std::string& path, FileRows& rows, RowDetails& details, const std::atomic<bool>& stopped);
+void ReadRowDetails(const std::string& path, RowDetails& details, const std::atomic<bool>& stopped);
 
 /// 1 if the name filter is off or lets a file of this name pass, else 0. The caller exempts
 /// directories from the filter.

@@ -38,20 +38,31 @@ std::vector<ExistingChild> ListChildren(GtkTreeModel* model, GtkTreeIter* parent
     return children;
 }
 
+/// A node that can be expanded but has not been read has one child. If its name is not known, that has
+/// none, and is never seen: it goes when the node is expanded.
+void RemoveNamelessChild(GtkTreeStore* store, GtkTreeIter* parent)
+{
+    GtkTreeIter child;
+    if (gtk_tree_model_iter_children(GTK_TREE_MODEL(store), &child, parent) &&
+        GetNodeName(GTK_TREE_MODEL(store), child).empty()) {
+        gtk_tree_store_remove(store, &child);
+    }
+}
+
 /// Adds the one child that shows that parent can be expanded. Does nothing if name is empty or the
 /// child exists.
 void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& name)
 {
-    if (name.empty()) {
-        return;
+    if (!name.empty()) {
+        const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(store), parent);
+        const auto place =
+            std::lower_bound(children.begin(), children.end(), name,
+                             [](const ExistingChild& child, const std::string& text) { return child.name < text; });
+        if (place == children.end() || place->name != name) {
+            InsertNode(store, parent, static_cast<std::size_t>(place - children.begin()), name);
+        }
     }
-    const std::vector<ExistingChild> children = ListChildren(GTK_TREE_MODEL(store), parent);
-    const auto place =
-        std::lower_bound(children.begin(), children.end(), name,
-                         [](const ExistingChild& child, const std::string& text) { return child.name < text; });
-    if (place == children.end() || place->name != name) {
-        InsertNode(store, parent, static_cast<std::size_t>(place - children.begin()), name);
-    }
+    RemoveNamelessChild(store, parent);
 }
 
 /// Merges found, which is sorted, into the children of parent. Inserts from last to first: InsertNode
@@ -64,15 +75,18 @@ void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<S
             existing.pop_back();
         }
         if (!existing.empty() && existing.back().name == child->name) {
-            AddEarlyChild(store, &existing.back().node, child->any_child);
+            if (child->any_child) {
+                AddEarlyChild(store, &existing.back().node, *child->any_child);
+            }
             existing.pop_back();
             continue;
         }
         GtkTreeIter node = InsertNode(store, parent, existing.size(), child->name);
-        if (!child->any_child.empty()) {
-            InsertNode(store, &node, 0, child->any_child);
+        if (!child->any_child || !child->any_child->empty()) {
+            InsertNode(store, &node, 0, child->any_child.value_or(""));
         }
     }
+    RemoveNamelessChild(store, parent);
 }
 
 }  // namespace
@@ -93,14 +107,27 @@ std::string GetNodeName(GtkTreeModel* model, const GtkTreeIter& node)
     return name != nullptr ? name : "";
 }
 
-ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node)
+void CreateChildtree(GtkTreeView* tree, GtkTreeIter* node, const std::vector<Subdirectory>& found)
 {
-    std::vector<Subdirectory> found;
-    const ScanResult result = ScanSubdirectories(GetNodePath(tree, *node), found);
-    if (result == SCAN_DONE) {
-        MergeChildren(StoreOf(tree), node, found);
+    MergeChildren(StoreOf(tree), node, found);
+}
+
+void ShowLookAhead(GtkTreeView* tree, const std::string& directory, const std::vector<Subdirectory>& found)
+{
+    std::string path = directory;
+    GtkTreeIter parent;
+    if (!GetPathNode(tree, path, &parent)) {
+        return;
     }
-    return result;
+    auto known = found.begin();
+    for (ExistingChild& child : ListChildren(GTK_TREE_MODEL(StoreOf(tree)), &parent)) {
+        while (known != found.end() && known->name < child.name) {
+            ++known;
+        }
+        if (known != found.end() && known->name == child.name && known->any_child) {
+            AddEarlyChild(StoreOf(tree), &child.node, *known->any_child);
+        }
+    }
 }
 
 bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node)
@@ -146,7 +173,7 @@ bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& na
 
 bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node)
 {
-    if (!IsDirectory(path) || CheckChildDirectory(path) != 0) {
+    if (CheckChildDirectory(path) != 0) {
         return false;
     }
     path = WithSlash(path);

@@ -19,14 +19,16 @@ std::string GetNodeName(GtkTreeModel* model, const GtkTreeIter& node);
 /// Sets *node to its child of that name. If there is none, returns false and leaves *node alone.
 bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& name);
 
-/// Reads the directory of node and adds the subdirectories that the tree lacks. Each gets one child
-/// if it has a subdirectory, so that the user can expand it. Removes nothing.
-ScanResult CreateChildtree(GtkTreeView* tree, GtkTreeIter* node);
+/// Adds the subdirectories in found, which is sorted, that node lacks. One that can be expanded, or of
+/// which that is not known, gets a child so that the user can. Removes nothing else than such a child
+/// without a name.
+void CreateChildtree(GtkTreeView* tree, GtkTreeIter* node, const std::vector<Subdirectory>& found);
+/// Lets the children of directory be expanded or not, as found says. Adds no children to directory.
+void ShowLookAhead(GtkTreeView* tree, const std::string& directory, const std::vector<Subdirectory>& found);
 void RemoveChildren(GtkTreeView* tree, GtkTreeIter* node);
 /// Adds a single node for path. False if path is outside RootDir or its parent is not in the tree.
 bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node);
 /// The path in bytes, ending in "/".
 std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node);
-/// Finds the node of path. False if the tree has none, or if path is not an existing directory inside
-/// RootDir. Appends the final "/" if path lacks it.
+/// Finds the node of path. False if the tree has none. Appends the final "/" if path lacks it.
 bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node);

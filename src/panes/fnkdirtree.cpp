@@ -1,14 +1,19 @@
 #include "panes/fnkdirtree.h"
 
-#include <algorithm>
-#include <vector>
+#include <memory>
+#include <optional>
+#include <utility>
 
+#include "core/fnkfiles-place.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
+#include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
+#include "kit/fnkvisit.h"
 #include "panes/fnkdirtree-view.h"
+#include "panes/fnkdirtree-visit.h"
 #include "panes/fnkdirtree-walk.h"
 
 DirTreeEvents OnDirTree;
@@ -18,71 +23,6 @@ namespace {
 void ExpandNode(GtkTreeView* tree, const GtkTreeIter& node)
 {
     gtk_tree_view_expand_row(tree, TreeWalk(tree).PathOf(node).get(), FALSE);
-}
-
-void EnterSelected(GtkTreeView* tree)
-{
-    std::string path;
-    if (pGTable == nullptr || OnDirTree.Entered == nullptr || !GetTreeSelect(tree, nullptr, &path)) {
-        return;
-    }
-    if (path != pGTable->CurrentDir) {
-        OnDirTree.Entered(path);
-    }
-}
-
-void on_DirTree_select_row(GtkTreeSelection* selection, gpointer)
-{
-    EnterSelected(gtk_tree_selection_get_tree_view(selection));
-}
-
-/// Unlike the main tree, a picker's tree does not change CurrentDir.
-void on_PickerTree_select_row(GtkTreeSelection* selection, gpointer combo)
-{
-    std::string path;
-    if (GetTreeSelect(gtk_tree_selection_get_tree_view(selection), nullptr, &path)) {
-        SetEntryBytes(ComboEntry(GTK_WIDGET(combo)), path);
-    }
-}
-
-void SetMousePointer(GtkTreeView* tree, const char* name)
-{
-    GdkWindow* const window = gtk_widget_get_window(GTK_WIDGET(tree));
-    if (window == nullptr) {
-        return;
-    }
-    GdkDisplay* const display = gdk_window_get_display(window);
-    GdkCursor* cursor = name != nullptr ? gdk_cursor_new_from_name(display, name) : nullptr;
-    gdk_window_set_cursor(window, cursor);
-    g_clear_object(&cursor);
-    gdk_display_flush(display);
-}
-
-/// Reads the node's children before the toolkit expands the node. FALSE lets the toolkit go on.
-gboolean on_DirTree_expand(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
-{
-    if (pGTable == nullptr) {
-        return TRUE;
-    }
-    SetMousePointer(tree, "wait");
-    CreateChildtree(tree, node);
-    SetMousePointer(tree, nullptr);
-    return FALSE;
-}
-
-/// Before the toolkit collapses the node: if a node below it is selected, selects the node instead.
-gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
-{
-    if (pGTable == nullptr) {
-        return FALSE;
-    }
-    const std::string path = GetNodePath(tree, *node);
-    std::string selected;
-    if (GetTreeSelect(tree, nullptr, &selected) && selected.size() > path.size() && selected.starts_with(path)) {
-        const GtkTreeIter collapsing = *node;
-        SetTreeSelectNode(tree, collapsing);
-    }
-    return FALSE;
 }
 
 /// During its lifetime, selecting in the main tree enters no directory. Does nothing for other trees.
@@ -107,6 +47,139 @@ private:
     bool paused_;
 };
 
+/// Selects what the window shows, after a visit that did not arrive.
+void RestoreShown()
+{
+    GtkTreeView* const tree = MainTree();
+    std::string shown = pGTable->CurrentDir;
+    GtkTreeIter node;
+    if (tree != nullptr && GetPathNode(tree, shown, &node)) {
+        const SelectionPause pause(tree);
+        gtk_tree_view_set_cursor(tree, TreeWalk(tree).PathOf(node).get(), nullptr, FALSE);
+    }
+    SetEntryBytes(ComboEntry(pMainW->LocationCombo), shown);
+}
+
+void EnterSelected(GtkTreeView* tree)
+{
+    std::string path;
+    if (pGTable == nullptr || OnDirTree.Entered == nullptr || !GetTreeSelect(tree, nullptr, &path)) {
+        return;
+    }
+    if (path == pGTable->CurrentDir) {
+        GiveUpVisit();  // To another directory that was selected before.
+    } else if (const VisitReading* const reading = ArrivedReading(); reading != nullptr && reading->list == path) {
+        OnDirTree.Entered(path);
+    } else {
+        VisitPlan plan;
+        plan.list = path;
+        StartTreeVisit(
+            tree, plan, [path] { OnDirTree.Entered(path); }, RestoreShown);
+    }
+}
+
+void on_DirTree_select_row(GtkTreeSelection* selection, gpointer)
+{
+    if (IsModal()) {
+        RestoreShown();
+        return;
+    }
+    EnterSelected(gtk_tree_selection_get_tree_view(selection));
+}
+
+/// Unlike the main tree, a picker's tree does not change CurrentDir.
+void on_PickerTree_select_row(GtkTreeSelection* selection, gpointer combo)
+{
+    std::string path;
+    if (GetTreeSelect(gtk_tree_selection_get_tree_view(selection), nullptr, &path)) {
+        SetEntryBytes(ComboEntry(GTK_WIDGET(combo)), path);
+    }
+}
+
+/// Merges what was read of a directory into its node, if both are there.
+bool MergeArrived(GtkTreeView* tree, const std::string& directory)
+{
+    std::string path = directory;
+    GtkTreeIter node;
+    const auto level = ArrivedReading()->levels.find(directory);
+    if (level == ArrivedReading()->levels.end() || !GetPathNode(tree, path, &node)) {
+        return false;
+    }
+    CreateChildtree(tree, &node, level->second);
+    return true;
+}
+
+void ExpandArrived(GtkTreeView* tree, const std::string& directory)
+{
+    std::string path = directory;
+    GtkTreeIter node;
+    if (GetPathNode(tree, path, &node)) {
+        ExpandNode(tree, node);
+    }
+}
+
+/// Reads the node's children before the toolkit expands the node. FALSE lets the toolkit go on. If the
+/// disk is slow, the node is expanded later.
+gboolean on_DirTree_expand(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
+{
+    if (pGTable == nullptr) {
+        return TRUE;
+    }
+    if (ArrivedReading() != nullptr) {
+        return FALSE;
+    }
+    if (tree == MainTree() && IsModal()) {
+        return TRUE;
+    }
+    const std::string directory = GetNodePath(tree, *node);
+    VisitPlan plan;
+    plan.expand = {directory};
+    std::string selected;
+    if (tree == MainTree() && IsVisiting() && GetTreeSelect(tree, nullptr, &selected)) {
+        if (selected != pGTable->CurrentDir) {
+            plan.list = selected;  // Which was about to be entered.
+        } else {
+            GiveUpVisit();
+        }
+    }
+    const auto is_late = std::make_shared<bool>(false);
+    const auto has_arrived = std::make_shared<bool>(false);
+    const bool enters = !plan.list.empty();
+    StartTreeVisit(
+        tree, plan,
+        [=] {
+            *has_arrived = true;
+            MergeArrived(tree, directory);
+            if (*is_late) {
+                ExpandArrived(tree, directory);
+            }
+            if (enters) {
+                EnterSelected(tree);
+            }
+        },
+        enters ? RestoreShown : nullptr);
+    *is_late = true;
+    return !*has_arrived;
+}
+
+/// Before the toolkit collapses the node: if a node below it is selected, selects the node instead.
+gboolean on_DirTree_collapse(GtkTreeView* tree, GtkTreeIter* node, GtkTreePath*, gpointer)
+{
+    if (pGTable == nullptr) {
+        return FALSE;
+    }
+    if (tree == MainTree() && IsBusy() && ArrivedReading() == nullptr) {
+        return TRUE;  // A visit counts on the nodes that are displayed.
+    }
+    const std::string path = GetNodePath(tree, *node);
+    std::string selected;
+    if (GetTreeSelect(tree, nullptr, &selected) && selected.size() > path.size() && selected.starts_with(path)) {
+        const GtkTreeIter collapsing = *node;
+        SetTreeSelectNode(tree, collapsing);
+    }
+    return FALSE;
+}
+
 }  // namespace
 
 GtkTreeView* MainTree()
@@ -123,15 +196,6 @@ GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo)
     GtkTreeStore* const nodes = CreateNodeStore();
     GtkTreeView* const tree = CreateNodeView(*scroll, GTK_TREE_MODEL(nodes), _("Directory tree"));
     g_object_unref(nodes);
-    GtkTreeIter root = *TreeWalk(tree).Root();
-    if (CreateChildtree(tree, &root) != SCAN_DONE) {
-        g_object_ref_sink(*scroll);
-        gtk_widget_destroy(*scroll);
-        g_object_unref(*scroll);
-        *scroll = nullptr;
-        return nullptr;
-    }
-    ExpandNode(tree, root);
     if (combo != nullptr) {
         SetEntryBytes(ComboEntry(combo), pGTable->RootDir);
         g_signal_connect(gtk_tree_view_get_selection(tree), "changed", G_CALLBACK(on_PickerTree_select_row), combo);
@@ -144,11 +208,7 @@ GtkWidget* CreateRootTree(GtkWidget** scroll, GtkWidget* combo)
 GtkWidget* CreateDirTree(GtkWidget* paned)
 {
     pMainW->DirTree = CreateRootTree(&pMainW->TreeScroll, nullptr);
-    if (pMainW->DirTree == nullptr) {
-        return nullptr;
-    }
     gtk_paned_pack1(GTK_PANED(paned), pMainW->TreeScroll, FALSE, TRUE);
-    pGTable->CurrentDir = pGTable->StartDir.empty() ? pGTable->RootDir : pGTable->StartDir;
     SetEntryBytes(ComboEntry(pMainW->LocationCombo), pGTable->RootDir);
     ConnectTreeSelectSignal();
     return pMainW->DirTree;
@@ -197,72 +257,62 @@ void SetTreeSelectPath(GtkTreeView* tree, const std::string& path)
 
 namespace {
 
-/// Finds the node of prefix, a subdirectory of parent. If there is none, reads parent again, as the
-/// directory may be newer than the tree.
-bool FindOrReadNode(GtkTreeView* tree, std::string& prefix, GtkTreeIter* parent, GtkTreeIter* node)
+/// Tells the plan which nodes on path the tree has, and which of them are expanded.
+void AddKnownNodes(GtkTreeView* tree, const std::string& path, VisitPlan& plan)
 {
-    if (GetPathNode(tree, prefix, node)) {
-        return true;
+    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
+    GtkTreeIter node;
+    bool is_known = gtk_tree_model_get_iter_first(model, &node);
+    const std::string target = WithSlash(path);
+    std::size_t done = pGTable->RootDir.size();
+    while (is_known) {
+        const std::string prefix = target.substr(0, done);
+        plan.known.insert(prefix);
+        if (TreeWalk(tree).IsExpanded(node)) {
+            plan.expanded.insert(prefix);
+        }
+        const char* const slash = done < target.size() ? CharNext(target.c_str() + done, '/') : nullptr;
+        is_known = slash != nullptr && FindChildNode(model, &node, std::string(target.c_str() + done, slash));
+        done = slash != nullptr ? static_cast<std::size_t>(slash - target.c_str()) + 1 : done;
     }
-    return IsDirectory(prefix) && CreateChildtree(tree, parent) == SCAN_DONE && GetPathNode(tree, prefix, node);
 }
 
-/// Expands the tree along path, which is inside RootDir. Returns the deepest node reached.
-GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::string& path, ExpandLast expand_last)
+/// Gives the node new children.
+void RescanArrived(GtkTreeView* tree, const std::string& directory)
+{
+    std::string path = directory;
+    GtkTreeIter node;
+    if (!ArrivedReading()->levels.contains(directory) || !GetPathNode(tree, path, &node)) {
+        return;
+    }
+    const bool was_expanded = TreeWalk(tree).IsExpanded(node);
+    RemoveChildren(tree, &node);
+    MergeArrived(tree, directory);
+    if (was_expanded) {
+        ExpandNode(tree, node);
+    }
+}
+
+/// Expands the tree along the way that was read. Returns the deepest node reached. A directory that the
+/// tree would not show, a hidden one for example, gets its node because it was asked for.
+GtkTreeIter ExpandAlong(GtkTreeView* tree, const std::vector<std::string>& way, bool expands_last)
 {
     GtkTreeIter reached;
     gtk_tree_model_get_iter_first(gtk_tree_view_get_model(tree), &reached);
-    ExpandNode(tree, reached);
-    std::size_t done = std::min(pGTable->RootDir.size(), path.size());
-    for (const char* slash = CharNext(path.c_str() + done, '/'); slash != nullptr;
-         slash = CharNext(path.c_str() + done, '/')) {
-        done = static_cast<std::size_t>(slash - path.c_str()) + 1;
-        std::string prefix = path.substr(0, done);
+    for (std::size_t i = 0; i < way.size(); ++i) {
+        std::string directory = way[i];
         GtkTreeIter node;
-        if (!FindOrReadNode(tree, prefix, &reached, &node)) {
+        if (!GetPathNode(tree, directory, &node) && !CreateTreeNode(tree, WithoutSlash(directory), &node)) {
             break;
         }
         reached = node;
-        if (done == path.size() && expand_last == EXPAND_LAST_NO) {
-            break;
+        MergeArrived(tree, directory);
+        if (i + 1 < way.size() || expands_last) {
+            ExpandNode(tree, node);
         }
-        // The toolkit does not expand a node without children, but the directory may have some by now.
-        if (!TreeWalk(tree).HasChildren(node)) {
-            CreateChildtree(tree, &node);
-        }
-        ExpandNode(tree, node);
     }
     return reached;
 }
-
-}  // namespace
-
-void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand_last)
-{
-    if (tree == nullptr || path.empty() || CheckChildDirectory(path) != 0) {
-        return;
-    }
-    // Copied, because path may refer to a field of pGTable that changes on entering a directory.
-    const std::string target = IsDirectory(path) ? WithSlash(path) : path;
-    const std::string shown = pGTable->CurrentDir;
-    GtkTreeIter reached;
-    {
-        const SelectionPause pause(tree);
-        reached = ExpandAlong(tree, target, expand_last);
-    }
-    if (tree == MainTree()) {
-        ConnectTreeSelectSignal();
-    }
-    SetTreeSelectNode(tree, reached);
-    // Entering a different directory has filled the list. If the directory is still the same, read it
-    // again: commands end here and may have changed it.
-    std::string selected;
-    if (tree == MainTree() && GetTreeSelect(tree, nullptr, &selected) && selected == shown) {
-        OnDirTree.Reopened();
-    }
-}
-
-namespace {
 
 /// Selects the deepest displayed node on the way to path. The caller holds a SelectionPause, so that
 /// this enters no directory.
@@ -287,26 +337,103 @@ void RestoreSelection(GtkTreeView* tree, const std::string& path)
     gtk_tree_view_set_cursor(tree, TreeWalk(tree).PathOf(node).get(), nullptr, FALSE);
 }
 
+/// Enters the directory that was opened, or shows it again: commands end here and may have changed it.
+void EnterOpened(GtkTreeView* tree, const GtkTreeIter& node, const Opening& opening)
+{
+    const std::string shown = pGTable->CurrentDir;
+    if (tree == MainTree()) {
+        ConnectTreeSelectSignal();
+    }
+    if (opening.before) {
+        opening.before(ArrivedReading()->opened);
+    }
+    SetTreeSelectNode(tree, node);
+    std::string selected;
+    if (tree == MainTree() && GetTreeSelect(tree, nullptr, &selected) && selected == shown) {
+        OnDirTree.Reopened();
+    }
+}
+
+void ShowVisit(GtkTreeView* tree, const VisitPlan& plan, const Opening& opening)
+{
+    const VisitReading& reading = *ArrivedReading();
+    if (reading.has_failed_root && pGTable->CurrentDir.empty() && OnDirTree.RootFailed != nullptr) {
+        OnDirTree.RootFailed();
+        return;
+    }
+    std::optional<GtkTreeIter> reached;
+    {
+        const SelectionPause pause(tree);
+        std::string selected;
+        GetTreeSelect(tree, nullptr, &selected);
+        for (const std::string& directory : reading.rescanned) {
+            RescanArrived(tree, directory);
+        }
+        for (const std::string& directory : plan.expand) {
+            MergeArrived(tree, directory);
+            ExpandArrived(tree, directory);
+        }
+        if (!reading.way.empty()) {
+            const bool expands_last =
+                plan.expand_last == EXPAND_LAST_YES || !reading.is_target || reading.way.size() == 1;
+            reached = ExpandAlong(tree, reading.way, expands_last);
+        } else if (!selected.empty()) {
+            RestoreSelection(tree, selected);
+        }
+    }
+    if (reached) {
+        EnterOpened(tree, *reached, opening);
+    }
+    if (opening.after) {
+        opening.after();
+    }
+}
+
+void StartOpening(GtkTreeView* tree, VisitPlan plan, const Opening& opening)
+{
+    plan.rescan = opening.rescan;
+    plan.has_list = tree == MainTree();
+    for (const std::string& path : plan.open) {
+        AddKnownNodes(tree, path, plan);
+    }
+    StartTreeVisit(
+        tree, plan, [=] { ShowVisit(tree, plan, opening); }, tree == MainTree() ? RestoreShown : nullptr);
+}
+
 }  // namespace
+
+void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand_last, const Opening& opening)
+{
+    if (tree == nullptr || path.empty() || CheckChildDirectory(path) != 0) {
+        return;
+    }
+    VisitPlan plan;
+    plan.open = {path};
+    plan.expand_last = expand_last;
+    StartOpening(tree, std::move(plan), opening);
+}
+
+void OpenFirstDirectory(GtkTreeView* tree, const std::vector<std::string>& paths, ExpandLast expand_last,
+                        const Opening& opening, const std::function<void()>& none)
+{
+    VisitPlan plan;
+    plan.open = paths;
+    plan.only_existing = true;
+    plan.expand_last = expand_last;
+    Opening finding = opening;
+    finding.after = [count = paths.size(), none, after = opening.after] {
+        const bool is_found = ArrivedReading()->opened < count;
+        if (const std::function<void()>& next = is_found ? after : none; next) {
+            next();
+        }
+    };
+    StartOpening(tree, std::move(plan), finding);
+}
 
 void RescanTree(GtkTreeView* tree, const std::string& path)
 {
-    std::string directory = path;
-    GtkTreeIter node;
-    if (tree == nullptr || !GetPathNode(tree, directory, &node)) {
-        return;
-    }
-    const SelectionPause pause(tree);
-    std::string selected;
-    const bool had_selection = GetTreeSelect(tree, nullptr, &selected);
-    const bool was_expanded = gtk_tree_view_row_expanded(tree, TreeWalk(tree).PathOf(node).get());
-    RemoveChildren(tree, &node);
-    CreateChildtree(tree, &node);
-    if (was_expanded) {
-        ExpandNode(tree, node);
-    }
-    if (had_selection) {
-        RestoreSelection(tree, selected);
+    if (tree != nullptr && CheckChildDirectory(path) == 0) {
+        StartOpening(tree, {}, {.rescan = {WithSlash(path)}});
     }
 }
 
@@ -330,19 +457,10 @@ std::vector<std::string> ListExpandedPaths(GtkTreeView* tree)
 
 void RebuildTree()
 {
-    GtkTreeView* const tree = MainTree();
-    {
-        const SelectionPause pause(tree);
-        std::vector<std::string> expanded = ListExpandedPaths(tree);
-        RescanTree(tree, pGTable->RootDir);
-        for (std::string& path : expanded) {
-            GtkTreeIter node;
-            if (GetPathNode(tree, path, &node)) {
-                ExpandNode(tree, node);
-            }
-        }
-    }
-    OpenChildTree(tree, pGTable->CurrentDir, EXPAND_LAST_NO);
+    VisitPlan plan;
+    plan.open = {pGTable->CurrentDir};
+    plan.expand = ListExpandedPaths(MainTree());
+    StartOpening(MainTree(), std::move(plan), {.rescan = {pGTable->RootDir}});
 }
 
 void ConnectTreeSelectSignal()

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/fnktable.h"
+#include "kit/fnkcommand.h"
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-view.h"
 #include "model/fnkfiles-dragtext.h"
@@ -148,7 +149,7 @@ gboolean on_Pane_drag_motion(GtkWidget*, GdkDragContext*, int, int, guint, gpoin
 /// False while a command or a dialog runs.
 bool CanAcceptDrop()
 {
-    return pGTable != nullptr && gtk_grab_get_current() == nullptr;
+    return pGTable != nullptr && !IsBusy();
 }
 
 gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, int y, guint time, gpointer data)

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/fnktable.h"
+#include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-view.h"
 #include "panes/fnkdirtree.h"
@@ -120,13 +121,12 @@ void EndWatch(gpointer data)
 gboolean RefreshWatched(gpointer data)
 {
     auto* const watch = static_cast<Watch*>(data);
-    if (pGTable != nullptr && gtk_grab_get_current() != nullptr) {
+    if (pGTable != nullptr && IsBusy()) {
         return G_SOURCE_CONTINUE;
     }
     watch->refresh = 0;
     if (pGTable != nullptr && pGTable->CurrentDir == watch->path) {
-        RescanTree(MainTree(), pGTable->CurrentDir);
-        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO);
+        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO, {.rescan = {pGTable->CurrentDir}});
     }
     return G_SOURCE_REMOVE;
 }

@@ -1,5 +1,7 @@
 #include "panes/fnkfilelist-model.h"
 
+#include <utility>
+
 #include "model/fnkfilelist-sort.h"
 
 struct _FnkListModel {
@@ -145,6 +147,12 @@ FnkListModel* NewListModel()
 FileRows& ModelRows(FnkListModel* model)
 {
     return *model->rows;
+}
+
+void SetModelRows(FnkListModel* model, FileRows rows)
+{
+    *model->rows = std::move(rows);
+    ++model->stamp;
 }
 
 std::vector<int> SortModelRows(FnkListModel* model)

@@ -14,6 +14,8 @@ FnkListModel* NewListModel();
 
 /// Rows may be added and removed only while no view uses the model.
 FileRows& ModelRows(FnkListModel* model);
+/// Replaces the rows, which are in their order, while no view uses the model.
+void SetModelRows(FnkListModel* model, FileRows rows);
 /// Sorts the rows. Returns the old position of each row; the caller must pass it on to the views.
 std::vector<int> SortModelRows(FnkListModel* model);
 std::size_t ModelRowIndex(const GtkTreeIter* iter);

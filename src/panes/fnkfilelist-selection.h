@@ -3,6 +3,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,9 @@
 /// Callbacks of the file list. The main window sets them once at start.
 struct FileListEvents {
     void (*SelectionChanged)() = nullptr;
-    /// A row was activated that is not a directory.
-    void (*FileActivated)(const std::string& path) = nullptr;
+    /// A row was activated that is not a directory. If that leads to one, calls entered, unless it is
+    /// null, once the directory is shown.
+    void (*FileActivated)(const std::string& path, const std::function<void()>& entered) = nullptr;
 };
 extern FileListEvents OnFileList;
 

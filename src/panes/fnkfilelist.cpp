@@ -1,14 +1,17 @@
 #include "panes/fnkfilelist.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
+#include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
 #include "model/fnkfilelist-sort.h"
+#include "panes/fnkdirtree-visit.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist-columns.h"
 #include "panes/fnkfilelist-drag.h"
@@ -35,7 +38,7 @@ bool MayHaveAccessibleRows()
 
 void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
 {
-    if (pGTable != nullptr) {
+    if (pGTable != nullptr && !IsBusy()) {
         ActivateListRow(static_cast<std::size_t>(gtk_tree_path_get_indices(path)[0]));
     }
 }
@@ -121,13 +124,13 @@ void ScrollRowToTop(GtkTreeView* list, int row)
     // The view shows a new model from the top, but the adjustment keeps its old value. Scrolling to
     // that value would do nothing.
     gtk_adjustment_set_value(gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(list)), 0);
+    // Rows that have not been measured have no position. Asking for the preferred width makes the view
+    // measure the first row and give all rows its height.
+    int width = 0;
+    gtk_widget_get_preferred_width(GTK_WIDGET(list), &width, nullptr);
     if (row < 0 || row >= static_cast<int>(ListRows().Count())) {
         return;
     }
-    // Rows that have not been measured have no position to scroll to. Asking for the preferred width
-    // makes the view measure the first row and give all rows its height.
-    int width = 0;
-    gtk_widget_get_preferred_width(GTK_WIDGET(list), &width, nullptr);
     const TreePath path(gtk_tree_path_new_from_indices(row, -1));
     gtk_tree_view_scroll_to_cell(list, path.get(), nullptr, TRUE, 0.0F, 0.0F);
 }
@@ -167,20 +170,16 @@ GtkWidget* CreateFileList(GtkWidget* paned)
 
 namespace {
 
-/// Replaces the rows with those of a directory, or with none if path is null. Then scrolls so that row
+/// Replaces the rows with those that were read, or with none if read is null. Then scrolls so that row
 /// scroll_to is at the top.
-void ReplaceRows(const std::string* path, int scroll_to)
+void ReplaceRows(FileRows* read, int scroll_to)
 {
     GtkTreeView* const list = MainList();
     FnkListModel* const model = MainListModel();
     {
         ListSelectionBatch batch;
         gtk_tree_view_set_model(list, nullptr);
-        ModelRows(model).Clear();
-        if (path != nullptr) {
-            ReadFileRows(*path, ModelRows(model));
-        }
-        SortModelRows(model);
+        SetModelRows(model, read != nullptr ? std::move(*read) : FileRows());
         gtk_tree_view_set_model(list, GTK_TREE_MODEL(model));
         UpdateSortArrows(list);  // Detaching the model has removed them.
         pMainW->ListAnchor = -1;
@@ -193,21 +192,48 @@ void ReplaceRows(const std::string* path, int scroll_to)
 
 int DisplayFileList(const std::string& path)
 {
-    if (MainList() != nullptr && IsDirectory(path)) {
-        ReplaceRows(&path, path == pGTable->CurrentDir ? FirstVisibleRow(MainList()) : -1);
+    if (MainList() == nullptr) {
+        return 0;
+    }
+    VisitReading* const reading = ArrivedReading();
+    if (reading == nullptr || reading->list != path) {
+        VisitPlan plan;
+        plan.list = path;
+        StartTreeVisit(
+            MainTree(), plan, [path] { DisplayFileList(path); }, nullptr);
+    } else if (reading->is_list_there) {
+        ReplaceRows(&reading->rows, path == pGTable->CurrentDir ? FirstVisibleRow(MainList()) : -1);
     }
     return 0;
 }
 
-void EmptyFileList()
+void EnterFileList()
 {
+    VisitReading* const reading = ArrivedReading();
     if (MainList() != nullptr) {
-        ReplaceRows(nullptr, -1);
+        ReplaceRows(reading != nullptr && reading->is_list_there ? &reading->rows : nullptr, -1);
+    }
+}
+
+void ShowListDetails(const std::string& directory, const RowDetails& details)
+{
+    if (MainList() == nullptr || pGTable->CurrentDir != directory) {
+        return;
+    }
+    ModelRows(MainListModel()).SetDetails(details);
+    gtk_widget_queue_draw(GTK_WIDGET(MainList()));
+    const int column = EffectiveSortColumn() - 1;
+    const int kind = column >= 0 ? pGTable->ColumnPosition[static_cast<std::size_t>(column)] : COLUMN_NAME;
+    if (kind == COLUMN_USER || kind == COLUMN_GROUP) {
+        SortFileList();
     }
 }
 
 void on_FileList_click_column(int column)
 {
+    if (IsBusy()) {
+        return;
+    }
     if (column == pGTable->SortColumn) {
         pGTable->SortType = pGTable->SortType == SORT_ASCENDING ? SORT_DESCENDING : SORT_ASCENDING;
     } else {
@@ -253,7 +279,7 @@ void ShowListRow(const std::string& name)
     }
 }
 
-void ActivateListRow(std::size_t index)
+void ActivateListRow(std::size_t index, const std::function<void()>& entered)
 {
     const FileRows& rows = ListRows();
     if (index >= rows.Count()) {
@@ -262,16 +288,16 @@ void ActivateListRow(std::size_t index)
     if (rows.IsParentRow(index)) {
         const std::string parent = GetParentDirectory(pGTable->CurrentDir);
         if (pGTable->CurrentDir != pGTable->RootDir && !parent.empty()) {
-            OpenChildTree(MainTree(), parent, EXPAND_LAST_YES);
+            OpenChildTree(MainTree(), parent, EXPAND_LAST_YES, {.after = entered});
         }
         return;
     }
     const std::string path = ListRowPath(index);
     if (path.size() > kMaxPathBytes) {
-        FileExistMessageBox(PATH_TOO_LONG, nullptr);
+        StartCommand([] { FileExistMessageBox(PATH_TOO_LONG, nullptr); });
     } else if (rows.Row(index).is_directory) {
-        OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
+        OpenChildTree(MainTree(), path, EXPAND_LAST_YES, {.after = entered});
     } else if (OnFileList.FileActivated != nullptr) {
-        OnFileList.FileActivated(path);
+        StartCommand([path, entered] { OnFileList.FileActivated(path, entered); });
     }
 }

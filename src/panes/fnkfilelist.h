@@ -4,6 +4,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,12 +15,15 @@
 GtkWidget* CreateFileList(GtkWidget* paned);
 
 /// Fills the list with the entries of path, which ends in "/". Does nothing if path is not a
-/// directory. Always returns 0.
+/// directory. Reads it first, unless it has just been read; see StartVisit. Always returns 0.
 int DisplayFileList(const std::string& path);
 
-/// Removes all rows. Needed when CurrentDir is not a directory: ListRowPath would combine CurrentDir
-/// with the names in the old rows.
-void EmptyFileList();
+/// Fills the list, from its top, with the entries of the directory that was just read. Leaves no rows if
+/// it is none: ListRowPath would combine CurrentDir with the names in the old rows.
+void EnterFileList();
+
+/// Shows what took longer to learn of the entries of a directory, if it is still shown.
+void ShowListDetails(const std::string& directory, const RowDetails& details);
 
 /// Sorts by the column; reverses the order if it is the sort column already.
 void on_FileList_click_column(int column);
@@ -30,8 +34,9 @@ void SortFileList();
 /// Scrolls to the row of that name, if there is one.
 void ShowListRow(const std::string& name);
 
-/// Does what a double click on the row does: opens the entry, or the parent directory for "..".
-void ActivateListRow(std::size_t index);
+/// Does what a double click on the row does: opens the entry, or the parent directory for "..". Calls
+/// entered once a directory is shown.
+void ActivateListRow(std::size_t index, const std::function<void()>& entered = {});
 
 /// Widths of the detail columns in pixels.
 std::vector<int> ListColumnWidths();

@@ -37,7 +37,7 @@ GtkWidget* CreateLocationBar(GtkWidget* box)
 
 void on_LocationComboEntry_activate(GtkWidget* entry, gpointer)
 {
-    if (pGTable == nullptr) {
+    if (pGTable == nullptr || IsModal()) {
         return;
     }
     const std::string path = GetEntryBytes(entry);

@@ -176,10 +176,12 @@ bool AddDirectoryTree(GtkWidget* vbox, DirSelection& state)
 void OpenStartingDirectory(const DirSelection& state)
 {
     const std::string path = GetStartingDirectory(state.caller_entry);
-    if (!path.empty()) {
-        OpenChildTree(state.tree, path, EXPAND_LAST_YES);
-        SetEntryBytes(state.entry, path);
-    }
+    OpenChildTree(state.tree, path.empty() ? pGTable->RootDir : path, EXPAND_LAST_YES,
+                  {.after = [entry = state.entry, path] {
+                      if (!path.empty()) {
+                          SetEntryBytes(entry, path);
+                      }
+                  }});
 }
 
 void on_DirBrowseButton_clicked(GtkWidget*, gpointer combo)

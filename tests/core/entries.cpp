@@ -109,7 +109,6 @@ TEST_F(Entries, TypeOfWhatIsThere)
         files.Link(name, target);
     }
     using Types = std::pair<FileType, std::vector<const char*>>;
-    const Descriptor directory(open(files.Path().c_str(), O_RDONLY | O_DIRECTORY));
     for (const auto& [type, names] :
          {Types(FT_CORE, {"Core"}), Types(FT_DIRECTORY, {"dir"}), Types(FT_NORMAL, {"file", "core.txt"}),
           Types(FT_EXECUTE, {"run"}), Types(FT_FIFO, {"fifo"}), Types(FT_SOCKET, {"socket"}),
@@ -120,7 +119,6 @@ TEST_F(Entries, TypeOfWhatIsThere)
             struct stat st = {};
             ASSERT_EQ(lstat(path.c_str(), &st), 0);
             EXPECT_EQ(GetFileType(path, st), type) << name;
-            EXPECT_EQ(GetFileTypeAt(directory.Get(), name, st, GetUserIds()), type) << name;
             EXPECT_EQ(IsDirectory(path), S_ISDIR(st.st_mode) ? 1 : 0) << name;
         }
     }

@@ -110,6 +110,7 @@ TEST_F(Rows, CellTexts)
     st.st_uid = 4294967294;
     st.st_gid = 4294967293;
     rows.Add("b", st, FT_NORMAL);
+    rows.SetDetails({.links = {}, .users = {{0, "root"}}, .groups = {{0, "root"}}});
     using Case = std::tuple<int, const char*, const char*>;
     for (const auto& [column, first, second] :
          {Case(COLUMN_NAME, "mad\xEF\xBF\xBD", "b"), Case(COLUMN_SIZE, "5120MByte", "5120MByte"),
@@ -132,7 +133,7 @@ protected:
         EXPECT_EQ(ScanSubdirectories(directory, found), expected);
         std::string text;
         for (const Subdirectory& child : found) {
-            text += child.name + "(" + child.any_child + ") ";
+            text += child.name + "(" + child.any_child.value_or("?") + ") ";
         }
         return text;
     }

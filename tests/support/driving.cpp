@@ -199,6 +199,7 @@ void DuringDialogs(const std::function<void()>& open, const DialogActs& acts)
     {
         const Deadline deadline(CloseLeftDialog);
         open();
+        Settle();  // Commands start from the main loop.
     }
     EXPECT_EQ(queue.next, acts.size()) << "fewer dialogs than acts";
     if (queue.source != 0) {

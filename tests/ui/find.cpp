@@ -81,9 +81,7 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
     MakeMany(100, "d\xFF/e/");
     Start();
     const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"x*", "0:0:0:0", "d\xFF/"},  // The nearest directory that the tree shows.
-        {"x*", "0", ""},
-        {"x*", "0:0:1:0", "d\xFF/e/"}};
+        {"x*", "0:0:0:0", "d\xFF/.h/"}, {"x*", "0", ""}, {"x*", "0:0:1:0", "d\xFF/e/"}};
     for (const auto& [pattern, chosen, shown] : cases) {
         Visit("d\xFF");
         Ask(MENU_FIND_FILE, {[name = pattern](GtkWidget* dialog) {

@@ -27,7 +27,7 @@ TEST_F(Tree, OpensAPathAsFarAsItExists)
     Steps(
         "open beta = beta/ - -; visit beta/ = beta/ - +; visit Zeta/one/two/three = Zeta/one/two/three/ - -;"
         "open file = . - +; visit only-files/file = only-files/ - -; open Zeta/gone/further = Zeta/ - +;"
-        "open link/x = . - +; open .hidden/below = . - +; open alpha// = alpha/ - -");
+        "open link/x = . - +; open .hidden/below = .hidden/below/ - -; open alpha// = alpha/ - -");
     const std::string root = files.Path();
     for (const std::string& path : Names{"/", root.substr(0, root.size() - 2)}) {
         OpenChildTree(MainTree(), path, EXPAND_LAST_YES);
