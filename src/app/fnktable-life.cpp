@@ -2,13 +2,16 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 #include "core/fnkfiles-associations.h"
 #include "core/fnkfiles-settings.h"
 #include "core/fnktable.h"
+#include "core/fnkthread.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkprogress.h"
 #include "kit/fnkutil-picture.h"
@@ -20,6 +23,8 @@
 namespace {
 
 constexpr int kStartError = -65533;
+/// How long start and exit wait for the disk of the settings.
+constexpr std::chrono::milliseconds kSettingsPatience{500};
 
 bool IsJapaneseLocale()
 {
@@ -48,10 +53,17 @@ int InitGlobalTable()
     if (pGTable->OpenDirPixmap == nullptr || pGTable->CloseDirPixmap == nullptr) {
         return kStartError;
     }
-    GetGTable();
-    pGTable->IsLoaded = true;
-    ReadAppInfo("[Extension]", &pGTable->ExtensionList);
-    ReadAppInfo("[Application]", &pGTable->ApplicationList);
+    const auto read = [] {
+        GetGTable();
+        ReadAppInfo("[Extension]", &pGTable->ExtensionList);
+        ReadAppInfo("[Application]", &pGTable->ApplicationList);
+        return *pGTable;
+    };
+    // Without the settings this session starts with the defaults, and does not write over the file.
+    if (std::optional<GTable> loaded = TryFor(kSettingsPatience, read)) {
+        *pGTable = std::move(*loaded);
+        pGTable->IsLoaded = true;
+    }
     return 0;
 }
 
@@ -60,7 +72,7 @@ void TerminateGlobalTable()
     if (pGTable != nullptr && pGTable->IsLoaded) {
         const LiveLayout layout = ReadLiveLayout != nullptr ? ReadLiveLayout() : LiveLayout();
         HideMainWindow();
-        SetGTable(layout);
+        TryFor(kSettingsPatience, [layout] { return SetGTable(layout); });
     }
     // Clear the pointers first: callbacks can run while the contents are released.
     GTable* const table = std::exchange(pGTable, nullptr);

@@ -1,44 +1,59 @@
 #include "app/fnktable-start.h"
 
+#include <glib.h>
+
+#include <chrono>
+#include <optional>
+#include <vector>
+
+#include "core/fnkraii.h"
 #include "core/fnktable.h"
+#include "core/fnkthread.h"
 #include "core/fnkutil.h"
 
 namespace {
 
-std::string ArgumentAt(int argc, char** argv, int index)
-{
-    return index < argc ? argv[index] : "";
-}
+using Arguments = std::vector<std::string>;
+
+/// How long to wait for a directory of the command line before it is taken as it is.
+constexpr std::chrono::milliseconds kPatience{200};
+
+enum Trust { TRUST_NOTHING, TRUST_ARGUMENTS };
 
 /// Makes the relative path of a directory absolute. Anything else stays as typed, also a link to a
-/// directory: IsDirectory does not follow it.
-std::string DirectoryArgument(int argc, char** argv, int index)
+/// directory: IsDirectory does not follow it. Trusted arguments are not looked at.
+std::string DirectoryArgument(const Arguments& arguments, std::size_t index, Trust trust)
 {
-    const std::string argument = ArgumentAt(argc, argv, index);
-    if (argument.empty() || argument.front() == '/' || !IsDirectory(argument)) {
+    const std::string argument = index < arguments.size() ? arguments[index] : "";
+    if (argument.empty() || argument.front() == '/') {
         return argument;
     }
-    const std::string real = GetRealDirectory(argument);
+    if (trust == TRUST_ARGUMENTS) {
+        return GlibPointer<char>(g_canonicalize_filename(argument.c_str(), nullptr)).get();
+    }
+    const std::string real = IsDirectory(argument) ? GetRealDirectory(argument) : "";
     return real.empty() ? argument : real;
 }
 
-}  // namespace
+bool IsUsable(const std::string& directory, Trust trust)
+{
+    return !directory.empty() && WithSlash(directory).size() <= kMaxPathBytes &&
+           (trust == TRUST_ARGUMENTS || IsDirectory(directory));
+}
 
-CommandLine ParseCommandLine(int argc, char** argv)
+CommandLine Parse(const Arguments& arguments, Trust trust)
 {
     CommandLine result;
-    const std::string option = ArgumentAt(argc, argv, 1);
+    const std::string option = arguments.size() > 1 ? arguments[1] : "";
     if (option == "--version") {
         result.is_version_requested = true;
     } else if (option == "--root") {
         result.root = "/";
-        result.start = DirectoryArgument(argc, argv, 2);
+        result.start = DirectoryArgument(arguments, 2, trust);
     } else if (option == "--home") {
-        const std::string root = DirectoryArgument(argc, argv, 2);
-        if (!root.empty() && WithSlash(root).size() <= kMaxPathBytes && IsDirectory(root)) {
-            result.root = root;
-        }
-        result.start = DirectoryArgument(argc, argv, 3);
+        const std::string root = DirectoryArgument(arguments, 2, trust);
+        result.root = IsUsable(root, trust) ? root : "";
+        result.start = DirectoryArgument(arguments, 3, trust);
     }
     if (result.root.empty()) {
         result.root = GetHomeDirectory();
@@ -47,12 +62,23 @@ CommandLine ParseCommandLine(int argc, char** argv)
     return result;
 }
 
+}  // namespace
+
+CommandLine ParseCommandLine(int argc, char** argv)
+{
+    const Arguments arguments(argv, argv + argc);
+    const std::optional<CommandLine> parsed =
+        TryFor(kPatience, [arguments] { return Parse(arguments, TRUST_NOTHING); });
+    return parsed ? *parsed : Parse(arguments, TRUST_ARGUMENTS);
+}
+
 void SetStartDirectories(const CommandLine& command_line)
 {
     pGTable->RootDir = command_line.root;
     const std::string& start = command_line.start;
-    if (!start.empty() && WithSlash(start).size() <= kMaxPathBytes && IsDirectory(start) &&
-        CheckChildDirectory(start) == 0) {
+    const auto check = [start] { return IsUsable(start, TRUST_NOTHING); };
+    if (IsUsable(start, TRUST_ARGUMENTS) && CheckChildDirectory(start) == 0 &&
+        TryFor(kPatience, check).value_or(true)) {
         pGTable->StartDir = WithSlash(start);
     }
 }

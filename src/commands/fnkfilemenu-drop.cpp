@@ -4,6 +4,7 @@
 #include "commands/fnkfilemenu-targets.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkprogress.h"
 #include "panes/fnkdirtree.h"
 
 namespace {
@@ -30,7 +31,8 @@ std::function<void()> UIFileDragDrop(const std::vector<std::string>& items, cons
         return nullptr;
     }
     const std::string& first = items.front();
-    if (GetParentDirectory(first) == destination || first == destination || !IsDirectory(destination)) {
+    if (GetParentDirectory(first) == destination || first == destination ||
+        !WaitFor(destination, [destination] { return IsDirectory(destination); }).value_or(false)) {
         return nullptr;
     }
     const PopupChoice choice = AskAtPointer();

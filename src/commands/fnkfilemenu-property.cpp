@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <memory>
+
 #include "commands/fnkfilemenu-property-pages.h"
 #include "commands/fnkfilemenu-targets.h"
 #include "core/fnkfiles-place.h"
@@ -107,15 +109,41 @@ int CreatePropertyDlg()
 
 namespace {
 
-/// The name of the type. For a link also its target, as stored in the link.
-std::string DescribeType(const std::string& path, const struct stat& st, FileType type)
+/// What the disk and the system's tables say of the entry.
+struct PropertyReading {
+    struct stat st = {};
+    FileType type = FT_NORMAL;
+    std::string link_target;  ///< As stored in the link.
+    std::string owner;
+    std::string group;
+    History groups;
+};
+
+/// Runs in a thread. Nothing if the entry does not exist.
+std::shared_ptr<PropertyReading> ReadProperty(const std::string& path)
 {
-    const char* const text = gettext(kTypes[type].text);
-    if (!S_ISLNK(st.st_mode)) {
-        return text;
+    const auto reading = std::make_shared<PropertyReading>();
+    if (lstat(path.c_str(), &reading->st) != 0) {
+        return nullptr;
     }
-    const GlibPointer<char> target(g_file_read_link(path.c_str(), nullptr));
-    return FormatText(_("%s (Exist file:%s)"), text, DisplayText(target != nullptr ? target.get() : "").c_str());
+    reading->type = GetFileType(path, reading->st);
+    if (S_ISLNK(reading->st.st_mode)) {
+        const GlibPointer<char> target(g_file_read_link(path.c_str(), nullptr));
+        reading->link_target = target != nullptr ? target.get() : "";
+    }
+    reading->owner = FindUserName(reading->st.st_uid);
+    reading->group = FindGroupName(reading->st.st_gid);
+    reading->groups = ListOfferedGroups(reading->st.st_gid);
+    return reading;
+}
+
+/// The name of the type. For a link also its target.
+std::string DescribeType(const PropertyReading& reading)
+{
+    const char* const text = gettext(kTypes[reading.type].text);
+    return S_ISLNK(reading.st.st_mode)
+               ? FormatText(_("%s (Exist file:%s)"), text, DisplayText(reading.link_target).c_str())
+               : text;
 }
 
 void SetText(GtkWidget* label, const std::string& text)
@@ -132,11 +160,11 @@ void ShowName(const PropertyDlgData* data)
     SetText(data->PathLabel, DisplayText(GetParentDirectory(data->Path)));
 }
 
-void ShowStatistics(const PropertyDlgData* data, const struct stat& st)
+void ShowStatistics(const PropertyDlgData* data, const PropertyReading& reading)
 {
-    const FileType type = GetFileType(data->Path, st);
-    ShowPicture(data->Icon, kTypes[type].icon);
-    SetText(data->TypeLabel, DescribeType(data->Path, st, type));
+    const struct stat& st = reading.st;
+    ShowPicture(data->Icon, kTypes[reading.type].icon);
+    SetText(data->TypeLabel, DescribeType(reading));
     SetText(data->SizeLabel, FormatText(_("%s (%lldByte)"), ConvertSize(static_cast<std::uint64_t>(st.st_size)).c_str(),
                                         static_cast<long long>(st.st_size)));
     SetText(data->ChangedLabel, GetFormatTime(st.st_ctime, true).value_or(""));
@@ -159,20 +187,23 @@ void ShowToggles(const PropertyDlgData* data, mode_t mode)
 int SetFileProperty(PropertyDlgData* data)
 {
     std::vector<std::string> paths;
-    struct stat st = {};
-    if (GetFileOperationString(paths, nullptr) == SELECTION_NONE || !CheckFileOperationPaths(paths) ||
-        lstat(paths.front().c_str(), &st) != 0) {
+    if (GetFileOperationString(paths, nullptr) == SELECTION_NONE || !CheckFileOperationPaths(paths)) {
         return kArgumentError;
     }
     data->Path = paths.front();
+    const auto read = WaitFor(data->Path, [path = data->Path] { return ReadProperty(path); });
+    if (!read || *read == nullptr) {
+        return kArgumentError;
+    }
+    const PropertyReading& reading = **read;
     ShowName(data);
-    ShowStatistics(data, st);
-    ShowToggles(data, st.st_mode);
-    data->Stat = st;
+    ShowStatistics(data, reading);
+    ShowToggles(data, reading.st.st_mode);
+    data->Stat = reading.st;
     SetCurrentMode(data);
-    SetEntryBytes(data->OwnerEntry, FindUserName(st.st_uid));
-    SetComboStrings(data->GroupCombo, ListOfferedGroups(st.st_gid));
-    SetEntryBytes(GroupEntry(data), FindGroupName(st.st_gid));
+    SetEntryBytes(data->OwnerEntry, reading.owner);
+    SetComboStrings(data->GroupCombo, reading.groups);
+    SetEntryBytes(GroupEntry(data), reading.group);
     CheckPermission(data);
     return 0;
 }

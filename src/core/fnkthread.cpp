@@ -62,6 +62,40 @@ struct Struck {
     ~Struck() { Strike(); }
 };
 
+/// Runs work in this thread and in as many helpers, or fewer if there are too many threads.
+void Share(std::size_t helper_count, const std::function<void()>& work)
+{
+    std::atomic<bool> has_failed = false;
+    const auto run = [&work, &has_failed] {
+        try {
+            work();
+        } catch (...) {
+            has_failed = true;
+        }
+    };
+    std::vector<std::thread> helpers;
+    helpers.reserve(helper_count);
+    while (helpers.size() < helper_count && Enrol(kMaxThreads - kReserve)) {
+        try {
+            helpers.emplace_back([&run, table = pGTable] {
+                const Struck struck;
+                pGTable = table;
+                run();
+            });
+        } catch (const std::system_error&) {
+            Strike();
+            break;
+        }
+    }
+    run();
+    for (std::thread& helper : helpers) {
+        helper.join();
+    }
+    if (has_failed) {
+        throw std::bad_alloc();  // Nothing else is thrown by what reads a disk.
+    }
+}
+
 }  // namespace
 
 int StartThread(std::function<void()> body)
@@ -70,7 +104,8 @@ int StartThread(std::function<void()> body)
         return EAGAIN;
     }
     try {
-        std::thread([table = std::make_unique<GTable>(*pGTable), run = std::move(body)]() mutable {
+        std::thread([table = pGTable != nullptr ? std::make_unique<GTable>(*pGTable) : nullptr,
+                     run = std::move(body)]() mutable {
             const Struck struck;
             pGTable = table.get();
             run();
@@ -114,42 +149,23 @@ void ForEachIndex(std::size_t count, const std::atomic<bool>& stopped, const std
         }
         return Clock::now() - start > kSlowCall;
     };
-    // Two calls: the first may have had to wake a disk.
-    const bool slow = is_slow() && is_slow();
+    const bool slow = is_slow();
     if (!slow && count < kFewIndices) {
         take(count);
         return;
     }
     const std::size_t piece = slow ? 1 : kPiece;
     const std::size_t wanted = std::min<std::size_t>(slow ? kManyThreads : 2, count) - 1;
-    std::atomic<bool> has_failed = false;
-    std::vector<std::thread> helpers;
-    helpers.reserve(wanted);
-    while (helpers.size() < wanted && Enrol(kMaxThreads - kReserve)) {
-        try {
-            helpers.emplace_back([&, table = pGTable] {
-                const Struck struck;
-                pGTable = table;
-                try {
-                    take(piece);
-                } catch (...) {
-                    has_failed = true;
-                }
-            });
-        } catch (const std::system_error&) {
-            Strike();
-            break;  // This thread does the work alone, then.
+    Share(wanted, [&take, piece] { take(piece); });
+}
+
+void DoBoth(const std::function<void()>& one, const std::function<void()>& other)
+{
+    std::atomic<int> next = 0;
+    const auto take = [&] {
+        for (int i = next++; i < 2; i = next++) {
+            (i == 0 ? one : other)();
         }
-    }
-    try {
-        take(piece);
-    } catch (...) {
-        has_failed = true;
-    }
-    for (std::thread& helper : helpers) {
-        helper.join();
-    }
-    if (has_failed) {
-        throw std::bad_alloc();  // Nothing else is thrown by what reads a disk.
-    }
+    };
+    Share(1, take);
 }

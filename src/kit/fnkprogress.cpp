@@ -148,7 +148,9 @@ GtkWidget* CreateProgressDlg(const Run& run)
     g_signal_connect(dialog, "delete-event", G_CALLBACK(on_delete_event), cancel);
     g_signal_connect(cancel, "clicked", G_CALLBACK(on_ProgressCancelButton_clicked), nullptr);
     gtk_widget_show(dialog);
-    gtk_grab_add(dialog);
+    if (run.has_steps || gtk_grab_get_current() != nullptr) {
+        gtk_grab_add(dialog);
+    }
     return dialog;
 }
 
@@ -209,12 +211,63 @@ gboolean on_Progress_tick(gpointer data)
     return G_SOURCE_CONTINUE;
 }
 
+bool IsInput(GdkEventType type)
+{
+    switch (type) {
+    case GDK_MOTION_NOTIFY:
+    case GDK_BUTTON_PRESS:
+    case GDK_2BUTTON_PRESS:
+    case GDK_3BUTTON_PRESS:
+    case GDK_BUTTON_RELEASE:
+    case GDK_KEY_PRESS:
+    case GDK_KEY_RELEASE:
+    case GDK_SCROLL:
+    case GDK_TOUCH_BEGIN:
+    case GDK_TOUCH_UPDATE:
+    case GDK_TOUCH_END:
+    case GDK_DELETE:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Keeps input from the windows that were there when the run began. A grab would, too, but the main
+/// window must hear that it is to close. A dialog that shows progress has a grab all the same: a click
+/// elsewhere raises it.
+void FilterEvent(GdkEvent* event, gpointer windows)
+{
+    const auto& blocked = *static_cast<const std::vector<GtkWidget*>*>(windows);
+    GtkWidget* const widget = gtk_get_event_widget(event);
+    GtkWidget* const window = widget != nullptr ? gtk_widget_get_toplevel(widget) : nullptr;
+    const bool is_blocked = std::find(blocked.begin(), blocked.end(), window) != blocked.end();
+    if (!is_blocked || !IsInput(event->type) || pMainW == nullptr) {
+        gtk_main_do_event(event);
+    } else if (event->type == GDK_DELETE && window == pMainW->MainWindow) {
+        gtk_widget_event(window, event);
+    } else if (event->type == GDK_KEY_PRESS && event->key.keyval == GDK_KEY_Escape) {
+        on_ProgressCancelButton_clicked(nullptr, nullptr);
+    } else if (event->type != GDK_DELETE && pGTable->ProgressBar != nullptr) {
+        gtk_main_do_event(event);
+    }
+}
+
+std::vector<GtkWidget*> ListWindows()
+{
+    GList* const windows = gtk_window_list_toplevels();
+    std::vector<GtkWidget*> list;
+    for (const GList* window = windows; window != nullptr; window = window->next) {
+        list.push_back(GTK_WIDGET(window->data));
+    }
+    g_list_free(windows);
+    return list;
+}
+
 /// Waits in a main loop of its own, in which the dialog alone takes input.
 void WaitInLoop(Run& run)
 {
-    GtkWidget* const guard = gtk_invisible_new();
-    gtk_widget_show(guard);
-    gtk_grab_add(guard);
+    std::vector<GtkWidget*> windows = ListWindows();
+    gdk_event_handler_set(FilterEvent, &windows, nullptr);
     run.loop = g_main_loop_new(nullptr, FALSE);
     UpdateDialog(run);
     const guint tick = g_timeout_add(kTickMilliseconds, on_Progress_tick, &run);
@@ -224,8 +277,7 @@ void WaitInLoop(Run& run)
     g_source_remove(tick);
     g_main_loop_unref(std::exchange(run.loop, nullptr));
     DestroyProgressDlg();
-    gtk_grab_remove(guard);
-    gtk_widget_destroy(guard);
+    gdk_event_handler_set([](GdkEvent* event, gpointer) { gtk_main_do_event(event); }, nullptr, nullptr);
 }
 
 bool IsLeft()

@@ -1,8 +1,16 @@
 #include "model/fnkdirtree-visit.h"
 
-#include <algorithm>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <string_view>
+
+#include "core/fnkraii.h"
 #include "core/fnktable.h"
+#include "core/fnkthread.h"
 #include "core/fnkutil.h"
 #include "model/fnkfilelist-sort.h"
 
@@ -22,22 +30,40 @@ void Scan(const std::string& directory, VisitReading& reading, const std::atomic
     }
 }
 
+/// Whether path is a directory below RootDir to which no link leads. One call in place of one for each
+/// level, where the system can tell.
+bool IsPlainPath(const std::string& path)
+{
+    const std::size_t root = pGTable->RootDir.size();
+    if (path.size() <= root) {
+        return false;
+    }
+    struct open_how how = {};
+    how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    how.resolve = RESOLVE_NO_SYMLINKS | RESOLVE_BENEATH;
+    const Descriptor top(open(pGTable->RootDir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor found(static_cast<int>(syscall(SYS_openat2, top.Get(), path.c_str() + root, &how, sizeof how)));
+    return static_cast<bool>(found);
+}
+
 /// Finds the directories on path that exist, from RootDir down.
 void FollowPath(const std::string& path, VisitReading& reading, const std::atomic<bool>& stopped)
 {
     reading.way = {pGTable->RootDir};
     reading.is_target = true;
+    const bool is_plain = IsPlainPath(path);
     const std::string target = WithSlash(path);
     std::size_t begin = std::min(pGTable->RootDir.size(), target.size());
     for (const char* slash = CharNext(target.c_str() + begin, '/'); slash != nullptr && !stopped;
          slash = CharNext(target.c_str() + begin, '/')) {
         const std::size_t end = static_cast<std::size_t>(slash - target.c_str());
-        const std::string next = reading.way.back() + target.substr(begin, end - begin);
+        const std::string name = target.substr(begin, end - begin);
+        const std::string next = reading.way.back() + name;
         begin = end + 1;
-        if (next == reading.way.back()) {
+        if (name.empty()) {
             continue;  // Two slashes.
         }
-        reading.is_target = IsDirectory(next);
+        reading.is_target = !IsDotOrDotDot(name.c_str()) && (is_plain || IsDirectory(next));
         if (!reading.is_target) {
             return;
         }
@@ -52,21 +78,45 @@ bool IsBelowAny(const std::string& path, const std::vector<std::string>& directo
     });
 }
 
-/// Scans the directories on the way whose nodes are not displayed yet.
-void ScanWay(const VisitPlan& plan, VisitReading& reading, const std::atomic<bool>& stopped)
+/// Lists the directories on the way whose nodes are not displayed yet.
+std::vector<std::string> ListUnscanned(const VisitPlan& plan, const VisitReading& reading)
 {
     const auto has = [&reading](const std::set<std::string>& nodes, const std::string& directory) {
         return nodes.contains(directory) && !IsBelowAny(directory, reading.rescanned);
     };
+    std::vector<std::string> unscanned;
     for (std::size_t i = 0; i < reading.way.size(); ++i) {
         const std::string& directory = reading.way[i];
         const bool is_last = i + 1 == reading.way.size();
         const bool is_left_collapsed = is_last && plan.expand_last == EXPAND_LAST_NO && reading.is_target && i != 0;
         if ((!is_left_collapsed && !has(plan.expanded, directory)) ||
             (!is_last && !has(plan.known, reading.way[i + 1]))) {
-            Scan(directory, reading, stopped);
+            unscanned.push_back(directory);
         }
     }
+    return unscanned;
+}
+
+void ReadList(VisitReading& reading, const std::atomic<bool>& stopped)
+{
+    if (!reading.list.empty()) {
+        reading.is_list_there = ReadFileRows(reading.list, reading.rows, reading.details, stopped);
+        SortFileRows(reading.rows);
+    }
+}
+
+/// The subdirectories of a directory whose rows have been read.
+std::vector<Subdirectory> ListSubdirectories(const FileRows& rows, const std::string& directory)
+{
+    std::vector<Subdirectory> found;
+    for (std::size_t i = 0; i < rows.Count(); ++i) {
+        const std::string_view name = rows.Name(i);
+        if (rows.Row(i).is_directory && !rows.IsParentRow(i) && directory.size() + name.size() < kMaxPathBytes) {
+            found.push_back({std::string(name), std::nullopt});
+        }
+    }
+    std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    return found;
 }
 
 bool ChooseOpened(const VisitPlan& plan, VisitReading& reading, const std::atomic<bool>& stopped)
@@ -96,15 +146,24 @@ void ReadVisit(const VisitPlan& plan, VisitReading& reading, const std::atomic<b
         }
     }
     reading.list = plan.list;
+    std::vector<std::string> unscanned;
     if (ChooseOpened(plan, reading, stopped)) {
         FollowPath(plan.open[reading.opened], reading, stopped);
-        ScanWay(plan, reading, stopped);
+        unscanned = ListUnscanned(plan, reading);
         reading.list = plan.has_list ? reading.way.back() : std::string();
     }
-    if (!reading.list.empty()) {
-        pGTable->CurrentDir = reading.list;
-        reading.is_list_there = ReadFileRows(reading.list, reading.rows, reading.details, stopped);
-        SortFileRows(reading.rows);
+    const auto scan = [&] {
+        for (const std::string& directory : unscanned) {
+            if (directory != reading.list) {
+                Scan(directory, reading, stopped);
+            }
+        }
+    };
+    pGTable->CurrentDir = reading.list;
+    DoBoth([&] { ReadList(reading, stopped); }, scan);
+    const bool wants_list = std::find(unscanned.begin(), unscanned.end(), reading.list) != unscanned.end();
+    if (wants_list && reading.is_list_there) {
+        reading.levels.emplace(reading.list, ListSubdirectories(reading.rows, reading.list));
     }
     reading.looked_ahead = reading.levels;
 }

@@ -201,12 +201,13 @@ bool ReadFileRows(const std::string& path, FileRows& rows)
 
 bool ReadFileRows(const std::string& path, FileRows& rows, RowDetails& details, const std::atomic<bool>& stopped)
 {
+    const DirectoryStream stream(opendir(path.c_str()));
     struct stat st = {};
-    if (lstat(path.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+    const int failed = stream != nullptr ? fstat(dirfd(stream.get()), &st) : lstat(path.c_str(), &st);
+    if (failed != 0 || !S_ISDIR(st.st_mode)) {
         return false;
     }
     rows.Clear();
-    const DirectoryStream stream(opendir(path.c_str()));
     if (stream != nullptr) {
         ReadEntries(stream.get(), rows, stopped);
     }

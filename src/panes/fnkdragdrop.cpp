@@ -4,6 +4,7 @@
 
 #include "core/fnktable.h"
 #include "kit/fnkcommand.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-view.h"
 #include "model/fnkfiles-dragtext.h"
@@ -163,22 +164,21 @@ gboolean on_Pane_drag_drop(GtkWidget* widget, GdkDragContext* context, int x, in
     return TRUE;
 }
 
-std::vector<std::string> ReadItems(GtkSelectionData* data, guint info)
+std::string ReadText(GtkSelectionData* data)
 {
     constexpr int kBitsPerUnit = 8;
     const int length = gtk_selection_data_get_length(data);
     if (length <= 0 || gtk_selection_data_get_format(data) != kBitsPerUnit) {
         return {};
     }
-    const std::string_view text(reinterpret_cast<const char*>(gtk_selection_data_get_data(data)),
-                                static_cast<std::size_t>(length));
-    return info == TARGET_URIS ? SplitUriList(text) : SplitDragText(text);
+    return {reinterpret_cast<const char*>(gtk_selection_data_get_data(data)), static_cast<std::size_t>(length)};
 }
 
 /// A drop that waits for RunDrop.
 struct Drop {
     GdkDragContext* context;
-    std::vector<std::string> items;
+    std::string text;
+    guint info;
     std::string destination;
     guint time;
 };
@@ -189,9 +189,15 @@ struct Drop {
 gboolean RunDrop(gpointer data)
 {
     auto* const drop = static_cast<Drop*>(data);
-    const bool is_possible =
-        CanAcceptDrop() && OnFilesDropped != nullptr && !drop->items.empty() && !drop->destination.empty();
-    const std::function<void()> work = is_possible ? OnFilesDropped(drop->items, drop->destination) : nullptr;
+    std::function<void()> work;
+    if (CanAcceptDrop() && OnFilesDropped != nullptr && !drop->text.empty() && !drop->destination.empty()) {
+        const auto items = WaitFor(drop->destination, [text = drop->text, info = drop->info] {
+            return info == TARGET_URIS ? SplitUriList(text) : SplitDragText(text);
+        });
+        if (items && !items->empty()) {
+            work = OnFilesDropped(*items, drop->destination);
+        }
+    }
     // Never ask the source to delete the originals: the engine does so in a move.
     gtk_drag_finish(drop->context, work != nullptr, FALSE, drop->time);
     if (work) {
@@ -211,7 +217,7 @@ void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int,
                                 guint info, guint time, gpointer view_drag)
 {
     g_signal_stop_emission_by_name(widget, "drag-data-received");  // The tree view expects a row.
-    auto* const drop = new Drop{GDK_DRAG_CONTEXT(g_object_ref(context)), ReadItems(data, info),
+    auto* const drop = new Drop{GDK_DRAG_CONTEXT(g_object_ref(context)), ReadText(data), info,
                                 std::exchange(DragOf(view_drag).destination, {}), time};
     g_idle_add_full(G_PRIORITY_DEFAULT, RunDrop, drop, FreeDrop);
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/fnktable.h"
+#include "core/fnkthread.h"
 #include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-view.h"
@@ -142,19 +143,32 @@ void on_Watch_changed(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent event, gp
 }
 
 /// Replaces the watch of the list, which ends with it.
-void on_FileList_drag_end(GtkWidget* list, GdkDragContext*, gpointer)
+gboolean BeginWatch(gpointer data)
+{
+    auto* const watch = static_cast<Watch*>(data);
+    if (MainList() == nullptr || pGTable->CurrentDir != watch->path) {
+        EndWatch(watch);
+    } else {
+        g_signal_connect(watch->monitor, "changed", G_CALLBACK(on_Watch_changed), watch);
+        g_object_set_data_full(G_OBJECT(MainList()), kWatchKey, watch, EndWatch);
+    }
+    return G_SOURCE_REMOVE;
+}
+
+void on_FileList_drag_end(GtkWidget*, GdkDragContext*, gpointer)
 {
     if (pGTable == nullptr) {
         return;
     }
-    GFile* const directory = g_file_new_for_path(pGTable->CurrentDir.c_str());
-    GFileMonitor* const monitor = g_file_monitor_directory(directory, G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr);
-    g_object_unref(directory);
-    if (monitor != nullptr) {
-        auto* const watch = new Watch{pGTable->CurrentDir, monitor};
-        g_signal_connect(monitor, "changed", G_CALLBACK(on_Watch_changed), watch);
-        g_object_set_data_full(G_OBJECT(list), kWatchKey, watch, EndWatch);
-    }
+    // A thread, because the call waits for the disk. The main loop handles what the monitor reports.
+    StartThread([path = pGTable->CurrentDir] {
+        GFile* const directory = g_file_new_for_path(path.c_str());
+        GFileMonitor* const monitor = g_file_monitor_directory(directory, G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr);
+        g_object_unref(directory);
+        if (monitor != nullptr) {
+            g_idle_add(BeginWatch, new Watch{path, monitor});
+        }
+    });
 }
 
 constexpr DragPane kListPane = {PathOfListRow, PrepareListDrag, FindListDestination};
