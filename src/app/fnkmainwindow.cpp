@@ -62,13 +62,10 @@ void EnterDirectory(const std::string& path)
     if (pGTable->HistoryWalk == 0) {
         AddHistoryListC(pMainW->LocationCombo, pGTable->LocationDirHistory);
         SetComboStrings(pMainW->LocationCombo, pGTable->LocationDirHistory);
-        if (pGTable->HistoryIndex != 0) {
-            --pGTable->HistoryIndex;
-        }
-        const bool is_newest = pGTable->HistoryIndex == 0;
-        gtk_widget_set_sensitive(pMainW->ToolButton[is_newest ? TOOL_FORWARD : TOOL_BACK], !is_newest);
+        pGTable->HistoryIndex = 0;
     }
     pGTable->HistoryWalk = 0;
+    SensitiveHistoryButtons();
     gtk_widget_set_sensitive(pMainW->ToolButton[TOOL_UP], path != pGTable->RootDir);
     ReleaseEntryFocus(pMainW->MainWindow);
 }

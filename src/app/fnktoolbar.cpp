@@ -1,6 +1,8 @@
 #include "app/fnktoolbar.h"
 
 #include <array>
+#include <string>
+#include <vector>
 
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
@@ -95,16 +97,36 @@ void SetToolSensitive(ToolSlot slot, bool sensitive)
     gtk_widget_set_sensitive(pMainW->ToolButton[slot], sensitive);
 }
 
-/// Opens the history entry at HistoryIndex; false if there is none.
-bool OpenHistoryEntry()
+enum HistoryStep { STEP_NEWER = -1, STEP_OLDER = 1 };
+
+/// The indices of the entries that Back or Forward may lead to, the nearest first.
+std::vector<int> ListHistoryTargets(HistoryStep step)
 {
     const History& history = pGTable->LocationDirHistory;
-    const int index = pGTable->HistoryIndex;
-    if (index < 0 || index >= static_cast<int>(history.size())) {
-        return false;
+    std::vector<int> targets;
+    for (int i = pGTable->HistoryIndex + step; i >= 0 && i < static_cast<int>(history.size()); i += step) {
+        const std::string& path = history[static_cast<std::size_t>(i)];
+        if (CheckChildDirectory(path) == 0 && WithSlash(path) != pGTable->CurrentDir) {
+            targets.push_back(i);
+        }
     }
-    OpenChildTree(MainTree(), history[static_cast<std::size_t>(index)], EXPAND_LAST_YES);
-    return true;
+    return targets;
+}
+
+/// Opens the nearest entry that is a directory. Without any, the button has nothing to do.
+void WalkHistory(HistoryStep step, ToolSlot slot)
+{
+    const std::vector<int> targets = ListHistoryTargets(step);
+    std::vector<std::string> paths;
+    for (const int target : targets) {
+        paths.push_back(pGTable->LocationDirHistory[static_cast<std::size_t>(target)]);
+    }
+    const auto before = [targets](std::size_t chosen) {
+        pGTable->HistoryWalk = 1;
+        pGTable->HistoryIndex = targets[chosen];
+    };
+    OpenFirstDirectory(MainTree(), paths, EXPAND_LAST_YES, {.before = before},
+                       [slot] { SetToolSensitive(slot, false); });
 }
 
 }  // namespace
@@ -129,30 +151,20 @@ GtkWidget* CreateToolBar(GtkWidget* box)
     return handle_box;
 }
 
+void SensitiveHistoryButtons()
+{
+    SetToolSensitive(TOOL_BACK, !ListHistoryTargets(STEP_OLDER).empty());
+    SetToolSensitive(TOOL_FORWARD, !ListHistoryTargets(STEP_NEWER).empty());
+}
+
 void on_Tool_Back_clicked(GtkWidget*, gpointer)
 {
-    pGTable->HistoryWalk = 1;
-    ++pGTable->HistoryIndex;
-    if (!OpenHistoryEntry()) {
-        return;
-    }
-    SetToolSensitive(TOOL_FORWARD, true);
-    if (pGTable->HistoryIndex == static_cast<int>(pGTable->LocationDirHistory.size()) - 1) {
-        SetToolSensitive(TOOL_BACK, false);
-    }
+    WalkHistory(STEP_OLDER, TOOL_BACK);
 }
 
 void on_Tool_Forward_clicked(GtkWidget*, gpointer)
 {
-    pGTable->HistoryWalk = 1;
-    --pGTable->HistoryIndex;
-    if (!OpenHistoryEntry()) {
-        return;
-    }
-    SetToolSensitive(TOOL_BACK, true);
-    if (pGTable->HistoryIndex == 0) {
-        SetToolSensitive(TOOL_FORWARD, false);
-    }
+    WalkHistory(STEP_NEWER, TOOL_FORWARD);
 }
 
 void on_Tool_Up_clicked(GtkWidget*, gpointer)

@@ -6,6 +6,8 @@
 /// Creates the bar in box and stores its buttons in MainW::ToolButton. Returns its handle box, or
 /// null.
 GtkWidget* CreateToolBar(GtkWidget* box);
+/// Enables Back and Forward if the history has somewhere to go.
+void SensitiveHistoryButtons();
 
 void on_Tool_Back_clicked(GtkWidget* button, gpointer data);
 void on_Tool_Up_clicked(GtkWidget* button, gpointer data);

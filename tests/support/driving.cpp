@@ -58,8 +58,10 @@ int EntriesLeft()
 struct dirent* __wrap_readdir(DIR* stream)
 {
     if (std::this_thread::get_id() != tests_thread) {
-        entries_left.wait(0);
-        --entries_left;
+        for (int left = entries_left; !(left > 0 && entries_left.compare_exchange_weak(left, left - 1));
+             left = entries_left) {
+            entries_left.wait(0);
+        }
     }
     return __real_readdir(stream);
 }

@@ -10,6 +10,7 @@
 #include "app/fnktable-life.h"
 #include "app/fnktable-start.h"
 #include "core/fnkstring.h"
+#include "core/fnkthread.h"
 #include "core/fnkutil.h"
 #include "kit/fnkvisit.h"
 #include "model/fnkdirtree-scan.h"
@@ -44,10 +45,12 @@ WindowTest::~WindowTest()
 {
     // Without a home nothing is written, so that most tests do not wait for the disk.
     home_variable.Set(nullptr);
+    LetRead(G_MAXINT);
     TerminateGlobalTable();
     if (window_ != nullptr) {
         RunUntilQuit([this] { gtk_widget_destroy(window_); });
     }
+    EXPECT_TRUE(AwaitThreads(std::chrono::seconds(10)));
 }
 
 void WindowTest::Make(const Names& names) const

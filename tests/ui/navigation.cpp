@@ -25,12 +25,12 @@ TEST_F(Navigation, BackAndForwardWalkTheHistory)
 {
     Start();
     Steps(
-        "visit . = . - b0:.; node A = A/ - b0:A/.; node B = B/ - b0:B/A/.; node C = C/ - b0:C/B/A/.;"
+        "visit . = . - 0:.; node A = A/ - b0:A/.; node B = B/ - b0:B/A/.; node C = C/ - b0:C/B/A/.;"
         "back = B/ - bf1:C/B/A/.; back = A/ - bf2:C/B/A/.; back = . - f3:C/B/A/.; forward = A/ - bf2:C/B/A/.;"
         "forward = B/ - bf1:C/B/A/.; forward = C/ - b0:C/B/A/.; back;"
-        // Going elsewhere adds to the front, and leaves the place one step nearer to it.
-        "node D = D/ - b0:D/C/B/A/.; back; back = B/ - bf2:D/C/B/A/.; node A = A/ - bf1:A/D/C/B/.; back; back;"
-        "back = . - f4:A/D/C/B/.; node D = D/ - bf3:D/A/C/B/.; visit A/a; visit B = B/ - bf1:B/A/a/D/A/C/.");
+        // Going elsewhere adds to the front, and is the newest place.
+        "node D = D/ - b0:D/C/B/A/.; back; back = B/ - bf2:D/C/B/A/.; node A = A/ - b0:A/D/C/B/.; back; back; back;"
+        "back = . - f4:A/D/C/B/.; node D = D/ - b0:D/A/C/B/.; visit A/a; visit B = B/ - b0:B/A/a/D/A/C/.");
     // The drop-down offers the same. Picking from it only fills the entry; Return is for that.
     GtkComboBox* const combo = GTK_COMBO_BOX(pMainW->LocationCombo);
     EXPECT_EQ(gtk_tree_model_iter_n_children(gtk_combo_box_get_model(combo), nullptr), 6);
@@ -46,7 +46,8 @@ TEST_F(Navigation, BackGoesOnPastEntriesThatLeadNowhere)
              "\nHistory2=" + files.At("B/") + "\n");
     Start();
     Steps(
-        "back = . - bf1:.?A/gone/further/B/; back = A/ - bf2:.?A/gone/further/B/; back = B/ - f3:.?A/gone/further/B/");
+        "back = B/ - f3:.?A/gone/further/B/; forward = . - b0:.?A/gone/further/B/; remove B; rescan;"
+        "back = . - 0:.?A/gone/further/B/");
 }
 
 TEST_F(Navigation, UpHomeAndRescan)
