@@ -1,6 +1,8 @@
 #include "core/fnkfiles-place.h"
 
 #include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -89,6 +91,14 @@ int RenameIfFree(const Place& from, const Place& to)
         return errno;
     }
     return renameat(from.directory, from.name.c_str(), to.directory, to.name.c_str()) == 0 ? 0 : errno;
+}
+
+bool SetModeBits(int fd, mode_t bits)
+{
+    constexpr long kFchmodat2 = 452;  // Of Linux 6.6; older headers do not name it.
+    // fchmod refuses O_PATH. The first way needs /proc, the second a new system, the third a directory.
+    return chmod(DescriptorPath(fd).c_str(), bits) == 0 || syscall(kFchmodat2, fd, "", bits, AT_EMPTY_PATH) == 0 ||
+           fchmodat(fd, ".", bits, 0) == 0;
 }
 
 std::string DescriptorPath(int fd)

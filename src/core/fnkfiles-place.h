@@ -56,5 +56,8 @@ bool ListEntries(DIR* stream, std::vector<std::string>& names);
 /// Renames, also across directories. 0 or an errno: EEXIST if the new name is taken.
 int RenameIfFree(const Place& from, const Place& to);
 
+/// Sets the permission bits of an object that is open with O_PATH. False, with errno, on failure.
+bool SetModeBits(int fd, mode_t bits);
+
 /// A path to an open file, for calls that take no descriptor.
 std::string DescriptorPath(int fd);

@@ -28,14 +28,6 @@ struct stat GetOpenFileStatus(const Descriptor& file)
     return st;
 }
 
-/// Uses the path under /proc, because fchmod refuses an O_PATH descriptor. Also fails if the system
-/// drops some of the bits.
-bool SetPermissionBits(const Descriptor& file, mode_t bits)
-{
-    return chmod(DescriptorPath(file.Get()).c_str(), bits) == 0 &&
-           (GetOpenFileStatus(file).st_mode & kPermissionBits) == bits;
-}
-
 History AllGroups()
 {
     History names;
@@ -126,8 +118,19 @@ History ListOfferedGroups(gid_t file_group)
 bool ChangeMode(const std::string& path, mode_t mode)
 {
     const Descriptor file = OpenAsPath(path);
-    const bool is_same_type = file && (GetOpenFileStatus(file).st_mode & S_IFMT) == (mode & S_IFMT);
-    return is_same_type && !S_ISLNK(mode) && SetPermissionBits(file, mode & kPermissionBits);
+    const struct stat before = GetOpenFileStatus(file);
+    if (!file || (before.st_mode & S_IFMT) != (mode & S_IFMT) || S_ISLNK(mode)) {
+        return false;
+    }
+    const mode_t bits = mode & kPermissionBits;
+    if (!SetModeBits(file.Get(), bits)) {
+        // Neither /proc nor a new system: the file must be opened for reading, which waits for none.
+        const Descriptor readable(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (!S_ISREG(mode) || !IsSameObject(before, GetOpenFileStatus(readable)) || fchmod(readable.Get(), bits) != 0) {
+            return false;
+        }
+    }
+    return (GetOpenFileStatus(file).st_mode & kPermissionBits) == bits;
 }
 
 bool ChangeOwner(const std::string& path, uid_t owner, gid_t group)

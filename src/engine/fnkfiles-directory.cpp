@@ -106,9 +106,7 @@ void SetDirectoryMode(const Descriptor& directory, mode_t mode)
         return;
     }
     ExpectChange(directory.Get());
-    const mode_t bits = mode & kPermissionBits;
-    // fchmod refuses an O_PATH descriptor. The first way needs /proc, the second search permission.
-    if (chmod(DescriptorPath(directory.Get()).c_str(), bits) == 0 || fchmodat(directory.Get(), ".", bits, 0) == 0) {
+    if (SetModeBits(directory.Get(), mode & kPermissionBits)) {
         NoteChange();
     }
 }

@@ -10,6 +10,7 @@
 #include <set>
 #include <utility>
 
+#include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
 #include "core/fnkthread.h"
 #include "engine/fnkfilemenu-property-change.h"
@@ -201,7 +202,7 @@ bool ReadFileRows(const std::string& path, FileRows& rows)
 
 bool ReadFileRows(const std::string& path, FileRows& rows, RowDetails& details, const std::atomic<bool>& stopped)
 {
-    const DirectoryStream stream(opendir(path.c_str()));
+    const DirectoryStream stream = OpenDirectory({AT_FDCWD, path, path});
     struct stat st = {};
     const int failed = stream != nullptr ? fstat(dirfd(stream.get()), &st) : lstat(path.c_str(), &st);
     if (failed != 0 || !S_ISDIR(st.st_mode)) {
