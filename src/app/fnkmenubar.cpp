@@ -3,6 +3,7 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <array>
+#include <cstring>
 
 #include "app/fnktable-life.h"
 #include "commands/fnkeditmenu-find.h"
@@ -132,10 +133,63 @@ gboolean on_Menu_can_activate_accel(GtkWidget* item, guint, gpointer title)
     return FALSE;  // The toolkit's default handler, which runs last, decides.
 }
 
+/// Whether the key is a shortcut of the window, in the current keyboard layout or in the first one.
+bool IsShortcut(const GdkEventKey& event)
+{
+    guint first_layout_key = 0;
+    gdk_keymap_translate_keyboard_state(gdk_keymap_get_for_display(gtk_widget_get_display(pMainW->MainWindow)),
+                                        event.hardware_keycode, {}, 0, &first_layout_key, nullptr, nullptr, nullptr);
+    const auto modifiers = static_cast<GdkModifierType>(event.state & gtk_accelerator_get_default_mod_mask());
+    for (const GSList* groups = gtk_accel_groups_from_object(G_OBJECT(pMainW->MainWindow)); groups != nullptr;
+         groups = groups->next) {
+        for (const guint key : {gdk_keyval_to_lower(event.keyval), first_layout_key}) {
+            if (gtk_accel_group_query(GTK_ACCEL_GROUP(groups->data), key, modifiers, nullptr) != nullptr) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// An open menu has the grab, so the window does not see its shortcuts.
+gboolean on_Menu_key_press(GtkWidget* menu, GdkEventKey* event, gpointer)
+{
+    if (pMainW == nullptr || !IsShortcut(*event)) {
+        return FALSE;
+    }
+    gtk_menu_shell_cancel(GTK_MENU_SHELL(menu));
+    gtk_window_activate_key(GTK_WINDOW(pMainW->MainWindow), event);
+    return TRUE;
+}
+
+/// Underlines the mnemonic at all times. The toolkit does so only while Alt is held.
+void UnderlineMnemonic(GtkWidget* item, const char* label)
+{
+    const char* const mark = std::strchr(label, '_');
+    if (mark == nullptr) {
+        return;
+    }
+    PangoAttribute* const underline = pango_attr_underline_new(PANGO_UNDERLINE_LOW);
+    underline->start_index = static_cast<guint>(mark - label);
+    underline->end_index = underline->start_index + static_cast<guint>(g_utf8_next_char(mark + 1) - (mark + 1));
+    PangoAttrList* const attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, underline);
+    gtk_label_set_attributes(GTK_LABEL(gtk_bin_get_child(GTK_BIN(item))), attributes);
+    pango_attr_list_unref(attributes);
+}
+
+GtkWidget* NewLabelledItem(const char* label)
+{
+    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(label);
+    UnderlineMnemonic(item, label);
+    return item;
+}
+
 GtkWidget* CreateSubMenu(GtkWidget* item, GtkAccelGroup* accelerators)
 {
     GtkWidget* const menu = gtk_menu_new();
     gtk_menu_set_accel_group(GTK_MENU(menu), accelerators);
+    g_signal_connect(menu, "key-press-event", G_CALLBACK(on_Menu_key_press), nullptr);
     gtk_menu_item_set_submenu(GTK_MENU_ITEM(item), menu);
     return menu;
 }
@@ -149,7 +203,7 @@ GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::siz
         item = gtk_separator_menu_item_new();
         gtk_widget_set_sensitive(item, FALSE);
     } else {
-        item = gtk_menu_item_new_with_mnemonic(gettext(entry.label));
+        item = NewLabelledItem(gettext(entry.label));
         gtk_widget_set_tooltip_text(item, GetMenuTipsString(static_cast<int>(index)).c_str());
         g_signal_connect(item, "select", G_CALLBACK(on_Menu_select), data);
         g_signal_connect(item, "deselect", G_CALLBACK(on_Menu_deselect), data);
@@ -168,7 +222,7 @@ GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::siz
 
 GtkWidget* CreateMenu(GtkWidget* bar, GtkAccelGroup* accelerators, const MenuTitle& title)
 {
-    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(gettext(title.label));
+    GtkWidget* const item = NewLabelledItem(gettext(title.label));
     if (title.handler != nullptr) {
         g_signal_connect(item, "activate", G_CALLBACK(on_MenuTitle_activate),
                          GSIZE_TO_POINTER(&title - kTitles.data()));
@@ -195,6 +249,7 @@ GtkWidget* CreateMenuBar(GtkWidget* box)
     GtkWidget* const bar = gtk_menu_bar_new();
     gtk_container_set_border_width(GTK_CONTAINER(bar), kBarBorder);
     gtk_container_add(GTK_CONTAINER(handle_box), bar);
+    g_signal_connect(bar, "key-press-event", G_CALLBACK(on_Menu_key_press), nullptr);
     gtk_widget_show(bar);
 
     std::size_t index = 0;

@@ -39,6 +39,7 @@ TEST_F(Menus, TellWhatEntriesAndToolsDo)
             continue;
         }
         EXPECT_TRUE(gtk_widget_get_sensitive(item)) << gtk_menu_item_get_label(GTK_MENU_ITEM(item));
+        EXPECT_NE(gtk_label_get_attributes(GTK_LABEL(gtk_bin_get_child(GTK_BIN(item)))), nullptr) << "no underline";
         gtk_menu_item_select(GTK_MENU_ITEM(item));
         EXPECT_TRUE(tips.insert(StatusShown()).second) << StatusShown();
         const GlibPointer<char> tooltip(gtk_widget_get_tooltip_text(item));
@@ -67,6 +68,20 @@ TEST_F(Menus, TellWhatEntriesAndToolsDo)
                 << name << " has another " << mark;
         }
         EXPECT_GT(mnemonics.size(), 15U);
+    }
+}
+
+TEST_F(Menus, RunShortcutsWhileTheyAreOpen)
+{
+    Make({"a", "b"});
+    Start();
+    for (const char* const menu : {"<Alt>f", "<Alt>e", "F10"}) {
+        SelectNames({});
+        Press(menu);
+        EXPECT_NE(gtk_grab_get_current(), nullptr) << menu;
+        Press("<Control>a");
+        EXPECT_EQ(gtk_grab_get_current(), nullptr) << menu;
+        ExpectAt("", "a,b");
     }
 }
 
