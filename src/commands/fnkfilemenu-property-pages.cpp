@@ -98,6 +98,18 @@ void AddTick(GtkWidget* toggle)
                      tick);
 }
 
+/// Gives the label the middle of the button, as if the tick beside it took no room.
+void CentreLabel(GtkWidget* toggle)
+{
+    GtkWidget* const box = gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(toggle))));
+    GList* const children = gtk_container_get_children(GTK_CONTAINER(box));
+    GtkWidget* const label = GTK_WIDGET(g_list_last(children)->data);
+    g_list_free(children);
+    int tick_width = 0;
+    gtk_widget_get_preferred_width(gtk_button_get_image(GTK_BUTTON(toggle)), nullptr, &tick_width);
+    gtk_widget_set_margin_end(label, tick_width + gtk_box_get_spacing(GTK_BOX(box)));
+}
+
 /// A click does not move the focus, but the Tab key can reach the toggle.
 GtkWidget* NewToggle(const char* label, const std::string& accessible_name)
 {
@@ -106,7 +118,11 @@ GtkWidget* NewToggle(const char* label, const std::string& accessible_name)
         gtk_button_set_label(GTK_BUTTON(toggle), label);
     }
     AddTick(toggle);
+    if (label != nullptr) {
+        CentreLabel(toggle);
+    }
     gtk_widget_set_focus_on_click(toggle, FALSE);
+    gtk_widget_set_receives_default(toggle, FALSE);  // Return presses the dialog's default button.
     SetAccessibleName(toggle, accessible_name.c_str());
     gtk_widget_show(toggle);
     return toggle;
@@ -118,8 +134,12 @@ void AddToggles(GtkWidget* table, PropertyDlgData* data)
     const std::array<const char*, kPermissionRows> rows = {_("User"), _("Group"), _("Other")};
     const std::array<const char*, kPermissionRows> specials = {_("Set UID"), _("Set GID"), _("Sticky")};
     constexpr std::size_t kSpecial = kPermissionColumns - 1;
+    // The four columns are equally wide, however long their headings are.
+    GtkSizeGroup* const widths = gtk_size_group_new(GTK_SIZE_GROUP_HORIZONTAL);
     for (std::size_t column = 0; column < columns.size(); ++column) {
-        gtk_grid_attach(GTK_GRID(table), NewLabel(columns[column]), static_cast<int>(column) + 1, 0, 1, 1);
+        GtkWidget* const heading = NewLabel(columns[column]);
+        gtk_size_group_add_widget(widths, heading);
+        gtk_grid_attach(GTK_GRID(table), heading, static_cast<int>(column) + 1, 0, 1, 1);
     }
     for (std::size_t row = 0; row < rows.size(); ++row) {
         AddCaption(table, static_cast<int>(row) + 1, rows[row]);
@@ -127,16 +147,19 @@ void AddToggles(GtkWidget* table, PropertyDlgData* data)
             const char* const label = column == kSpecial ? specials[row] : nullptr;
             const std::string spoken = label != nullptr ? label : std::string(rows[row]) + " " + columns[column];
             GtkWidget* const toggle = NewToggle(label, spoken);
+            gtk_size_group_add_widget(widths, toggle);
             gtk_widget_set_hexpand(toggle, TRUE);
             gtk_grid_attach(GTK_GRID(table), toggle, static_cast<int>(column) + 1, static_cast<int>(row) + 1, 1, 1);
             data->PermToggle[row][column] = toggle;
         }
     }
+    g_object_unref(widths);
 }
 
 GtkWidget* AddFrame(GtkWidget* page, const char* title)
 {
     GtkWidget* const frame = gtk_frame_new(title);
+    gtk_widget_set_margin_start(gtk_frame_get_label_widget(GTK_FRAME(frame)), kPageSpacing);  // Beside the corner.
     gtk_box_pack_start(GTK_BOX(page), frame, FALSE, FALSE, 0);
     gtk_widget_show(frame);
     return CreateVBox(frame, kSpacing, kSpacing);

@@ -1,5 +1,7 @@
 #include "kit/fnkutil-widget.h"
 
+#include <gdk/gdkkeysyms.h>
+
 #include <memory>
 
 #include "core/fnkstring.h"
@@ -50,6 +52,41 @@ void on_Combo_changed(GtkWidget* combo, gpointer)
     SetEntryBytes(entry, (*items)[static_cast<std::size_t>(active)]);
 }
 
+/// Return on a toggle or check button presses the default button. The toolkit would switch the button,
+/// and the user would not know which of both a dialog does. Combo boxes keep their arrow.
+gboolean on_Dialog_key_press(GtkWidget* dialog, GdkEventKey* event, gpointer)
+{
+    GtkWidget* const focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+    GtkWidget* const button = gtk_window_get_default_widget(GTK_WINDOW(dialog));
+    const bool is_return =
+        event->keyval == GDK_KEY_Return || event->keyval == GDK_KEY_KP_Enter || event->keyval == GDK_KEY_ISO_Enter;
+    if (!is_return || !GTK_IS_TOGGLE_BUTTON(focus) || gtk_widget_get_ancestor(focus, GTK_TYPE_COMBO_BOX) != nullptr ||
+        button == nullptr || !gtk_widget_is_sensitive(button)) {
+        return FALSE;
+    }
+    gtk_widget_activate(button);
+    return TRUE;
+}
+
+// A notebook moves the focus into the page that it turns to, where the next key would change something.
+// These two leave it on the tab.
+
+/// A press on a tab moves the focus on only if the notebook did not have it.
+gboolean on_Notebook_button_press(GtkWidget* notebook, GdkEvent* event, gpointer)
+{
+    if (gtk_get_event_widget(event) == notebook) {
+        gtk_widget_grab_focus(notebook);
+    }
+    return FALSE;
+}
+
+void on_Notebook_switch_page(GtkWidget* notebook, GtkWidget*, guint, gpointer)
+{
+    if (gtk_widget_get_mapped(notebook)) {
+        gtk_widget_grab_focus(notebook);
+    }
+}
+
 }  // namespace
 
 GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height)
@@ -68,6 +105,7 @@ GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height)
     gtk_box_set_spacing(GTK_BOX(*content), kDialogSpacing);
     gtk_container_set_border_width(GTK_CONTAINER(*content), kDialogSpacing);
     gtk_widget_show(*content);
+    g_signal_connect(dialog, "key-press-event", G_CALLBACK(on_Dialog_key_press), nullptr);
     return dialog;
 }
 
@@ -115,6 +153,8 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height)
     g_signal_connect(*notebook, "destroy",
                      G_CALLBACK(+[](GtkNotebook* pages, gpointer) { gtk_notebook_set_show_tabs(pages, FALSE); }),
                      nullptr);
+    g_signal_connect(*notebook, "button-press-event", G_CALLBACK(on_Notebook_button_press), nullptr);
+    g_signal_connect_after(*notebook, "switch-page", G_CALLBACK(on_Notebook_switch_page), nullptr);
     gtk_widget_show(*notebook);
     return dialog;
 }

@@ -106,6 +106,42 @@ TEST_F(Property, ChangesOnlyWhatDiffers)
     ExpectAt("");
 }
 
+TEST_F(Property, TurningThePageLeavesTheFocusOnTheTab)
+{
+    Make({"file"});
+    Start();
+    const auto click_tab = [](GtkWidget* book) {
+        GtkAllocation tab = {};
+        GtkWidget* const page = gtk_notebook_get_nth_page(GTK_NOTEBOOK(book), 1);
+        gtk_widget_get_allocation(gtk_notebook_get_tab_label(GTK_NOTEBOOK(book), page), &tab);
+        for (GList* each = gdk_window_peek_children(gtk_widget_get_window(book)); each != nullptr; each = each->next) {
+            GdkWindow* const window = GDK_WINDOW(each->data);
+            gpointer owner = nullptr;
+            int x = 0, y = 0;
+            gdk_window_get_user_data(window, &owner);
+            gdk_window_get_position(window, &x, &y);
+            if (owner == book) {
+                SendButton(window, GDK_BUTTON_PRESS, tab.x + 2 - x, tab.y + 2 - y);
+            }
+        }
+    };
+    const auto turn = [&](bool by_key) {
+        return [=](GtkWidget* dialog) {
+            GtkWidget* const name = FindNamed(dialog, "File name:");
+            GtkWidget* const book = gtk_widget_get_ancestor(name, GTK_TYPE_NOTEBOOK);
+            gtk_widget_grab_focus(name);
+            by_key ? SendKey(dialog, GDK_KEY_Page_Down, GDK_CONTROL_MASK) : click_tab(book);
+            EXPECT_EQ(gtk_notebook_get_current_page(GTK_NOTEBOOK(book)), 1);
+            EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), book);
+            SendKey(dialog, GDK_KEY_Tab);
+            EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), FindNamed(dialog, "User Read"));
+            SendKey(dialog, GDK_KEY_Return);  // Presses Cancel.
+        };
+    };
+    Open({"file"}, {turn(true)});
+    Open({"file"}, {turn(false)});
+}
+
 TEST_F(Property, ANewNameMustBeFree)
 {
     Make({"bad\xFF", "dir/", "dangling -> dir/new"});
