@@ -503,6 +503,14 @@ void WrapLabel(GtkWidget* label)
     pango_attr_list_unref(attributes);
 }
 
+void ShowWholeText(GtkTooltip* tooltip, const char* text)
+{
+    GtkWidget* const label = gtk_label_new(text);
+    WrapLabel(label);
+    gtk_widget_show(label);
+    gtk_tooltip_set_custom(tooltip, label);
+}
+
 namespace {
 
 gboolean on_ShortLabel_query_tooltip(GtkWidget* label, int, int, gboolean, GtkTooltip* tooltip, gpointer)
@@ -510,10 +518,7 @@ gboolean on_ShortLabel_query_tooltip(GtkWidget* label, int, int, gboolean, GtkTo
     if (!pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(label)))) {
         return FALSE;
     }
-    GtkWidget* const whole = gtk_label_new(gtk_label_get_text(GTK_LABEL(label)));
-    WrapLabel(whole);
-    gtk_widget_show(whole);
-    gtk_tooltip_set_custom(tooltip, whole);
+    ShowWholeText(tooltip, gtk_label_get_text(GTK_LABEL(label)));
     return TRUE;
 }
 

@@ -101,6 +101,9 @@ void ReleaseEntryFocus(GtkWidget* window);
 /// Wraps a label's long lines at blanks, or anywhere in a long word, without hyphens.
 void WrapLabel(GtkWidget* label);
 
+/// Makes a tooltip of a text of any length.
+void ShowWholeText(GtkTooltip* tooltip, const char* text);
+
 /// Keeps a label on one line and at most max_characters wide. An ellipsis replaces the middle of a
 /// text that does not fit; the tooltip shows the whole text.
 void ShortenLabel(GtkWidget* label, int max_characters);

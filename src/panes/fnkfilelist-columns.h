@@ -11,3 +11,7 @@ void AppendListColumns(GtkTreeView* list, ColumnClickHandler clicked);
 
 /// Shows the sort column and direction in the titles.
 void UpdateSortArrows(GtkTreeView* list);
+
+/// The width to store for detail column position: that of the column, or the stored one as long as the
+/// column takes the room that the others leave.
+int ListColumnSize(GtkTreeView* list, int position);

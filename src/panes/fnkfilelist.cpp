@@ -145,8 +145,8 @@ GtkTreeViewColumn* ListViewColumn(int column)
 std::vector<int> ListColumnWidths()
 {
     std::vector<int> widths;
-    for (int i = 1; MainList() != nullptr && i <= pGTable->ColumnCount; ++i) {
-        widths.push_back(gtk_tree_view_column_get_fixed_width(ListViewColumn(i)));
+    for (int i = 0; MainList() != nullptr && i < pGTable->ColumnCount; ++i) {
+        widths.push_back(ListColumnSize(MainList(), i));
     }
     return widths;
 }

@@ -50,13 +50,13 @@ TEST_F(List, AClickOnATitleSorts)
 TEST_F(List, ShowsTheColumnsOfTheSettingsAndStoresTheirWidths)
 {
     Settings(
-        "[Detailed View]\nColumnCount=4\nColumnPosition0=1\nColumnSize0=81\nColumnPosition1=0\nColumnSize1=123\n"
+        "[Detailed View]\nColumnCount=4\nColumnPosition0=1\nColumnSize0=181\nColumnPosition1=0\nColumnSize1=123\n"
         "ColumnPosition2=10\nColumnSize2=0\nColumnPosition3=5\nColumnSize3=77\nSortColumn=2\nSortType=1\n");
     Make({"a", "b"});
     Start();
     const int natural = gtk_tree_view_column_get_width(ListViewColumn(3));
     EXPECT_GT(natural, 40);
-    EXPECT_EQ(ListColumnWidths(), (std::vector<int>{81, 123, natural, 77}));
+    EXPECT_EQ(ListColumnWidths(), (std::vector<int>{181, 123, natural, 77}));
     Steps("click a = . a b,a2-");
     // Only what there is can be scrolled to.
     GtkAdjustment* const scroll = gtk_scrollable_get_hadjustment(GTK_SCROLLABLE(pMainW->FileList));
@@ -70,9 +70,44 @@ TEST_F(List, ShowsTheColumnsOfTheSettingsAndStoresTheirWidths)
     EXPECT_EQ(pGTable->ColumnSize[1], 200);
     Close();
     const std::string stored = home.Contents(".fennick");
-    for (const auto& [key, width] : {std::pair{"Size0=", 81}, {"Size1=", 200}, {"Size2=", natural}, {"Size3=", 77}}) {
+    for (const auto& [key, width] : {std::pair{"Size0=", 181}, {"Size1=", 200}, {"Size2=", natural}, {"Size3=", 77}}) {
         EXPECT_NE(stored.find(key + std::to_string(width) + "\n"), std::string::npos) << key;
     }
+}
+
+TEST_F(List, TheNameColumnTakesTheRoomThatNumbersAndTheUserLeave)
+{
+    const std::string name(60, 'x');
+    Make({"1", name});
+    Start();
+    GtkAdjustment* const scroll = gtk_scrollable_get_hadjustment(GTK_SCROLLABLE(pMainW->FileList));
+    const auto width = [](int column) { return gtk_tree_view_column_get_width(ListViewColumn(column)); };
+    const auto text = [](const char* shown) { return GetTextWidth(pMainW->FileList, shown); };
+    const auto expect_filled = [&] {
+        EXPECT_EQ(width(0) + width(1) + width(2) + width(3), gtk_adjustment_get_page_size(scroll));
+        EXPECT_EQ(gtk_adjustment_get_upper(scroll), gtk_adjustment_get_page_size(scroll));
+    };
+    expect_filled();
+    EXPECT_GT(width(1), 64);
+    std::filesystem::resize_file(files.At("1"), std::uintmax_t{1} << 42);
+    Steps("rescan");
+    EXPECT_TRUE(Await([&] { return width(2) > text("4194304MByte"); }));
+    gtk_window_resize(Window(), 1100, 400);
+    EXPECT_TRUE(Await([&] { return gtk_adjustment_get_page_size(scroll) > 800; }));
+    expect_filled();
+    for (const int wanted : {225, 140, 180, 1}) {
+        const int before = width(2);
+        gtk_tree_view_column_set_fixed_width(ListViewColumn(2), wanted);
+        EXPECT_TRUE(Await([&] { return width(2) != before; }));
+        Settle();
+        expect_filled();
+    }
+    EXPECT_GT(pGTable->ColumnSize[1], text("4194304MByte")) << "numbers are never cut";
+    EXPECT_EQ(ListColumnWidths()[0], 150);
+    gtk_tree_view_column_set_fixed_width(ListViewColumn(1), -1);  // As after a double click on the edge.
+    EXPECT_TRUE(Await([&] { return width(1) == pGTable->ColumnSize[0]; }));
+    EXPECT_NEAR(width(1), text(name.c_str()), 20);
+    EXPECT_EQ(ListColumnWidths()[0], width(1));
 }
 
 TEST_F(List, ReadingAgainKeepsTheFirstVisibleRow)
