@@ -11,71 +11,20 @@
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
 #include "kit/fnkvisit.h"
-#include "panes/fnkdirtree-walk.h"
+#include "panes/fnkdirtree-keys.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist.h"
 #include "panes/fnklocationbar.h"
 
 namespace {
 
-/// Which way a key moves the selection. If the view has to scroll, the new row ends up at the top after
+/// Which way a key moves the selection. If the list has to scroll, the new row ends up at the top after
 /// a move up, at the bottom after a move down.
 enum Direction { DIRECTION_UP, DIRECTION_DOWN };
 
-/// Maps keys of the numeric keypad, and Shift+Tab, to the plain keys.
-guint PlainKey(guint key)
-{
-    switch (key) {
-    case GDK_KEY_KP_Up:
-        return GDK_KEY_Up;
-    case GDK_KEY_KP_Down:
-        return GDK_KEY_Down;
-    case GDK_KEY_KP_Left:
-        return GDK_KEY_Left;
-    case GDK_KEY_KP_Right:
-        return GDK_KEY_Right;
-    case GDK_KEY_KP_Page_Up:
-        return GDK_KEY_Page_Up;
-    case GDK_KEY_KP_Page_Down:
-        return GDK_KEY_Page_Down;
-    case GDK_KEY_KP_Home:
-        return GDK_KEY_Home;
-    case GDK_KEY_KP_End:
-        return GDK_KEY_End;
-    case GDK_KEY_KP_Enter:
-        return GDK_KEY_Return;
-    case GDK_KEY_KP_Tab:
-    case GDK_KEY_ISO_Left_Tab:
-        return GDK_KEY_Tab;
-    default:
-        return key;
-    }
-}
-
 bool IsNavigationKey(guint key)
 {
-    switch (key) {
-    case GDK_KEY_Up:
-    case GDK_KEY_Down:
-    case GDK_KEY_Left:
-    case GDK_KEY_Right:
-    case GDK_KEY_Page_Up:
-    case GDK_KEY_Page_Down:
-    case GDK_KEY_Home:
-    case GDK_KEY_End:
-    case GDK_KEY_Return:
-    case GDK_KEY_Tab:
-        return true;
-    default:
-        return false;
-    }
-}
-
-void ScrollTo(GtkTreeView* view, GtkTreePath* path, Direction direction)
-{
-    if (GetRowVisibility(view, path) != ROW_VISIBLE) {
-        ScrollRowTo(view, path, direction == DIRECTION_UP ? 0.0 : 1.0);
-    }
+    return IsTreeKey(key) || key == GDK_KEY_Return || key == GDK_KEY_Tab;
 }
 
 // The list. Rows are ints because targets are computed past both ends and then clamped.
@@ -111,7 +60,9 @@ void ListRowVisible(int row, Direction direction)
 {
     // The first entry brings the ".." row into view, too.
     const TreePath path(gtk_tree_path_new_from_indices(row == 1 ? 0 : row, -1));
-    ScrollTo(MainList(), path.get(), direction);
+    if (GetRowVisibility(MainList(), path.get()) != ROW_VISIBLE) {
+        ScrollRowTo(MainList(), path.get(), direction == DIRECTION_UP ? 0.0 : 1.0);
+    }
 }
 
 struct ListPage {
@@ -229,90 +180,6 @@ void ListKeyPress(const GdkEventKey& event, guint key)
         break;
     default:
         break;
-    }
-}
-
-// The tree.
-
-void SelectNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node, Direction direction)
-{
-    const TreePath path = walk.PathOf(node);
-    ScrollTo(tree, path.get(), direction);
-    SetTreeSelectNode(tree, node);
-}
-
-/// Left collapses an expanded node, else the parent of the node. The root never collapses while it is
-/// the current node.
-void CollapseNode(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& current)
-{
-    const OptionalNode parent = walk.Parent(current);
-    if (parent) {
-        gtk_tree_view_collapse_row(tree, walk.PathOf(walk.IsExpanded(current) ? current : *parent).get());
-    }
-}
-
-/// The target of Page Up or Page Down: the edge of the page, or one page further if already there.
-OptionalNode PageTarget(const TreeWalk& walk, const GtkTreeIter& current, Direction direction)
-{
-    const OptionalNode root = walk.Root();
-    const std::optional<TreeWalk::Page> page = walk.VisiblePage();
-    if (!page || !root || !walk.IsExpanded(*root)) {
-        return std::nullopt;
-    }
-    const bool is_up = direction == DIRECTION_UP;
-    GtkTreeIter target = is_up ? page->top : page->bottom;
-    if (current.user_data != target.user_data) {
-        return target;
-    }
-    for (int step = 0; step < page->steps; ++step) {
-        const OptionalNode next = is_up ? walk.Above(target) : walk.Below(target);
-        if (!next) {
-            break;
-        }
-        target = *next;
-    }
-    return target;
-}
-
-/// The node that the key moves to; none if it does not move.
-OptionalNode KeyTarget(const TreeWalk& walk, const GtkTreeIter& current, guint key)
-{
-    switch (key) {
-    case GDK_KEY_Up:
-        return walk.Above(current);
-    case GDK_KEY_Down:
-        return walk.Below(current);
-    case GDK_KEY_Page_Up:
-        return PageTarget(walk, current, DIRECTION_UP);
-    case GDK_KEY_Page_Down:
-        return PageTarget(walk, current, DIRECTION_DOWN);
-    case GDK_KEY_Home:
-        return walk.Root();
-    case GDK_KEY_End:
-        return walk.LastDisplayed(*walk.Root());
-    default:
-        return std::nullopt;
-    }
-}
-
-void TreeKeyPress(GtkTreeView* tree, guint key)
-{
-    GtkTreeIter current;
-    if (!GetTreeSelect(tree, &current, nullptr)) {
-        return;
-    }
-    const TreeWalk walk(tree);
-    if (key == GDK_KEY_Return || key == GDK_KEY_Right) {
-        gtk_tree_view_expand_row(tree, walk.PathOf(current).get(), FALSE);
-        return;
-    }
-    if (key == GDK_KEY_Left) {
-        CollapseNode(tree, walk, current);
-        return;
-    }
-    const bool is_up = key == GDK_KEY_Up || key == GDK_KEY_Page_Up || key == GDK_KEY_Home;
-    if (const OptionalNode target = KeyTarget(walk, current, key)) {
-        SelectNode(tree, walk, *target, is_up ? DIRECTION_UP : DIRECTION_DOWN);
     }
 }
 

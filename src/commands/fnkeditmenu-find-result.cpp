@@ -1,14 +1,19 @@
 #include "commands/fnkeditmenu-find-result.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
+#include <sstream>
 
 #include "commands/fnkeditmenu-find-model.h"
 #include "core/fnkfiles-place.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
 #include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree-keys.h"
+#include "panes/fnkdirtree-nodes.h"
 #include "panes/fnkdirtree-view.h"
+#include "panes/fnkdirtree-walk.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist.h"
 
@@ -30,57 +35,127 @@ struct FindResultInfo {
     std::array<GtkWidget*, 2> Buttons = {};  ///< "Display directory" and "Serch again".
     GtkWidget* OKButton = nullptr;
     GtkTreeView* ResultTree = nullptr;
+    GtkTreeStore* Growing = nullptr;  ///< What the tree shows while the search runs.
 };
 
-void SetResultSensitive(const FindResultInfo* info, bool sensitive)
+/// A store with the columns of fnkdirtree-nodes that holds just the top. The caller owns it.
+GtkTreeStore* NewGrowingStore(const std::string& start)
 {
-    for (GtkWidget* const widget : {info->Buttons[0], info->Buttons[1], info->OKButton, GTK_WIDGET(info->ResultTree)}) {
-        gtk_widget_set_sensitive(widget, sensitive);
+    GtkTreeStore* const store = gtk_tree_store_new(kNodeDirectoryColumn + 1, G_TYPE_STRING, G_TYPE_BOOLEAN);
+    gtk_tree_store_insert_with_values(store, nullptr, nullptr, 0, kNodeNameColumn, start.c_str(), kNodeDirectoryColumn,
+                                      TRUE, -1);
+    return store;
+}
+
+/// Sets *node to its child of that name, which is added if there is none.
+void EnterChild(const FindResultInfo* info, GtkTreeIter* node, const std::string& name, bool is_directory)
+{
+    GtkTreeModel* const model = GTK_TREE_MODEL(info->Growing);
+    GtkTreeIter child;
+    int place = 0;
+    for (gboolean more = gtk_tree_model_iter_children(model, &child, node); more;
+         more = gtk_tree_model_iter_next(model, &child), ++place) {
+        const std::string there = GetNodeName(model, child);
+        if (there == name) {
+            *node = child;
+            return;
+        }
+        if (there > name) {
+            break;
+        }
+    }
+    const bool is_first = !gtk_tree_model_iter_has_child(model, node);
+    gtk_tree_store_insert_with_values(info->Growing, &child, node, place, kNodeNameColumn, name.c_str(),
+                                      kNodeDirectoryColumn, is_directory, -1);
+    if (is_first) {  // Later the user may have collapsed it.
+        gtk_tree_view_expand_row(info->ResultTree, TreeWalk(info->ResultTree).PathOf(*node).get(), FALSE);
+    }
+    *node = child;
+}
+
+/// Adds a path below the start directory.
+void AddMatch(const FindResultInfo* info, const std::string& path)
+{
+    GtkTreeIter node;
+    gtk_tree_model_get_iter_first(GTK_TREE_MODEL(info->Growing), &node);
+    for (std::size_t begin = 0; begin < path.size();) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        EnterChild(info, &node, path.substr(begin, end - begin), end < path.size());
+        begin = end + 1;
     }
 }
 
+void ShowMatchCount(FindResultInfo* info)
+{
+    FindProgress& progress = info->Search->Progress();
+    for (const std::string& path : progress.TakeMatches()) {
+        AddMatch(info, path);
+    }
+    const auto count = static_cast<int>(progress.MatchCount());
+    const std::string text = progress.IsStopped() ? FormatText(_("Stopped: %d matches"), count)
+                                                  : FormatText(_("%d matches, searching %s"), count,
+                                                               DisplayText(progress.CurrentName()).c_str());
+    gtk_label_set_text(GTK_LABEL(info->Label), text.c_str());
+}
+
+/// Selects the row of a path again in another model of the same tree.
+void SelectPath(GtkTreeView* tree, const std::string& path)
+{
+    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
+    GtkTreeIter node;
+    gtk_tree_model_get_iter_first(model, &node);
+    std::istringstream names(path.substr(GetNodePath(tree, node).size()));
+    for (std::string name; std::getline(names, name, '/');) {
+        FindChildNode(model, &node, name);
+    }
+    SetTreeSelectNode(tree, node);
+}
+
+/// Shows the matches that were only counted so far.
 void ShowFound(const FindResultInfo* info, FoundTree found)
 {
+    std::string selected;
+    const bool has_selection = GetTreeSelect(info->ResultTree, nullptr, &selected);
     GtkTreeModel* const model = NewFoundModel(std::move(found));
     gtk_tree_view_set_model(info->ResultTree, model);
     g_object_unref(model);
     gtk_tree_view_expand_all(info->ResultTree);
-    gtk_label_set_text(GTK_LABEL(info->Label), _("Match file list"));
-    SetResultSensitive(info, true);
-    gtk_widget_grab_focus(info->OKButton);
+    if (has_selection) {
+        SelectPath(info->ResultTree, selected);
+    }
 }
 
 gboolean on_Search_timeout(gpointer data)
 {
     auto* const info = static_cast<FindResultInfo*>(data);
-    if (!info->Search->IsDone()) {
-        const std::string name = DisplayText(info->Search->CurrentName());
-        gtk_label_set_text(GTK_LABEL(info->Label), FormatText(_("Find...%s"), name.c_str()).c_str());
+    const bool is_done = info->Search->IsDone();
+    ShowMatchCount(info);
+    if (!is_done) {
         return G_SOURCE_CONTINUE;
     }
     info->Timer = 0;
-    ShowFound(info, info->Search->TakeResult());
+    if (!info->Search->IsStopped()) {
+        gtk_label_set_text(GTK_LABEL(info->Label), _("Match file list"));
+    }
+    if (info->Search->Progress().MatchCount() > FindProgress::kReportedMatches) {
+        ShowFound(info, info->Search->TakeResult());
+    }
     info->Search.reset();
     return G_SOURCE_REMOVE;
 }
 
-void on_FindResult_OKButton_clicked(GtkWidget*, gpointer data)
-{
-    static_cast<FindResultInfo*>(data)->Result = FIND_RESULT_CLOSE;
-    gtk_main_quit();
-}
-
-/// Stops a running search. If the search does not react, as when a disk hangs, a second close leaves
+/// Stops a running search. If the search does not react, as when a disk hangs, the second time leaves
 /// the dialog without waiting for it.
-gboolean on_FindResult_delete_event(GtkWidget*, GdkEvent*, gpointer data)
+void on_FindResult_OKButton_clicked(GtkWidget*, gpointer data)
 {
     auto* const info = static_cast<FindResultInfo*>(data);
     if (info->Search && !info->Search->IsStopped()) {
         info->Search->Stop();
+        ShowMatchCount(info);
     } else {
-        gtk_button_clicked(GTK_BUTTON(info->OKButton));
+        info->Result = FIND_RESULT_CLOSE;
+        gtk_main_quit();
     }
-    return TRUE;
 }
 
 /// Shows the selected match in the main window: opens a directory, or scrolls to a file in its
@@ -117,23 +192,13 @@ void on_ResultTree_row_activated(GtkTreeView*, GtkTreePath*, GtkTreeViewColumn*,
     gtk_button_clicked(GTK_BUTTON(button));
 }
 
-GtkWidget* AddLabel(GtkWidget* box)
-{
-    GtkWidget* const label = CreateLabel(box, _("Find..."));
-    ShortenLabel(label, kLabelCharacters);
-    return label;
-}
-
-GtkTreeView* AddResultTree(GtkWidget* box, const std::string& start)
+GtkTreeView* AddResultTree(GtkWidget* box, GtkTreeStore* matches)
 {
     GtkWidget* const scroll = CreateScroll();
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scroll), GTK_SHADOW_IN);
     gtk_box_pack_start(GTK_BOX(box), scroll, TRUE, TRUE, 0);
-    GtkTreeModel* const model = NewFoundModel(FoundTree(start));
-    GtkTreeView* const tree = CreateNodeView(scroll, model, _("Match file list"));
-    g_object_unref(model);
-    // The only way to select a match with the keyboard.
-    gtk_widget_set_can_focus(GTK_WIDGET(tree), TRUE);
+    GtkTreeView* const tree = CreateNodeView(scroll, GTK_TREE_MODEL(matches), _("Match file list"));
+    TakeTreeKeys(tree);
     return tree;
 }
 
@@ -160,20 +225,23 @@ FindResult CreateFindResultDlg(GtkWidget* parent, const FindRequest& request)
     GtkWidget* vbox = nullptr;
     GtkWidget* const dialog = CreateNormalDialogBox(&vbox, kWidth, kHeight, kSpacing);
     gtk_window_set_title(GTK_WINDOW(dialog), _("Result of find"));
-    info.Label = AddLabel(vbox);
-    info.ResultTree = AddResultTree(vbox, request.StartPath);
+    info.Label = CreateLabel(vbox, "");
+    ShortenLabel(info.Label, kLabelCharacters);
+    info.Growing = NewGrowingStore(request.StartPath);
+    info.ResultTree = AddResultTree(vbox, info.Growing);
     AddResultButtons(vbox, &info);
     CreateDlgButtonBox(dialog, &info.OKButton, nullptr, CLOSING_UNWIRED);
-    SetResultSensitive(&info, false);
     g_signal_connect(info.ResultTree, "row-activated", G_CALLBACK(on_ResultTree_row_activated), info.Buttons[0]);
-    g_signal_connect(dialog, "delete-event", G_CALLBACK(on_FindResult_delete_event), &info);
+    g_signal_connect(dialog, "delete-event", G_CALLBACK(on_delete_event), info.OKButton);
     g_signal_connect(info.OKButton, "clicked", G_CALLBACK(on_FindResult_OKButton_clicked), &info);
 
     info.Search.emplace(request);
     info.Timer = g_timeout_add(kPollInterval, on_Search_timeout, &info);
+    ShowMatchCount(&info);
     ModalMainLoop(dialog, parent);
     if (info.Timer != 0) {
         g_source_remove(info.Timer);
     }
+    g_object_unref(info.Growing);
     return info.Result;
 }

@@ -65,6 +65,10 @@ bool ReadRequest(const FindDlgInfo* info, FindRequest* request)
     GtkWidget* const name_entry = ComboEntry(info->NameCombo);
     std::string start = GetEntryBytes(start_entry);
     const PathStatus status = WaitToCheckPath(&start);
+    if (status == PATH_FILE) {
+        EntryMessageBox(FormatText(_("%s is not a directory."), DisplayText(start).c_str()).c_str(), start_entry);
+        return false;
+    }
     if (status != PATH_DIRECTORY) {
         FileExistMessageBox(status, start_entry);
         return false;

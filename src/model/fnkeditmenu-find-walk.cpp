@@ -6,6 +6,7 @@
 #include <cstring>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
@@ -55,6 +56,12 @@ std::string FindProgress::CurrentName()
     return name_;
 }
 
+std::vector<std::string> FindProgress::TakeMatches()
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(matches_, {});
+}
+
 /// Descends by file descriptor, so a directory that is replaced with a link meanwhile cannot lead
 /// elsewhere. Not recursive, because the depth of directories must not be limited by the stack.
 class FindWalk {
@@ -72,14 +79,15 @@ private:
         struct stat st;
         DirectoryStream stream;
         std::vector<FoundEntry> entries;
+        bool is_match;
     };
 
-    bool Matches(const char* name) const { return MatchPattern(request_.Pattern, name); }
+    bool Matches(const char* name, const char* suffix);
     void AddEntry(const std::string& name, bool is_directory)
     {
         levels_.back().entries.push_back(found_.NewEntry(name, is_directory));
     }
-    bool Enter(const Place& place);
+    bool Enter(const Place& place, bool is_match);
     void Leave();
     void Visit(const struct dirent& entry);
     void VisitDirectory(const std::string& name);
@@ -90,9 +98,25 @@ private:
     std::vector<Level> levels_;  ///< From StartPath to the current directory.
 };
 
+/// Reports a match. suffix is "/" for a directory.
+bool FindWalk::Matches(const char* name, const char* suffix)
+{
+    if (!MatchPattern(request_.Pattern, name)) {
+        return false;
+    }
+    progress_.ReportMatch([&] {
+        std::string path;
+        for (std::size_t i = 1; i < levels_.size(); ++i) {
+            path += WithSlash(levels_[i].name);
+        }
+        return path + name + suffix;
+    });
+    return true;
+}
+
 /// False if the directory cannot be read or is already being searched, because it is mounted inside
 /// itself.
-bool FindWalk::Enter(const Place& place)
+bool FindWalk::Enter(const Place& place, bool is_match)
 {
     DirectoryStream stream = OpenDirectory(place);
     struct stat st = {};
@@ -100,7 +124,7 @@ bool FindWalk::Enter(const Place& place)
         std::any_of(levels_.begin(), levels_.end(), [&st](const Level& level) { return IsSameObject(level.st, st); })) {
         return false;
     }
-    levels_.push_back({place.name, st, std::move(stream), {}});
+    levels_.push_back({place.name, st, std::move(stream), {}, is_match});
     return true;
 }
 
@@ -111,7 +135,7 @@ void FindWalk::Leave()
     levels_.pop_back();
     if (levels_.empty()) {
         found_.AdoptChildren(found_.entries_[FoundTree::kTop], level.entries);
-    } else if (!level.entries.empty() || Matches(level.name.c_str())) {
+    } else if (!level.entries.empty() || level.is_match) {
         AddEntry(level.name, true);
         found_.AdoptChildren(levels_.back().entries.back(), level.entries);
     }
@@ -119,8 +143,9 @@ void FindWalk::Leave()
 
 void FindWalk::VisitDirectory(const std::string& name)
 {
-    const bool is_entered = request_.SubDir && Enter({dirfd(levels_.back().stream.get()), name, name});
-    if (!is_entered && Matches(name.c_str())) {
+    const bool is_match = Matches(name.c_str(), "/");
+    const bool is_entered = request_.SubDir && Enter({dirfd(levels_.back().stream.get()), name, name}, is_match);
+    if (!is_entered && is_match) {
         AddEntry(name, true);
     }
 }
@@ -133,7 +158,7 @@ void FindWalk::Visit(const struct dirent& entry)
     progress_.ReportName(entry.d_name);
     if (IsDirectoryEntry(dirfd(levels_.back().stream.get()), entry)) {
         VisitDirectory(entry.d_name);
-    } else if (Matches(entry.d_name)) {
+    } else if (Matches(entry.d_name, "")) {
         AddEntry(entry.d_name, false);
     }
 }
@@ -143,7 +168,7 @@ FoundTree FindWalk::Run()
     // "/" has no name in its parent. As an absolute path, it needs no parent.
     const PathPlace start(request_.StartPath);
     const std::string name = request_.StartPath == "/" ? "/" : start.Get().name;
-    Enter({start.Get().directory, name, request_.StartPath});
+    Enter({start.Get().directory, name, request_.StartPath}, false);
     while (!levels_.empty()) {
         const struct dirent* const entry = progress_.IsStopped() ? nullptr : readdir(levels_.back().stream.get());
         if (entry != nullptr) {

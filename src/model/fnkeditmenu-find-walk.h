@@ -58,11 +58,29 @@ public:
     /// A recent name: the first one reported after the previous call. Empty at first.
     std::string CurrentName();
 
+    /// Matches beyond these are only counted.
+    static constexpr std::size_t kReportedMatches = 1000;
+    /// Called by the search for each match; path is below StartPath and may end in "/". It is only asked
+    /// for while matches are reported.
+    template <typename MakePath>
+    void ReportMatch(const MakePath& path)
+    {
+        if (++match_count_ <= kReportedMatches) {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            matches_.push_back(path());
+        }
+    }
+    std::size_t MatchCount() const { return match_count_; }
+    /// The matches reported since the last call.
+    std::vector<std::string> TakeMatches();
+
 private:
     std::atomic<bool> stop_ = false;
     std::atomic<bool> is_wanted_ = true;
+    std::atomic<std::size_t> match_count_ = 0;
     std::mutex mutex_;
     std::string name_;
+    std::vector<std::string> matches_;
 };
 
 /// Searches until it is done or stopped, and returns what it has found. Does not follow links, and
@@ -80,7 +98,7 @@ public:
 
     void Stop() { state_->progress.Stop(); }
     bool IsStopped() const { return state_->progress.IsStopped(); }
-    std::string CurrentName() { return state_->progress.CurrentName(); }
+    FindProgress& Progress() { return state_->progress; }
     bool IsDone() const { return state_->is_done; }
     /// Call it once, and only when IsDone.
     FoundTree TakeResult() { return std::move(state_->result); }

@@ -1,5 +1,7 @@
 // Finding files: the dialogs, the search behind them, and where a result leads.
 
+#include <cstring>
+
 #include "acts.h"
 #include "commands/fnkeditmenu-find-result.h"
 #include "core/fnkfiles-place.h"
@@ -22,6 +24,12 @@ protected:
         };
     }
     static bool IsOver(GtkWidget* dialog) { return FindByText(dialog, "Match file list") != nullptr; }
+    static bool Says(GtkWidget* dialog, const char* text)
+    {
+        return FindWidget(dialog, [text](GtkWidget* one) {
+                   return GTK_IS_LABEL(one) && std::strstr(gtk_label_get_text(GTK_LABEL(one)), text) != nullptr;
+               }) != nullptr;
+    }
     static void AwaitEnd(GtkWidget* dialog)
     {
         EXPECT_TRUE(Await([=] { return IsOver(dialog); }));
@@ -70,6 +78,7 @@ TEST_F(FindDialogs, SearchAgainKeepsTheQuestionAndTheHistories)
     EXPECT_EQ(pGTable->FilterHistory, (History{"no match*", "old"}));
     EXPECT_EQ(pGTable->DirHistory.front(), files.Path());
     Ask(MENU_FIND_FILE, {Question(files.At("missing"), "*", false), ReadBox("The specified file does not exist."),
+                         Question(files.At("a.c"), "*", false), ReadBox(files.At("a.c") + " is not a directory."),
                          Question(files.Path(), "", false), ReadBox("Invalid find string."), PressButton("Cancel")});
     EXPECT_EQ(pGTable->FilterHistory, (History{"no match*", "old"}));
     ExpectConsistent();
@@ -102,19 +111,63 @@ TEST_F(FindDialogs, AResultLeadsToItsDirectory)
     EXPECT_TRUE(Await([] { return RowVisibilityOf(RowOf("x\xFE.c")) == ROW_VISIBLE; }));
 }
 
+TEST_F(FindDialogs, AreUsedByKeys)
+{
+    MakeMany(1'100, "dir/f");  // More than are shown while the search runs.
+    Start();
+    const auto ask = [](GtkWidget* dialog) {
+        GtkWidget* const name = FindNamed(dialog, "Find name:");
+        EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), name);
+        int last = 0;
+        for (int step = 0; step < 5; ++step) {  // By way of the arrow and the switch to the buttons.
+            int x = 0, y = 0;
+            GtkWidget* const focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+            gtk_widget_translate_coordinates(focus, dialog, 0, 0, &x, &y);
+            EXPECT_GT(1'000 * y / 20 + x, last);
+            last = 1'000 * y / 20 + x;
+            SendKey(dialog, GDK_KEY_Tab);
+        }
+        EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(dialog)), FindNamed(dialog, "Start dir:"));
+        Question("", "f*", true)(dialog);
+    };
+    const auto look = [](GtkWidget* dialog) {
+        AwaitEnd(dialog);
+        EXPECT_EQ(Rows(dialog).size(), 1'102U);
+        GtkTreeView* const tree = TreeOf(dialog);
+        gtk_widget_grab_focus(GTK_WIDGET(tree));
+        const std::pair<guint, const char*> steps[] = {
+            {GDK_KEY_End, "dir/f999"}, {GDK_KEY_KP_Up, "dir/f998"}, {GDK_KEY_Home, ""},
+            {GDK_KEY_Down, "dir"},     {GDK_KEY_Left, "dir"},       {GDK_KEY_Down, "dir"},
+            {GDK_KEY_Right, "dir"},    {GDK_KEY_Down, "dir/f100"},  {GDK_KEY_Left, "dir"},
+            {GDK_KEY_Right, "dir"},    {GDK_KEY_End, "dir/f999"}};
+        for (const auto& [key, shown] : steps) {
+            SendKey(dialog, key);
+            Settle();
+            std::string path;
+            GtkTreeIter node;
+            ASSERT_TRUE(GetTreeSelect(tree, &node, &path));
+            EXPECT_EQ(WithoutSlash(path), WithoutSlash(pGTable->RootDir + shown)) << key;
+            const TreePath row(gtk_tree_model_get_path(gtk_tree_view_get_model(tree), &node));
+            EXPECT_TRUE(Await([&] { return GetRowVisibility(tree, row.get()) == ROW_VISIBLE; })) << shown;
+        }
+        PressButton("OK")(dialog);
+    };
+    Ask(MENU_FIND_FILE, {ask, look});
+}
+
 TEST_F(FindDialogs, ClosingStopsTheSearchOrLeavesIt)
 {
     MakeMany(100, "f");
     Start();
     LetRead(10);
     Ask(MENU_FIND_FILE, {Question("", "*", true), [](GtkWidget* dialog) {
-                             EXPECT_TRUE(Await([] { return EntriesLeft() == 0; }));
-                             EXPECT_FALSE(gtk_widget_get_sensitive(FindByText(dialog, "Display directory")));
-                             SendKey(dialog, GDK_KEY_Escape);  // The same as closing the window, a little later.
+                             EXPECT_TRUE(Await([=] { return Rows(dialog).size() > 8 && EntriesLeft() == 0; }));
+                             EXPECT_TRUE(Says(dialog, " matches, searching f1")) << "what there is shows at once";
+                             SendKey(dialog, GDK_KEY_Escape);  // The same as OK, a little later.
                              Settle();
-                             EXPECT_FALSE(IsOver(dialog));
+                             EXPECT_TRUE(Says(dialog, "Stopped: "));
                              LetRead(G_MAXINT);
-                             AwaitEnd(dialog);
+                             Settle();
                              EXPECT_NEAR(static_cast<double>(Rows(dialog).size()), 10.5, 1.5)
                                  << "\".\" and \"..\" may be read, too";
                              SendClose(dialog);
