@@ -1,9 +1,12 @@
 #include "commands/fnkeditmenu-select.h"
 
+#include <algorithm>
+
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
 #include "core/fnkutil.h"
 #include "kit/fnkutil-pattern.h"
+#include "kit/fnkutil-view.h"
 #include "panes/fnkfilelist.h"
 
 #include "IconSelect.xpm"
@@ -15,7 +18,12 @@ void SelectMatchingRows(const std::string& pattern)
     for (std::size_t i = 0; i < chosen.size(); ++i) {
         chosen[i] = MatchPattern(pattern, rows.Name(i));
     }
-    SetListSelection(std::move(chosen));
+    const auto first = std::find(chosen.begin(), chosen.end(), true) - chosen.begin();
+    SetListSelection(chosen);
+    if (first < static_cast<std::ptrdiff_t>(chosen.size())) {
+        const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(first), -1));
+        ShowRow(MainList(), path.get());
+    }
 }
 
 void InvertListSelection()

@@ -88,6 +88,15 @@ void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment)
                              row.y - alignment * (visible.height - row.height));
 }
 
+void ShowRow(GtkTreeView* view, GtkTreePath* path)
+{
+    GdkRectangle visible;
+    gtk_tree_view_get_visible_rect(view, &visible);
+    if (GetRowVisibility(view, path) != ROW_VISIBLE) {
+        ScrollRowTo(view, path, GetRowArea(view, path).y < visible.y ? 0.0 : 1.0);
+    }
+}
+
 TreePath GetFirstVisiblePath(GtkTreeView* view)
 {
     GtkTreePath* start = nullptr;

@@ -23,6 +23,8 @@ RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 /// Scrolls so that the row is at the top (alignment 0.0) or bottom (1.0). Unlike
 /// gtk_tree_view_scroll_to_cell, takes effect at once, so that fast key presses see the new position.
 void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment);
+/// Scrolls just far enough to show the row, and at once.
+void ShowRow(GtkTreeView* view, GtkTreePath* path);
 /// The first row that is at least partly visible, or null.
 TreePath GetFirstVisiblePath(GtkTreeView* view);
 /// Width in pixels of text in the widget's font.

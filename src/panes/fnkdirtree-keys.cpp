@@ -173,7 +173,7 @@ void on_NodeView_size_allocate(GtkWidget* widget, GdkRectangle*, gpointer)
     }
     const TreePath path = TreeWalk(tree).PathOf(node);
     if (GetRowVisibility(tree, path.get()) == ROW_PARTLY_VISIBLE) {
-        ScrollRowTo(tree, path.get(), 1.0);
+        ShowRow(tree, path.get());
     }
 }
 

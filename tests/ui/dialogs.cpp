@@ -75,6 +75,12 @@ TEST_F(Choosing, APatternSelectsWhatItMatchesAndInvertingTurnsThatAround)
     Choose(MENU_INVERT_SELECTION);
     EXPECT_EQ(SelectedNames().size(), 7U);
     EXPECT_EQ(pGTable->Filter, 0);
+    MakeMany(60, "z");
+    Steps("rescan");
+    Ask(MENU_SELECT_FILES, {EnterText("z1[45]*")});
+    EXPECT_EQ(RowVisibilityOf(RowOf("z140")), ROW_VISIBLE) << "the first match";
+    Ask(MENU_SELECT_FILES, {EnterText("*.txt")});
+    EXPECT_EQ(RowVisibilityOf(RowOf("dir.txt")), ROW_VISIBLE);
     ExpectConsistent();
 }
 
