@@ -76,10 +76,19 @@ GtkWidget* CreateFileSelection()
     return dialog;
 }
 
+/// The toolkit makes the dialog as large as it was last in any program.
+void KeepWithinMainWindow(GtkWidget* dialog)
+{
+    GdkGeometry limits = {};
+    gtk_window_get_size(GTK_WINDOW(pMainW->MainWindow), &limits.max_width, &limits.max_height);
+    gtk_window_set_geometry_hints(GTK_WINDOW(dialog), nullptr, &limits, GDK_HINT_MAX_SIZE);
+}
+
 void on_FileBrowseButton_clicked(GtkWidget*, gpointer entry)
 {
     FileSelection state = {CreateFileSelection(), GTK_WIDGET(entry)};
     StackAbove(state.dialog, state.entry);
+    KeepWithinMainWindow(state.dialog);
     gtk_dialog_add_button(GTK_DIALOG(state.dialog), _("OK"), GTK_RESPONSE_ACCEPT);
     GtkWidget* const cancel = gtk_dialog_add_button(GTK_DIALOG(state.dialog), _("Cancel"), GTK_RESPONSE_CANCEL);
     gtk_dialog_set_default_response(GTK_DIALOG(state.dialog), GTK_RESPONSE_ACCEPT);
@@ -116,19 +125,17 @@ void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)
     auto* const state = static_cast<DirSelection*>(data);
     std::string path;
     std::string typed = GetEntryBytes(state->entry);
-    // A typed path counts even if the user has not pressed Return.
+    // A typed path counts even if the user has not pressed Return, and if the tree does not show it.
     if (!GetTreeSelect(state->tree, nullptr, &path) || typed != path) {
         if (const PathStatus status = WaitToCheckPath(&typed); status != PATH_DIRECTORY) {
             FileExistMessageBox(status, state->entry);
             return;
         }
-        OpenTypedPath(*state);
+        path = WithSlash(typed);
     }
-    if (GetTreeSelect(state->tree, nullptr, &path)) {
-        SetEntryBytes(state->caller_entry, path);
-        AddHistoryListS(pGTable->DirHistory, path);
-        state->accepted = true;
-    }
+    SetEntryBytes(state->caller_entry, path);
+    AddHistoryListS(pGTable->DirHistory, path);
+    state->accepted = true;
     gtk_main_quit();
 }
 

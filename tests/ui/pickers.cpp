@@ -11,7 +11,7 @@ constexpr const char* kDirectory = "Symbolic link file name:";
 
 class Pickers : public WindowTest {
 protected:
-    Pickers() { Make({"a/below/", "b\xFF/", "c/"}); }
+    Pickers() { Make({"a/below/", "b\xFF/", "c/", ".hidden/", "link -> a/below"}); }
 
     static std::string SelectedIn(GtkWidget* dialog)
     {
@@ -79,7 +79,9 @@ TEST_F(Pickers, ADirectoryIsPickedFromTheTreeOrTyped)
         PressButton("Cancel")(dialog);
     };
     EXPECT_EQ(Browse(kDirectory, "", {TypeText(files.At("a/below"), go)}), "");
-    EXPECT_EQ(Browse(kDirectory, "", {TypeText(files.At("c"), PressButton("OK"))}), files.At("c/"));
+    for (const auto& [typed, taken] : {std::pair("c", "c/"), {".hidden", ".hidden/"}, {"link", "a/below/"}}) {
+        EXPECT_EQ(Browse(kDirectory, "", {TypeText(files.At(typed), PressButton("OK"))}), files.At(taken));
+    }
     // What is no directory of the tree is not taken for the one selected before.
     const DialogAct ok = PressButton("OK");
     EXPECT_EQ(Browse(kDirectory, "before", {TypeText(files.At("a/missing"), ok), ok, PressButton("Cancel")}), "before");
@@ -95,6 +97,8 @@ TEST_F(Pickers, AFileGoesIntoTheEntryAsItsBytes)
         GtkFileChooser* const chooser = GTK_FILE_CHOOSER(dialog);
         gtk_file_chooser_select_filename(chooser, file.c_str());
         EXPECT_TRUE(Await([&] { return GlibPointer<char>(gtk_file_chooser_get_filename(chooser)) != nullptr; }));
+        EXPECT_LE(gtk_widget_get_allocated_width(dialog), gtk_widget_get_allocated_width(pMainW->MainWindow));
+        EXPECT_LE(gtk_widget_get_allocated_height(dialog), gtk_widget_get_allocated_height(pMainW->MainWindow));
         PressButton("OK")(dialog);
     };
     EXPECT_EQ(Browse("Existing file name:", "", {choose}), file);
