@@ -60,7 +60,7 @@ constexpr std::array<MenuTableEntry, kMenuEntryCount> kEntries = {{
     {MENU_ITEM, N_("Select files(_S)..."), on_Menu_SelectFiles_activate},
     {MENU_ITEM, N_("Invert selection(_I)"), on_Menu_Invert_Selection_activate},
     {MENU_SEPARATOR},
-    {MENU_ITEM, N_("Find file(_F)..."), on_Menu_FindFile_activate},
+    {MENU_ITEM, N_("Find file(_F)..."), on_Menu_FindFile_activate, GDK_KEY_F, GDK_CONTROL_MASK},
     {MENU_SEPARATOR},
     {MENU_ITEM, N_("Symbolic link(_L)..."), on_Menu_SymbolicLink_activate},
     {MENU_SEPARATOR},

@@ -29,18 +29,19 @@ struct ToolEntry {
     const char* label;  ///< Null for a space.
     Picture image;
     ToolHandler handler;
+    const char* shortcut;  ///< Null for none.
 };
 
 constexpr std::array<ToolEntry, TOOL_SLOT_COUNT> kTools = {{
-    {N_("Back"), PICTURE(Back), on_Tool_Back_clicked},
-    {N_("Up"), PICTURE(Up), on_Tool_Up_clicked},
-    {N_("Forward"), PICTURE(Foward), on_Tool_Forward_clicked},
-    {nullptr, {}, nullptr},
-    {N_("Rescan"), PICTURE(Rescan), on_Tool_Rescan_clicked},
-    {nullptr, {}, nullptr},
-    {N_("Home"), PICTURE(Home), on_Tool_Home_clicked},
-    {nullptr, {}, nullptr},
-    {N_("Property"), PICTURE(Property), on_Tool_Property_clicked},
+    {N_("Back"), PICTURE(Back), on_Tool_Back_clicked, "<Alt>Left"},
+    {N_("Up"), PICTURE(Up), on_Tool_Up_clicked, "<Alt>Up"},
+    {N_("Forward"), PICTURE(Foward), on_Tool_Forward_clicked, "<Alt>Right"},
+    {nullptr, {}, nullptr, nullptr},
+    {N_("Rescan"), PICTURE(Rescan), on_Tool_Rescan_clicked, "F5"},
+    {nullptr, {}, nullptr, nullptr},
+    {N_("Home"), PICTURE(Home), on_Tool_Home_clicked, "<Alt>Home"},
+    {nullptr, {}, nullptr, nullptr},
+    {N_("Property"), PICTURE(Property), on_Tool_Property_clicked, nullptr},
 }};
 
 /// Calls the handler, unless the records are already gone. A visit may replace another.
@@ -49,6 +50,15 @@ void on_Tool_clicked(GtkWidget* item, gpointer slot)
     if (pGTable != nullptr && !IsModal()) {
         kTools[GPOINTER_TO_SIZE(slot)].handler(item, nullptr);
     }
+}
+
+/// Not the accelerator of the button, which would be dead where the window is too narrow for it.
+gboolean on_Tool_shortcut(gpointer slot)
+{
+    if (pGTable != nullptr && gtk_widget_get_sensitive(pMainW->ToolButton[GPOINTER_TO_SIZE(slot)])) {
+        kTools[GPOINTER_TO_SIZE(slot)].handler(nullptr, nullptr);
+    }
+    return TRUE;
 }
 
 gboolean on_Tool_enter(GtkWidget*, GdkEvent*, gpointer slot)
@@ -77,7 +87,12 @@ GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
     GtkWidget* const image = CreatePixmap(tool.image);
     gtk_widget_show(image);
     GtkToolItem* const item = gtk_tool_button_new(image, gettext(tool.label));
-    gtk_tool_item_set_tooltip_text(item, GetToolTipsString(slot).c_str());
+    std::string tip = GetToolTipsString(slot);
+    if (tool.shortcut != nullptr) {
+        tip = TipWithShortcut(tip, tool.shortcut);
+        AddShortcut(pMainW->MainWindow, tool.shortcut, on_Tool_shortcut, GINT_TO_POINTER(slot));
+    }
+    gtk_tool_item_set_tooltip_text(item, tip.c_str());
     // Buttons of equal width would not fit into a window of the default width.
     gtk_tool_item_set_homogeneous(item, FALSE);
     gtk_toolbar_insert(GTK_TOOLBAR(toolbar), item, -1);

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "core/fnkraii.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
@@ -87,6 +88,11 @@ void on_Notebook_switch_page(GtkWidget* notebook, GtkWidget*, guint, gpointer)
     }
 }
 
+void on_Notebook_map(GtkWidget* notebook, gpointer)
+{
+    SetAccessibleName(notebook, gtk_window_get_title(GTK_WINDOW(gtk_widget_get_toplevel(notebook))));
+}
+
 }  // namespace
 
 GtkWidget* CreateDialogBox(GtkWidget** content, int width, int height)
@@ -154,6 +160,7 @@ GtkWidget* CreateNotebookDialogBox(GtkWidget** notebook, int width, int height)
                      G_CALLBACK(+[](GtkNotebook* pages, gpointer) { gtk_notebook_set_show_tabs(pages, FALSE); }),
                      nullptr);
     g_signal_connect(*notebook, "button-press-event", G_CALLBACK(on_Notebook_button_press), nullptr);
+    g_signal_connect(*notebook, "map", G_CALLBACK(on_Notebook_map), nullptr);
     g_signal_connect_after(*notebook, "switch-page", G_CALLBACK(on_Notebook_switch_page), nullptr);
     gtk_widget_show(*notebook);
     return dialog;
@@ -268,6 +275,7 @@ GtkWidget* CreateScroll()
     // Permanent scroll bars show the position in a long list. Overlay scroll bars would cover the last
     // row, and an animation of two seconds would run each time they appear, even at start.
     gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scroll), FALSE);
+    gtk_widget_set_can_focus(scroll, FALSE);  // What is in it takes the focus, or nothing does.
     gtk_widget_show(scroll);
     return scroll;
 }
@@ -490,6 +498,27 @@ void ReleaseEntryFocus(GtkWidget* window)
     gtk_window_set_focus(GTK_WINDOW(window), nullptr);
 }
 
+void AddShortcut(GtkWidget* window, const char* shortcut, gboolean (*act)(gpointer), gpointer data)
+{
+    guint key = 0;
+    GdkModifierType modifiers = {};
+    gtk_accelerator_parse(shortcut, &key, &modifiers);
+    GtkAccelGroup* const group = gtk_accel_group_new();
+    GClosure* const closure = g_cclosure_new_swap(G_CALLBACK(act), data, nullptr);
+    gtk_accel_group_connect(group, key, modifiers, {}, closure);
+    gtk_window_add_accel_group(GTK_WINDOW(window), group);
+    g_object_unref(group);
+}
+
+std::string TipWithShortcut(const std::string& tip, const char* shortcut)
+{
+    guint key = 0;
+    GdkModifierType modifiers = {};
+    gtk_accelerator_parse(shortcut, &key, &modifiers);
+    const GlibPointer<char> label(gtk_accelerator_get_label(key, modifiers));
+    return tip + " (" + label.get() + ")";
+}
+
 void WrapLabel(GtkWidget* label)
 {
     constexpr int kLineCharacters = 70;
@@ -549,7 +578,25 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
     atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
 }
 
+namespace {
+
+/// Names a combo box and its arrow, which the focus stops at, too.
+void NameParts(GtkWidget* widget, gpointer name)
+{
+    if (GTK_IS_COMBO_BOX(widget) || GTK_IS_TOGGLE_BUTTON(widget)) {
+        atk_object_set_name(gtk_widget_get_accessible(widget), static_cast<const char*>(name));
+    }
+    if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(GTK_CONTAINER(widget), NameParts, name);
+    }
+}
+
+}  // namespace
+
 void SetAccessibleName(GtkWidget* widget, const char* name)
 {
     atk_object_set_name(gtk_widget_get_accessible(widget), name);
+    if (GtkWidget* const combo = gtk_widget_get_ancestor(widget, GTK_TYPE_COMBO_BOX)) {
+        NameParts(combo, const_cast<char*>(name));
+    }
 }

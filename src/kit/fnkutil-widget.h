@@ -98,6 +98,12 @@ void AddHistoryListC(GtkWidget* combo, History& list);
 /// Takes the focus out of the window's entries, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
+/// Calls act(data), which returns TRUE, when the shortcut, such as "<Alt>Left", is pressed anywhere in
+/// the window.
+void AddShortcut(GtkWidget* window, const char* shortcut, gboolean (*act)(gpointer), gpointer data);
+/// A tip with the shortcut in the words of the user's language.
+std::string TipWithShortcut(const std::string& tip, const char* shortcut);
+
 /// Wraps a label's long lines at blanks, or anywhere in a long word, without hyphens.
 void WrapLabel(GtkWidget* label);
 
@@ -111,5 +117,5 @@ void ShortenLabel(GtkWidget* label, int max_characters);
 GtkWidget* StatusBarLabel(GtkWidget* status_bar);
 /// Sets the label and the accessible description of a status bar. Bypasses its message stack.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
-/// Sets the name that screen readers use.
+/// Sets the name that screen readers use. That of an entry is also that of its combo box.
 void SetAccessibleName(GtkWidget* widget, const char* name);

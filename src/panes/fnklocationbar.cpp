@@ -12,6 +12,13 @@ constexpr int kBarBorder = 2;
 constexpr int kBoxSpacing = 5;
 constexpr int kBoxBorder = 1;
 constexpr int kComboWidth = 500;
+constexpr const char* kShortcut = "<Control>L";
+
+gboolean on_Location_shortcut(gpointer entry)
+{
+    gtk_widget_grab_focus(GTK_WIDGET(entry));
+    return TRUE;
+}
 
 }  // namespace
 
@@ -29,6 +36,8 @@ GtkWidget* CreateLocationBar(GtkWidget* box)
     gtk_widget_set_size_request(combo, kComboWidth, -1);
     gtk_widget_set_can_default(entry, TRUE);
     SetAccessibleName(entry, _("Location"));
+    gtk_widget_set_tooltip_text(entry, TipWithShortcut(_("Location"), kShortcut).c_str());
+    AddShortcut(pMainW->MainWindow, kShortcut, on_Location_shortcut, entry);
     SetComboStrings(combo, pGTable->LocationDirHistory);
     gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
     g_signal_connect(entry, "activate", G_CALLBACK(on_LocationComboEntry_activate), nullptr);

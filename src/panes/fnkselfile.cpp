@@ -14,6 +14,7 @@
 #include "kit/fnkprogress.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree-keys.h"
 #include "panes/fnkdirtree.h"
 
 namespace {
@@ -154,6 +155,12 @@ std::string GetStartingDirectory(GtkWidget* entry)
     return path;
 }
 
+/// Return in the tree expands the node, as in the main window.
+void on_DirSel_row_activated(GtkTreeView* tree, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
+{
+    gtk_tree_view_expand_row(tree, path, FALSE);
+}
+
 void OfferDirHistory(GtkWidget* combo)
 {
     if (!pGTable->DirHistory.empty()) {
@@ -177,6 +184,8 @@ bool AddDirectoryTree(GtkWidget* vbox, DirSelection& state)
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scroll), GTK_SHADOW_IN);
     gtk_box_pack_start(GTK_BOX(vbox), scroll, TRUE, TRUE, 0);
     state.tree = GTK_TREE_VIEW(tree);
+    TakeTreeKeys(state.tree);
+    g_signal_connect(tree, "row-activated", G_CALLBACK(on_DirSel_row_activated), nullptr);
     return true;
 }
 

@@ -153,4 +153,29 @@ TEST_F(Keys, BelongToTheEntryWhileItHasTheFocusAndNeverToTheToolbar)
     Steps("key Return; key Down = . d");
 }
 
+TEST_F(Keys, ShortcutsGoWhereTheToolbarDoes)
+{
+    Make({"k/"});
+    Start();
+    Visit("k");
+    const std::pair<const char*, const char*> steps[] = {{"<Alt>Up", ""},    {"<Alt>Left", "b/"}, {"<Alt>Right", ""},
+                                                         {"<Alt>Right", ""}, {"<Alt>Up", ""},     {"<Alt>Left", "b/"},
+                                                         {"<Alt>Home", ""}};
+    for (const char* const before : {"Escape", "Tab", "<Control>l"}) {  // Also while the entry has the focus.
+        Visit("b");
+        for (const auto& [key, directory] : steps) {
+            Press(before);
+            Press(key);
+            ExpectAt(directory);
+        }
+    }
+    Visit("b");
+    Press("<Control>l");
+    EXPECT_TRUE(IsEntryFocused());
+    Make({"b/new"});
+    Steps("key F5");
+    ExpectAt("b/");
+    DuringDialogs([this] { Press("<Control>f"); }, {SendClose});
+}
+
 }  // namespace

@@ -1,6 +1,8 @@
 // All dialogs: every text comes from the catalogue, and the window below takes no input. The
 // catalogue used here marks the end of each line of its texts.
 
+#include <set>
+
 #include "acts.h"
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
@@ -29,9 +31,40 @@ protected:
                 GTK_CONTAINER(widget), [](GtkWidget* child, gpointer) { LookAt(child); }, nullptr);
         }
     }
+    /// Tab reaches every control, and each that it stops at has a name.
+    static void Tour(GtkWidget* dialog)
+    {
+        std::set<GtkWidget*> stops;
+        do {
+            SendKey(dialog, GDK_KEY_Tab);
+            GtkWidget* const focus = gtk_window_get_focus(GTK_WINDOW(dialog));
+            const char* const name = atk_object_get_name(gtk_widget_get_accessible(focus));
+            EXPECT_TRUE(name != nullptr && *name != '\0')
+                << gtk_window_get_title(GTK_WINDOW(dialog)) << ": a " << G_OBJECT_TYPE_NAME(focus) << " without a name";
+        } while (stops.insert(gtk_window_get_focus(GTK_WINDOW(dialog))).second);
+        GtkWidget* const missed = FindWidget(dialog, [&stops](GtkWidget* one) {
+            const bool is_control =
+                GTK_IS_BUTTON(one) || GTK_IS_ENTRY(one) ||
+                (GTK_IS_TREE_VIEW(one) && gtk_widget_get_can_focus(one));  // Others get their keys from the window.
+
+            return is_control && gtk_widget_get_mapped(one) && gtk_widget_is_sensitive(one) && !stops.contains(one);
+        });
+        EXPECT_EQ(missed, nullptr) << gtk_window_get_title(GTK_WINDOW(dialog)) << ": a " << G_OBJECT_TYPE_NAME(missed);
+    }
     static DialogAct Look(const DialogAct& act = SendClose)
     {
-        return [act](GtkWidget* dialog) { LookAt(dialog), act(dialog); };
+        return [act](GtkWidget* dialog) {
+            LookAt(dialog);
+            Tour(dialog);
+            if (GtkWidget* const book =
+                    FindWidget(dialog, [](GtkWidget* one) { return GTK_IS_NOTEBOOK(one) != FALSE; })) {
+                for (int page = gtk_notebook_get_n_pages(GTK_NOTEBOOK(book)); page-- > 0;) {
+                    gtk_notebook_set_current_page(GTK_NOTEBOOK(book), page);
+                    Tour(dialog);
+                }
+            }
+            act(dialog);
+        };
     }
     static DialogAct PressMarked(const std::string& label)
     {
