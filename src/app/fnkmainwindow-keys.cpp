@@ -63,6 +63,8 @@ void ListRowVisible(int row, Direction direction)
     if (GetRowVisibility(MainList(), path.get()) != ROW_VISIBLE) {
         ScrollRowTo(MainList(), path.get(), direction == DIRECTION_UP ? 0.0 : 1.0);
     }
+    const TreePath announced(gtk_tree_path_new_from_indices(row, -1));
+    AnnounceRow(MainList(), announced.get(), pGTable->NameColumn);
 }
 
 struct ListPage {
@@ -97,6 +99,18 @@ void SelectFirstEntry()
     SelectListRows(1, 1);
     const TreePath top(gtk_tree_path_new_first());
     gtk_tree_view_scroll_to_cell(MainList(), top.get(), nullptr, TRUE, 0.0F, 0.0F);
+    const TreePath first(gtk_tree_path_new_from_indices(1, -1));
+    AnnounceRow(MainList(), first.get(), pGTable->NameColumn);
+}
+
+/// Gives the keys to the tree.
+void LeaveList()
+{
+    GtkTreeIter node;
+    UnselectAllListRows();
+    if (GetTreeSelect(MainTree(), &node, nullptr)) {
+        AnnounceRow(MainTree(), TreePath(gtk_tree_model_get_path(gtk_tree_view_get_model(MainTree()), &node)).get(), 0);
+    }
 }
 
 void ListUpSelect(const GdkEventKey& event, int row, const SelectedRange& selected)
@@ -188,9 +202,9 @@ void SwitchPane()
 {
     if (IsLocationFocused()) {
         ReleaseEntryFocus(pMainW->MainWindow);
-        UnselectAllListRows();
+        LeaveList();
     } else if (CountListSelection() > 0) {
-        UnselectAllListRows();
+        LeaveList();
     } else if (ListRowCount() > 1) {
         SelectFirstEntry();
     }

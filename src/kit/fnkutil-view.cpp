@@ -1,5 +1,8 @@
 #include "kit/fnkutil-view.h"
 
+#include <gtk/gtk-a11y.h>
+
+#include "core/fnkstring.h"
 #include "kit/fnkutil-widget.h"
 
 namespace {
@@ -11,15 +14,62 @@ constexpr const char* kNameKey = "fennick-name";
 // A tree view that sets the name of its accessible only when the accessible is first requested.
 struct FnkTreeView {
     GtkTreeView parent_instance;
+    gboolean has_accessible;
 };
 struct FnkTreeViewClass {
     GtkTreeViewClass parent_class;
 };
 G_DEFINE_TYPE(FnkTreeView, fnk_tree_view, GTK_TYPE_TREE_VIEW)
 
+namespace {
+
+/// A cell of icon and text has the name of the text, which comes last.
+const char* GetContainerCellName(AtkObject* cell)
+{
+    const GList* const parts = gtk_container_cell_accessible_get_children(GTK_CONTAINER_CELL_ACCESSIBLE(cell));
+    return parts != nullptr ? atk_object_get_name(ATK_OBJECT(g_list_last(const_cast<GList*>(parts))->data)) : nullptr;
+}
+
+/// A cell with a folder says that it is a directory.
+void UpdateIconCellName(GtkCellAccessible* cell, gboolean)
+{
+    GtkWidget* const view = gtk_accessible_get_widget(GTK_ACCESSIBLE(cell));
+    if (view == nullptr || G_OBJECT_TYPE(view) != fnk_tree_view_get_type()) {
+        return;
+    }
+    GtkCellRenderer* renderer = nullptr;
+    cairo_surface_t* icon = nullptr;
+    g_object_get(cell, "renderer", &renderer, nullptr);
+    if (renderer != nullptr) {
+        g_object_get(renderer, "surface", &icon, nullptr);
+        g_object_unref(renderer);
+    }
+    atk_object_set_name(ATK_OBJECT(cell), icon != nullptr ? _("Directory") : "");
+    if (icon != nullptr) {
+        cairo_surface_destroy(icon);
+    }
+}
+
+/// The toolkit gives these cells no names, and takes no other classes for them.
+void NameCells()
+{
+    static const bool once = [] {
+        auto* const container = static_cast<AtkObjectClass*>(g_type_class_ref(GTK_TYPE_CONTAINER_CELL_ACCESSIBLE));
+        container->get_name = GetContainerCellName;
+        auto* const icon = static_cast<GtkCellAccessibleClass*>(g_type_class_ref(GTK_TYPE_IMAGE_CELL_ACCESSIBLE));
+        icon->update_cache = UpdateIconCellName;
+        return true;
+    }();
+    static_cast<void>(once);
+}
+
+}  // namespace
+
 static AtkObject* fnk_tree_view_get_accessible(GtkWidget* widget)
 {
+    NameCells();
     AtkObject* const accessible = GTK_WIDGET_CLASS(fnk_tree_view_parent_class)->get_accessible(widget);
+    reinterpret_cast<FnkTreeView*>(widget)->has_accessible = accessible != nullptr;
     if (accessible != nullptr && atk_object_get_name(accessible) == nullptr) {
         atk_object_set_name(accessible, static_cast<const char*>(g_object_get_data(G_OBJECT(widget), kNameKey)));
     }
@@ -94,6 +144,21 @@ void ShowRow(GtkTreeView* view, GtkTreePath* path)
     gtk_tree_view_get_visible_rect(view, &visible);
     if (GetRowVisibility(view, path) != ROW_VISIBLE) {
         ScrollRowTo(view, path, GetRowArea(view, path).y < visible.y ? 0.0 : 1.0);
+    }
+}
+
+void AnnounceRow(GtkTreeView* view, GtkTreePath* path, int column)
+{
+    const GdkRectangle row = GetRowArea(view, path);
+    if (!reinterpret_cast<FnkTreeView*>(view)->has_accessible || row.height <= 0) {
+        return;
+    }
+    AtkObject* const accessible = gtk_widget_get_accessible(GTK_WIDGET(view));
+    AtkObject* const cell = atk_table_ref_at(ATK_TABLE(accessible), row.y / row.height, column);
+    if (cell != nullptr) {
+        g_signal_emit_by_name(accessible, "active-descendant-changed", cell);
+        atk_object_notify_state_change(cell, ATK_STATE_FOCUSED, TRUE);
+        g_object_unref(cell);
     }
 }
 

@@ -25,6 +25,9 @@ RowVisibility GetRowVisibility(GtkTreeView* view, GtkTreePath* path);
 void ScrollRowTo(GtkTreeView* view, GtkTreePath* path, double alignment);
 /// Scrolls just far enough to show the row, and at once.
 void ShowRow(GtkTreeView* view, GtkTreePath* path);
+/// Tells screen readers that the keys are on this row now; they read the cell in the column. The toolkit
+/// does so only for a view that has the focus. The rows must have the same height.
+void AnnounceRow(GtkTreeView* view, GtkTreePath* path, int column);
 /// The first row that is at least partly visible, or null.
 TreePath GetFirstVisiblePath(GtkTreeView* view);
 /// Width in pixels of text in the widget's font.

@@ -580,14 +580,14 @@ void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
 
 namespace {
 
-/// Names a combo box and its arrow, which the focus stops at, too.
-void NameParts(GtkWidget* widget, gpointer name)
+/// Names the arrow of a combo box, which the focus stops at, too.
+void NameArrow(GtkWidget* widget, gpointer name)
 {
-    if (GTK_IS_COMBO_BOX(widget) || GTK_IS_TOGGLE_BUTTON(widget)) {
+    if (GTK_IS_TOGGLE_BUTTON(widget)) {
         atk_object_set_name(gtk_widget_get_accessible(widget), static_cast<const char*>(name));
     }
     if (GTK_IS_CONTAINER(widget)) {
-        gtk_container_forall(GTK_CONTAINER(widget), NameParts, name);
+        gtk_container_forall(GTK_CONTAINER(widget), NameArrow, name);
     }
 }
 
@@ -597,6 +597,6 @@ void SetAccessibleName(GtkWidget* widget, const char* name)
 {
     atk_object_set_name(gtk_widget_get_accessible(widget), name);
     if (GtkWidget* const combo = gtk_widget_get_ancestor(widget, GTK_TYPE_COMBO_BOX)) {
-        NameParts(combo, const_cast<char*>(name));
+        NameArrow(combo, const_cast<char*>(name));
     }
 }

@@ -331,6 +331,7 @@ void AppendIconColumn(GtkTreeView* list, ColumnClickHandler clicked)
     GtkWidget* const title = CreatePixmap(PICTURE(CloseDir));
     gtk_widget_show(title);
     gtk_tree_view_column_set_widget(column, title);
+    SetAccessibleName(gtk_tree_view_column_get_button(column), _("Directory"));
     MakeClickable(column, 0, clicked);
 }
 
@@ -361,6 +362,7 @@ void AppendFillerColumn(GtkTreeView* list)
     GtkTreeViewColumn* const column = gtk_tree_view_column_new();
     gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
     gtk_tree_view_append_column(list, column);
+    gtk_widget_set_can_focus(gtk_tree_view_column_get_button(column), FALSE);
     gtk_tree_view_column_set_expand(column, RoomTaker(list) == nullptr);
     gtk_tree_view_column_set_visible(column, RoomTaker(list) == nullptr);
     g_signal_connect(list, "size-allocate", G_CALLBACK(on_FileList_size_allocate), nullptr);

@@ -178,4 +178,26 @@ TEST_F(Keys, ShortcutsGoWhereTheToolbarDoes)
     DuringDialogs([this] { Press("<Control>f"); }, {SendClose});
 }
 
+TEST_F(Keys, AreToldToScreenReaders)
+{
+    Make({"k/"});
+    Start();
+    std::string told;
+    const auto note = +[](AtkObject*, AtkObject* cell, std::string* names) {
+        *names += atk_object_get_name(cell) + std::string(",");
+    };
+    for (GtkWidget* const view : {pMainW->FileList, pMainW->DirTree}) {
+        g_signal_connect(gtk_widget_get_accessible(view), "active-descendant-changed", G_CALLBACK(note), &told);
+    }
+    Steps("key Tab; key Down; key End; key Home; key Tab; key Down; key Down");
+    EXPECT_EQ(told, "b,k,e,b," + files.Path() + ",b,k,");
+    Visit("");
+    AtkTable* const table = ATK_TABLE(gtk_widget_get_accessible(pMainW->FileList));
+    for (const auto& [name, spoken] : {std::pair("k", "Directory"), {"a", ""}}) {
+        AtkObject* const icon = atk_table_ref_at(table, static_cast<int>(RowOf(name)), 0);
+        EXPECT_STREQ(atk_object_get_name(icon), spoken);
+        g_object_unref(icon);
+    }
+}
+
 }  // namespace
