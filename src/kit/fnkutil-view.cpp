@@ -39,12 +39,13 @@ void UpdateIconCellName(GtkCellAccessible* cell, gboolean)
     }
     GtkCellRenderer* renderer = nullptr;
     cairo_surface_t* icon = nullptr;
+    gboolean is_visible = FALSE;
     g_object_get(cell, "renderer", &renderer, nullptr);
     if (renderer != nullptr) {
-        g_object_get(renderer, "surface", &icon, nullptr);
+        g_object_get(renderer, "surface", &icon, "visible", &is_visible, nullptr);
         g_object_unref(renderer);
     }
-    atk_object_set_name(ATK_OBJECT(cell), icon != nullptr ? _("Directory") : "");
+    atk_object_set_name(ATK_OBJECT(cell), icon != nullptr && is_visible ? _("Directory") : "");
     if (icon != nullptr) {
         cairo_surface_destroy(icon);
     }

@@ -573,7 +573,10 @@ GtkWidget* StatusBarLabel(GtkWidget* status_bar)
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text)
 {
     const std::string shown = DisplayText(text);
-    gtk_label_set_text(GTK_LABEL(StatusBarLabel(status_bar)), shown.c_str());
+    GtkLabel* const label = GTK_LABEL(StatusBarLabel(status_bar));
+    gtk_label_set_text(label, shown.c_str());
+    // Of a path the end says most, of a name and its size both ends do.
+    gtk_label_set_ellipsize(label, shown.starts_with(" /") ? PANGO_ELLIPSIZE_START : PANGO_ELLIPSIZE_MIDDLE);
     // Screen readers skip the label because the bar itself has a name.
     atk_object_set_description(gtk_widget_get_accessible(status_bar), shown.c_str());
 }

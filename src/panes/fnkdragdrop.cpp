@@ -174,6 +174,13 @@ std::string ReadText(GtkSelectionData* data)
     return {reinterpret_cast<const char*>(gtk_selection_data_get_data(data)), static_cast<std::size_t>(length)};
 }
 
+/// The items of a drop. Looking at them may take the disk long, which is told as work on path.
+std::vector<std::string> SplitItems(const std::string& path, const std::string& text, guint info)
+{
+    const auto split = [text, info] { return info == TARGET_URIS ? SplitUriList(text) : SplitDragText(text); };
+    return WaitFor(path, split).value_or(std::vector<std::string>());
+}
+
 /// A drop that waits for RunDrop.
 struct Drop {
     GdkDragContext* context;
@@ -191,11 +198,9 @@ gboolean RunDrop(gpointer data)
     auto* const drop = static_cast<Drop*>(data);
     std::function<void()> work;
     if (CanAcceptDrop() && OnFilesDropped != nullptr && !drop->text.empty() && !drop->destination.empty()) {
-        const auto items = WaitFor(drop->destination, [text = drop->text, info = drop->info] {
-            return info == TARGET_URIS ? SplitUriList(text) : SplitDragText(text);
-        });
-        if (items && !items->empty()) {
-            work = OnFilesDropped(*items, drop->destination);
+        const std::vector<std::string> items = SplitItems(drop->destination, drop->text, drop->info);
+        if (!items.empty()) {
+            work = OnFilesDropped(items, drop->destination);
         }
     }
     // Never ask the source to delete the originals: the engine does so in a move.
@@ -222,7 +227,53 @@ void on_Pane_drag_data_received(GtkWidget* widget, GdkDragContext* context, int,
     g_idle_add_full(G_PRIORITY_DEFAULT, RunDrop, drop, FreeDrop);
 }
 
+using DropHandler = void (*)(const std::string& item);
+
+/// A drop on an entry that waits for RunEntryDrop.
+struct EntryDrop {
+    std::string text;
+    guint info;
+    DropHandler dropped;
+};
+
+gboolean RunEntryDrop(gpointer data)
+{
+    const auto* const drop = static_cast<const EntryDrop*>(data);
+    if (!CanAcceptDrop()) {
+        return G_SOURCE_REMOVE;
+    }
+    const std::vector<std::string> items = SplitItems(pGTable->CurrentDir, drop->text, drop->info);
+    if (!items.empty()) {
+        drop->dropped(items.front());
+    }
+    return G_SOURCE_REMOVE;
+}
+
+/// Leaves text that names no files to the entry's own handler, which inserts it.
+void on_Entry_drag_data_received(GtkWidget* entry, GdkDragContext* context, int, int, GtkSelectionData* data,
+                                 guint info, guint time, gpointer handler)
+{
+    const std::string text = ReadText(data);
+    if (info != TARGET_URIS && !text.starts_with("file:")) {
+        return;
+    }
+    g_signal_stop_emission_by_name(entry, "drag-data-received");
+    gtk_drag_finish(context, TRUE, FALSE, time);
+    g_idle_add_full(G_PRIORITY_DEFAULT, RunEntryDrop, new EntryDrop{text, info, reinterpret_cast<DropHandler>(handler)},
+                    [](gpointer drop) { delete static_cast<EntryDrop*>(drop); });
+}
+
 }  // namespace
+
+void ConnectEntryDrop(GtkWidget* entry, void (*dropped)(const std::string& item))
+{
+    GtkTargetList* const targets = gtk_target_list_new(kAccepted, 1);
+    gtk_target_list_add_text_targets(targets, TARGET_TEXT);
+    gtk_drag_dest_set_target_list(entry, targets);
+    gtk_target_list_unref(targets);
+    g_signal_connect(entry, "drag-data-received", G_CALLBACK(on_Entry_drag_data_received),
+                     reinterpret_cast<gpointer>(dropped));
+}
 
 void ConnectDragPane(GtkTreeView* view, const DragPane& pane)
 {

@@ -26,3 +26,7 @@ struct DragPane {
 /// Makes the pane a drag source and a drop target. pane must outlive the view. A press that an
 /// earlier handler of the view has consumed starts no drag.
 void ConnectDragPane(GtkTreeView* view, const DragPane& pane);
+
+/// Calls dropped with the first of the files that are dropped on an entry, instead of inserting their
+/// names.
+void ConnectEntryDrop(GtkWidget* entry, void (*dropped)(const std::string& item));

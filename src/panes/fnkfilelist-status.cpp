@@ -48,7 +48,11 @@ guint request_source = 0;
 
 void ShowStatus(std::string text)
 {
-    if (text.size() > kMaxStatusBytes) {
+    if (text.size() > kMaxStatusBytes && text.starts_with(" /")) {  // The end of a path says most.
+        const std::string ellipsis = " \u2026";
+        const char* const end = text.c_str() + text.size();
+        text = ellipsis + g_utf8_find_next_char(end - (kMaxStatusBytes - ellipsis.size()) - 1, nullptr);
+    } else if (text.size() > kMaxStatusBytes) {
         const char* const last_character = g_utf8_find_prev_char(text.c_str(), text.c_str() + kMaxStatusBytes + 1);
         text.resize(static_cast<std::size_t>(last_character - text.c_str()));
     }

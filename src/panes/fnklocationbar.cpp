@@ -5,6 +5,7 @@
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
+#include "panes/fnkdragdrop.h"
 
 namespace {
 
@@ -18,6 +19,11 @@ gboolean on_Location_shortcut(gpointer entry)
 {
     gtk_widget_grab_focus(GTK_WIDGET(entry));
     return TRUE;
+}
+
+void OpenDropped(const std::string& item)
+{
+    OpenChildTree(MainTree(), IsDirectory(item) ? item : GetParentDirectory(item), EXPAND_LAST_YES);
 }
 
 }  // namespace
@@ -38,6 +44,7 @@ GtkWidget* CreateLocationBar(GtkWidget* box)
     SetAccessibleName(entry, _("Location"));
     gtk_widget_set_tooltip_text(entry, TipWithShortcut(_("Location"), kShortcut).c_str());
     AddShortcut(pMainW->MainWindow, kShortcut, on_Location_shortcut, entry);
+    ConnectEntryDrop(entry, OpenDropped);
     SetComboStrings(combo, pGTable->LocationDirHistory);
     gtk_box_pack_start(GTK_BOX(hbox), combo, TRUE, TRUE, 0);
     g_signal_connect(entry, "activate", G_CALLBACK(on_LocationComboEntry_activate), nullptr);

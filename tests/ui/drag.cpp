@@ -172,6 +172,20 @@ TEST_F(Drag, NothingHappensWithoutADragOrAChoiceOrInTheSameDirectory)
     EXPECT_TRUE(Await([this] { return pGTable->CurrentDir == files.At("from/sub/"); }));
 }
 
+TEST_F(Drag, TheLocationOpensWhatIsDroppedOnIt)
+{
+    StartWithFiles();
+    GdkPoint entry = {};
+    gtk_widget_translate_coordinates(Entry(), pMainW->MainWindow, 250, 15, &entry.x, &entry.y);
+    entry = OnScreen(gtk_widget_get_window(pMainW->MainWindow), entry.x, entry.y);
+    for (const auto& [row, directory] : {std::pair("b b", "from/"), {"sub", "from/sub/"}}) {
+        DragFromTo(Row(row), entry);
+        Release();
+        EXPECT_TRUE(Await([&, shown = directory] { return drags == 0 && pGTable->CurrentDir == files.At(shown); }));
+        ExpectAt(directory);
+    }
+}
+
 TEST_F(Drag, ARestingPointerExpandsAndTheEdgesScroll)
 {
     MakeMany(60, "many/d", "/x/");
