@@ -29,6 +29,10 @@
 namespace {
 
 constexpr int kStatusSpacing = 2;
+/// Where location, panes and status begin and end, in pixels from the window's sides.
+constexpr int kEdge = 4;
+/// The blank that status texts begin with.
+constexpr int kStatusBlank = 3;
 constexpr int kFilterStatusWidth = 202;
 /// Whatever the settings file says, at least this many pixels of the window stay on the screen, and of
 /// the list beside the divider.
@@ -131,11 +135,7 @@ GtkWidget* CreatePaned(GtkWidget* box)
 {
     GtkWidget* const paned = gtk_paned_new(GTK_ORIENTATION_HORIZONTAL);
     gtk_paned_set_wide_handle(GTK_PANED(paned), TRUE);
-    GtkCssProvider* const provider = gtk_css_provider_new();
-    gtk_css_provider_load_from_data(provider, kPanedStyle, -1, nullptr);
-    gtk_style_context_add_provider(gtk_widget_get_style_context(paned), GTK_STYLE_PROVIDER(provider),
-                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    g_object_unref(provider);
+    SetStyle(paned, kPanedStyle);
     gtk_box_pack_start(GTK_BOX(box), paned, TRUE, TRUE, 0);
     int divider = pGTable->PandPosition > 0 ? pGTable->PandPosition : kDefaultDivider;
     if (pGTable->WindowWidth > 0) {
@@ -144,6 +144,9 @@ GtkWidget* CreatePaned(GtkWidget* box)
     }
     gtk_paned_set_position(GTK_PANED(paned), divider);
     gtk_widget_set_size_request(paned, -1, kPaneHeight);
+    gtk_widget_set_margin_start(paned, kEdge);
+    gtk_widget_set_margin_end(paned, kEdge);
+    gtk_widget_set_can_focus(paned, FALSE);  // Keys belong to the panes in it.
     gtk_widget_show(paned);
     return paned;
 }
@@ -165,6 +168,8 @@ GtkWidget* CreateStatusBar(GtkWidget* box, const char* name, bool expand)
     GtkWidget* const bar = gtk_statusbar_new();
     gtk_widget_set_margin_top(bar, 0);
     gtk_widget_set_margin_bottom(bar, 0);
+    gtk_widget_set_margin_start(bar, kEdge - kStatusBlank);
+    gtk_widget_set_margin_end(bar, kEdge);
     gtk_box_pack_start(GTK_BOX(box), bar, expand, expand, 0);
     FitStatusLabel(bar);
     SetAccessibleName(bar, name);
@@ -206,6 +211,7 @@ GtkWidget* CreateMainWindow()
     ConnectTreeDrag(MainTree());
     CreateFileList(pMainW->Paned);
 
+    CreateSeparator(vbox);
     GtkWidget* const status_box = CreateHBox(vbox, false, kStatusSpacing, 0);
     pMainW->StatusBar = CreateStatusBar(status_box, _("Status"), true);
     pMainW->FilterStatusBar = CreateStatusBar(status_box, _("Filter status"), false);

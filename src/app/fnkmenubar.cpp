@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr int kBarBorder = 2;
+constexpr int kBarBorder = 1;
 
 using MenuHandler = void (*)(GtkWidget*, gpointer);
 

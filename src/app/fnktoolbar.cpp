@@ -20,8 +20,9 @@
 
 namespace {
 
-constexpr int kBarBorder = 2;
-constexpr int kButtonHeight = 48;
+/// The list needs the height more than the buttons do.
+constexpr const char* kBarStyle = "toolbar { padding: 1px; }";
+constexpr const char* kButtonStyle = "button { padding: 1px 9px; min-height: 0; }";
 
 using ToolHandler = void (*)(GtkWidget*, gpointer);
 
@@ -100,6 +101,7 @@ GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
     g_signal_connect(item, "clicked", G_CALLBACK(on_Tool_clicked), GINT_TO_POINTER(slot));
 
     GtkWidget* const button = gtk_bin_get_child(GTK_BIN(item));
+    SetStyle(button, kButtonStyle);
     gtk_widget_set_can_focus(button, FALSE);  // Keys belong to the panes.
     gtk_widget_add_events(button, GDK_ENTER_NOTIFY_MASK | GDK_LEAVE_NOTIFY_MASK);
     g_signal_connect(button, "enter-notify-event", G_CALLBACK(on_Tool_enter), GINT_TO_POINTER(slot));
@@ -154,13 +156,12 @@ GtkWidget* CreateToolBar(GtkWidget* box)
     }
     GtkWidget* const toolbar = gtk_toolbar_new();
     gtk_toolbar_set_style(GTK_TOOLBAR(toolbar), GTK_TOOLBAR_BOTH);
-    gtk_container_set_border_width(GTK_CONTAINER(toolbar), kBarBorder);
+    SetStyle(toolbar, kBarStyle);
     gtk_container_add(GTK_CONTAINER(handle_box), toolbar);
     gtk_widget_show(toolbar);
     for (int slot = 0; slot < TOOL_SLOT_COUNT; ++slot) {
         pMainW->ToolButton[static_cast<std::size_t>(slot)] = CreateToolButton(toolbar, slot);
     }
-    gtk_widget_set_size_request(pMainW->ToolButton[TOOL_BACK], -1, kButtonHeight);
     SetToolSensitive(TOOL_UP, false);
     SetToolSensitive(TOOL_FORWARD, false);
     return handle_box;

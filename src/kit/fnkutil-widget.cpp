@@ -562,6 +562,15 @@ void ShortenLabel(GtkWidget* label, int max_characters)
     g_signal_connect(label, "query-tooltip", G_CALLBACK(on_ShortLabel_query_tooltip), nullptr);
 }
 
+void SetStyle(GtkWidget* widget, const char* rules)
+{
+    GtkCssProvider* const provider = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(provider, rules, -1, nullptr);
+    gtk_style_context_add_provider(gtk_widget_get_style_context(widget), GTK_STYLE_PROVIDER(provider),
+                                   GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    g_object_unref(provider);
+}
+
 GtkWidget* StatusBarLabel(GtkWidget* status_bar)
 {
     GtkWidget* const area = gtk_statusbar_get_message_area(GTK_STATUSBAR(status_bar));

@@ -117,5 +117,8 @@ void ShortenLabel(GtkWidget* label, int max_characters);
 GtkWidget* StatusBarLabel(GtkWidget* status_bar);
 /// Sets the label and the accessible description of a status bar. Bypasses its message stack.
 void SetStatusBarText(GtkWidget* status_bar, const std::string& text);
+/// Adds CSS rules for the widget alone.
+void SetStyle(GtkWidget* widget, const char* rules);
+
 /// Sets the name that screen readers use. That of an entry is also that of the arrow beside it.
 void SetAccessibleName(GtkWidget* widget, const char* name);

@@ -5,6 +5,7 @@
 #include "core/fnkutil.h"
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-view.h"
+#include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree-nodes.h"
 #include "panes/fnkdirtree-walk.h"
 
@@ -13,6 +14,10 @@ namespace {
 constexpr int kIconSpacing = 5;
 /// Pixels for the insets of both cells and some space after the name.
 constexpr int kCellInsets = 10;
+/// A level is indented by 10 pixels: its expander and 2 more. Drawn so small, it would hardly be seen.
+constexpr const char* kExpanderStyle =
+    "treeview { -GtkTreeView-expander-size: 8; -GtkTreeView-horizontal-separator: 4; }"
+    "treeview.view.expander { min-width: 8px; min-height: 8px; -gtk-icon-transform: scale(1.5); }";
 constexpr const char* kFitKey = "fennick-fit";
 
 int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
@@ -117,6 +122,7 @@ GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* 
     gtk_tree_view_set_model(tree, nodes);
     gtk_tree_view_set_headers_visible(tree, FALSE);
     gtk_tree_view_set_enable_tree_lines(tree, TRUE);
+    SetStyle(widget, kExpanderStyle);
     gtk_tree_view_set_enable_search(tree, FALSE);
     gtk_tree_selection_set_mode(gtk_tree_view_get_selection(tree), GTK_SELECTION_BROWSE);
     AddTreeColumn(tree);

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int kBarBorder = 2;
 constexpr int kBoxSpacing = 5;
+constexpr int kBoxMargin = 4;  ///< At both sides, like that of the panes below.
 constexpr int kBoxBorder = 1;
 constexpr int kComboWidth = 500;
 constexpr const char* kShortcut = "<Control>L";
@@ -34,8 +34,11 @@ GtkWidget* CreateLocationBar(GtkWidget* box)
     if (handle_box == nullptr) {
         return nullptr;
     }
-    gtk_container_set_border_width(GTK_CONTAINER(handle_box), kBarBorder);
-    GtkWidget* const hbox = CreateHBox(handle_box, false, kBoxSpacing, kBoxBorder);
+    GtkWidget* const hbox = CreateHBox(handle_box, false, kBoxSpacing, 0);
+    gtk_widget_set_margin_start(hbox, kBoxMargin);
+    gtk_widget_set_margin_end(hbox, kBoxMargin);
+    gtk_widget_set_margin_top(hbox, kBoxBorder);
+    gtk_widget_set_margin_bottom(hbox, kBoxBorder);
     CreateLabel(hbox, _("Location:"));
     GtkWidget* entry = nullptr;
     GtkWidget* const combo = CreateComboBox(&entry, true, kMaxPathBytes);

@@ -89,6 +89,9 @@ TEST_F(List, TheNameColumnTakesTheRoomThatNumbersAndTheUserLeave)
     };
     expect_filled();
     EXPECT_GT(width(1), 64);
+    int bars = 0;
+    gtk_widget_translate_coordinates(pMainW->Paned, pMainW->MainWindow, 0, 0, nullptr, &bars);
+    EXPECT_LE(bars, 112);
     std::filesystem::resize_file(files.At("1"), std::uintmax_t{1} << 42);
     Steps("rescan");
     EXPECT_TRUE(Await([&] { return width(2) > text("4194304MByte"); }));

@@ -21,6 +21,11 @@ TEST_F(Tree, OpensAPathAsFarAsItExists)
     EXPECT_EQ(Joined(ChildNames(files.Path())), "Zeta,alpha,beta,only-files,only-hidden,only-links");
     EXPECT_EQ(ChildNames(files.At("beta")).size(), 1U) << "one child is enough for an expander";
     EXPECT_EQ(GetRowVisibility(MainTree(), NodePath(pGTable->CurrentDir).get()), ROW_VISIBLE);
+    GdkRectangle outer = {}, inner = {};
+    GtkTreeViewColumn* const column = gtk_tree_view_get_column(MainTree(), 0);
+    gtk_tree_view_get_cell_area(MainTree(), NodePath(files.At("Zeta")).get(), column, &outer);
+    gtk_tree_view_get_cell_area(MainTree(), NodePath(files.At("Zeta/one")).get(), column, &inner);
+    EXPECT_EQ(inner.x - outer.x, 10);
     EXPECT_EQ(pGTable->LocationDirHistory, (History{files.At("Zeta/one/two/"), files.Path()}));
     ExpectAt("Zeta/one/two/");
     EXPECT_EQ(State(), "-");
