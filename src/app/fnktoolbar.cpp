@@ -56,7 +56,7 @@ void on_Tool_clicked(GtkWidget* item, gpointer slot)
 /// Not the accelerator of the button, which would be dead where the window is too narrow for it.
 gboolean on_Tool_shortcut(gpointer slot)
 {
-    if (pGTable != nullptr && gtk_widget_get_sensitive(pMainW->ToolButton[GPOINTER_TO_SIZE(slot)])) {
+    if (pGTable != nullptr && !IsModal() && gtk_widget_get_sensitive(pMainW->ToolButton[GPOINTER_TO_SIZE(slot)])) {
         kTools[GPOINTER_TO_SIZE(slot)].handler(nullptr, nullptr);
     }
     return TRUE;

@@ -23,7 +23,7 @@ gboolean on_Location_shortcut(gpointer entry)
 
 void OpenDropped(const std::string& item)
 {
-    OpenChildTree(MainTree(), IsDirectory(item) ? item : GetParentDirectory(item), EXPAND_LAST_YES);
+    OpenFirstDirectory(MainTree(), {item, GetParentDirectory(item)}, EXPAND_LAST_YES, {}, nullptr);
 }
 
 }  // namespace
