@@ -231,6 +231,9 @@ void ShareRoom(GtkTreeView* list, GtkTreeViewColumn* column, int width)
     }
     // It gets what will be left, and expands again once this has been allocated.
     const int growth = width - gtk_tree_view_column_get_width(column);
+    if (growth == 0) {
+        return;
+    }
     gtk_tree_view_column_set_expand(name, FALSE);
     SetWidth(name, std::max(kNarrowestName, gtk_tree_view_column_get_width(name) - growth));
 }
@@ -260,6 +263,17 @@ void UpdateLeastWidths(GtkTreeView* list)
     }
 }
 
+gboolean ExpandRoomTaker(gpointer data)
+{
+    GtkTreeView* const list = GTK_TREE_VIEW(data);
+    const bool is_there = pGTable != nullptr && gtk_widget_get_mapped(GTK_WIDGET(list));
+    if (GtkTreeViewColumn* const name = is_there ? RoomTaker(list) : nullptr) {
+        SetWidth(name, kNarrowestName);
+        gtk_tree_view_column_set_expand(name, TRUE);
+    }
+    return G_SOURCE_REMOVE;
+}
+
 void on_FileList_size_allocate(GtkWidget* widget, GdkRectangle*, gpointer)
 {
     if (pGTable == nullptr) {
@@ -271,8 +285,8 @@ void on_FileList_size_allocate(GtkWidget* widget, GdkRectangle*, gpointer)
         gtk_tree_view_column_get_expand(Filler(list)) || (name != nullptr && gtk_tree_view_column_get_expand(name));
     g_object_set_data(G_OBJECT(list), kWasExpandingKey, GINT_TO_POINTER(is_expanding));
     if (name != nullptr && !is_expanding) {
-        SetWidth(name, kNarrowestName);
-        gtk_tree_view_column_set_expand(name, TRUE);
+        // Not now: the toolkit would forget it at the end of the allocation.
+        g_idle_add_full(GTK_PRIORITY_RESIZE - 1, ExpandRoomTaker, g_object_ref(list), g_object_unref);
     }
 }
 
