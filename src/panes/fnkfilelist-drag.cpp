@@ -151,6 +151,7 @@ gboolean BeginWatch(gpointer data)
     } else {
         g_signal_connect(watch->monitor, "changed", G_CALLBACK(on_Watch_changed), watch);
         g_object_set_data_full(G_OBJECT(MainList()), kWatchKey, watch, EndWatch);
+        watch->refresh = g_timeout_add(kRefreshDelay, RefreshWatched, watch);  // Some may be gone by now.
     }
     return G_SOURCE_REMOVE;
 }
