@@ -239,6 +239,10 @@ gboolean on_MainWindow_key_press_event(GtkWidget* window, GdkEventKey* event, gp
     if (IsTreeKey(key) && (event->state & GDK_MOD1_MASK) != 0) {
         return FALSE;  // Shortcuts of the toolbar, even while the entry has the focus.
     }
+    if (IsLocationFocused() && event->keyval == GDK_KEY_Escape) {
+        LeaveLocation();
+        return TRUE;
+    }
     if (IsLocationFocused()) {
         // The entry gets the key before the accelerators do: keys that edit text must not act on files.
         return gtk_window_propagate_key_event(GTK_WINDOW(window), event);

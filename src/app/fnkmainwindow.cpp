@@ -19,6 +19,7 @@
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree-drag.h"
+#include "panes/fnkdirtree-view.h"
 #include "panes/fnkdirtree-visit.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkdragdrop.h"
@@ -60,9 +61,15 @@ gboolean on_MainWindow_delete_event(GtkWidget*, GdkEvent*, gpointer)
 /// Shows a directory that was selected in the tree: list, location bar, history and buttons.
 void EnterDirectory(const std::string& path)
 {
+    const std::string left = pGTable->CurrentDir;
+    const bool has_keys = CountListSelection() > 0;
+    LeaveFileList();
     pGTable->CurrentDir = path;
     SetEntryBytes(ComboEntry(pMainW->LocationCombo), path);
     EnterFileList();
+    if (std::exchange(pMainW->IsReturning, false) && has_keys && left.size() > path.size() && left.starts_with(path)) {
+        SelectListNames({left.substr(path.size(), left.find('/', path.size()) - path.size())});
+    }
     if (pGTable->HistoryWalk == 0) {
         AddHistoryListC(pMainW->LocationCombo, pGTable->LocationDirHistory);
         SetComboStrings(pMainW->LocationCombo, pGTable->LocationDirHistory);
@@ -85,6 +92,7 @@ void UpdateForSelection()
 {
     SensitivePropertyButton();
     DisplayFileStatus();
+    ShowTreeKeys(MainTree(), CountListSelection() == 0);
 }
 
 void RefreshDirectory()

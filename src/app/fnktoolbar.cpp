@@ -141,6 +141,7 @@ void WalkHistory(HistoryStep step, ToolSlot slot)
     const auto before = [targets](std::size_t chosen) {
         pGTable->HistoryWalk = 1;
         pGTable->HistoryIndex = targets[chosen];
+        pMainW->IsReturning = true;
     };
     OpenFirstDirectory(MainTree(), paths, EXPAND_LAST_YES, {.before = before},
                        [slot] { SetToolSensitive(slot, false); });
@@ -185,7 +186,8 @@ void on_Tool_Forward_clicked(GtkWidget*, gpointer)
 
 void on_Tool_Up_clicked(GtkWidget*, gpointer)
 {
-    OpenChildTree(MainTree(), GetParentDirectory(pGTable->CurrentDir), EXPAND_LAST_YES);
+    OpenChildTree(MainTree(), GetParentDirectory(pGTable->CurrentDir), EXPAND_LAST_YES,
+                  {.before = [](std::size_t) { pMainW->IsReturning = true; }});
 }
 
 void on_Tool_Rescan_clicked(GtkWidget*, gpointer)

@@ -169,7 +169,7 @@ void OpenSelected(GtkTreeView* tree)
     path = WithoutSlash(path);
     const auto show_file = [directory = GetParentDirectory(path), name = GetLastPath(path)] {
         if (pGTable->CurrentDir == directory) {
-            ShowListRow(name);
+            SelectListNames({name});
         }
     };
     OpenFirstDirectory(MainTree(), {path, GetParentDirectory(path)}, EXPAND_LAST_NO, {.after = show_file}, nullptr);

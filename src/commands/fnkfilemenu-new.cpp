@@ -78,7 +78,7 @@ void ShowNewFile(const std::string& path)
     const std::string parent = GetParentDirectory(path);
     OpenChildTree(MainTree(), parent, EXPAND_LAST_NO, {.after = [parent, name = GetLastPath(path)] {
                       if (pGTable->CurrentDir == parent) {
-                          ShowListRow(name);
+                          SelectListNames({name});
                       }
                   }});
 }

@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include "commands/fnkfilemenu-ask.h"
@@ -16,6 +18,7 @@
 #include "kit/fnkprogress.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist.h"
 
 Result RunOperation(OperationKind kind, const std::vector<std::string>& paths, const OperationStep& step,
                     const std::function<void(Result result)>& end)
@@ -72,6 +75,7 @@ void FileOperation(OperationKind kind)
         CreateFileOperationDlg(mode, description, &destination) != RESULT_OK) {
         return;
     }
+    const bool is_about_entries = CountListSelection() > 0;
     const Destination prepared = PrepareDestination(sources, destination);
     if (prepared == DESTINATION_REFUSED) {
         return;
@@ -92,7 +96,19 @@ void FileOperation(OperationKind kind)
     // The first that is a directory is opened.
     const std::vector<std::string> shown =
         result == RESULT_DONE ? std::vector{destination, parent} : std::vector{parent};
-    OpenFirstDirectory(MainTree(), shown, EXPAND_LAST_YES, {.rescan = rescan}, nullptr);
+    const auto select = [=] {
+        if (!is_about_entries || result != RESULT_DONE) {
+            return;
+        }
+        // One entry may have got another name.
+        std::vector<std::string> names = {GetLastPath(destination)};
+        if (pGTable->CurrentDir == WithSlash(destination)) {
+            names.clear();
+            std::transform(sources.begin(), sources.end(), std::back_inserter(names), GetLastPath);
+        }
+        SelectListNames(names);
+    };
+    OpenFirstDirectory(MainTree(), shown, EXPAND_LAST_YES, {.rescan = rescan, .after = select}, nullptr);
 }
 
 OperationStep TransferTo(OperationKind kind, const std::string& destination)

@@ -29,6 +29,7 @@ struct PropertyDlgData {
     GtkWidget* GroupCombo = nullptr;
     bool IsApplied = false;             ///< The list must be read again, even if the user cancels in the end.
     std::function<void()> ShowRenamed;  ///< Set if a directory was renamed; shows it.
+    std::function<void()> Select;       ///< Set if the entry is one of the list; selects it again.
     struct stat Stat = {};              ///< As read from disk, except for the mode, which the toggles edit.
 };
 

@@ -102,7 +102,7 @@ int CreatePropertyDlg()
     if (data.ShowRenamed) {
         data.ShowRenamed();
     } else if (data.IsApplied) {
-        DisplayFileList(pGTable->CurrentDir);
+        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO, {.after = data.Select});
     }
     return 0;
 }
@@ -257,6 +257,7 @@ struct PropertyResult {
     bool is_applied = false;        ///< Something may have changed.
     bool is_refused = false;        ///< The dialog must stay open.
     PathStatus status = PATH_NULL;  ///< What to say of the name or of the file, unless PATH_NULL.
+    std::string new_name;           ///< Empty if it stays.
     std::string renamed_to;         ///< Of a directory; empty if its name stays.
     bool is_there = false;          ///< Whether that is a directory now.
 };
@@ -320,6 +321,7 @@ void ApplyName(const PropertyChange& change, PropertyResult* result)
     }
     int flag = 0;
     MoveFile(target, change.path, &flag);
+    result->new_name = GetLastPath(target);
     if (S_ISDIR(change.mode)) {
         result->renamed_to = target;
         result->is_there = IsDirectory(target);
@@ -349,7 +351,8 @@ PropertyResult ApplyProperty(const PropertyChange& change)
 }
 
 /// Shows the window's directory again after a directory was renamed.
-void ShowRenamedDirectory(const std::string& old_path, const PropertyResult& result)
+void ShowRenamedDirectory(const std::string& old_path, const PropertyResult& result,
+                          const std::function<void()>& select)
 {
     const std::string old_parent = GetParentDirectory(old_path);
     const std::string new_parent = GetParentDirectory(result.renamed_to);
@@ -360,7 +363,8 @@ void ShowRenamedDirectory(const std::string& old_path, const PropertyResult& res
         OpenChildTree(MainTree(), WithSlash(result.renamed_to) + below, EXPAND_LAST_NO,
                       {.rescan = {old_parent, new_parent}});
     } else {
-        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO, {.rescan = {old_parent, new_parent}});
+        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO,
+                      {.rescan = {old_parent, new_parent}, .after = select});
     }
 }
 
@@ -379,8 +383,14 @@ void on_Property_OKButton_clicked(GtkWidget*, gpointer pointer)
     if (result->status != PATH_NULL) {
         FileExistMessageBox(result->status, result->is_refused ? data->NameEntry : nullptr);
     }
+    if (CountListSelection() > 0) {
+        // One of them, according to whether the change succeeded.
+        data->Select = [names = std::vector{GetLastPath(data->Path), result->new_name}] { SelectListNames(names); };
+    }
     if (!result->renamed_to.empty()) {
-        data->ShowRenamed = [path = data->Path, renamed = *result] { ShowRenamedDirectory(path, renamed); };
+        data->ShowRenamed = [path = data->Path, renamed = *result, select = data->Select] {
+            ShowRenamedDirectory(path, renamed, select);
+        };
     }
     if (!result->is_refused) {
         gtk_main_quit();

@@ -1,7 +1,10 @@
 #include "commands/fnkfilemenu.h"
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
+#include <set>
+#include <string_view>
 
 #include "commands/fnkfilemenu-operation.h"
 #include "commands/fnkfilemenu-property.h"
@@ -40,6 +43,36 @@ bool HasChangeableTarget()
     std::string path;
     return GetTreeSelect(MainTree(), nullptr, &path) && path != pGTable->RootDir &&
            pGTable->CurrentDir != pGTable->RootDir;
+}
+
+/// The names of the rows that may be selected once the selected ones are deleted, the best first: those
+/// below the last of them, then those above. Empty if no row is selected.
+std::vector<std::string> ListNeighbours()
+{
+    const std::vector<std::size_t> selected = ListSelection();
+    std::vector<std::string> names;
+    for (std::size_t row = selected.empty() ? ListRows().Count() : selected.back() + 1; row < ListRows().Count();
+         ++row) {
+        names.emplace_back(ListRows().Name(row));
+    }
+    for (std::size_t row = selected.empty() ? 0 : selected.back(); row > 0; --row) {
+        names.emplace_back(ListRows().Name(row));
+    }
+    return names;
+}
+
+/// Selects the first of these names that is listed.
+void SelectFirstOf(const std::vector<std::string>& names)
+{
+    std::set<std::string_view> listed;
+    for (std::size_t row = 0; row < ListRows().Count(); ++row) {
+        listed.insert(ListRows().Name(row));
+    }
+    const auto first =
+        std::find_if(names.begin(), names.end(), [&listed](const std::string& name) { return listed.contains(name); });
+    if (first != names.end()) {
+        SelectListNames({*first});
+    }
 }
 
 bool ConfirmDelete(const std::string& description)
@@ -100,6 +133,7 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
         return;
     }
     const std::string parent = GetParentDirectory(paths.front());
+    const std::vector<std::string> beside = ListNeighbours();
     const auto is_gone = std::make_shared<std::atomic<bool>>(false);
     RunOperation(OPERATION_DELETE, paths, [is_gone, answer = RESULT_CANCEL](const std::string& path) mutable {
         const Result result = RemoveFile(path, &answer);
@@ -111,7 +145,8 @@ void on_Menu_Delete_activate(GtkWidget*, gpointer)
         }
         return result;
     });
-    OpenChildTree(MainTree(), *is_gone ? parent : pGTable->CurrentDir, EXPAND_LAST_NO, {.rescan = {parent}});
+    OpenChildTree(MainTree(), *is_gone ? parent : pGTable->CurrentDir, EXPAND_LAST_NO,
+                  {.rescan = {parent}, .after = [beside] { SelectFirstOf(beside); }});
 }
 
 void on_Menu_Property_activate(GtkWidget*, gpointer)

@@ -14,6 +14,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "core/fnkraii.h"
 
@@ -138,6 +139,37 @@ int CheckChildDirectory(const std::string& path)
     const std::string& root = pGTable->RootDir;
     const bool is_root_itself = path.size() + 1 == root.size() && root.starts_with(path);
     return is_root_itself || path.starts_with(root) ? 0 : 1;
+}
+
+namespace {
+
+std::string RealPath(const std::string& path)
+{
+    struct Free {
+        void operator()(char* text) const { std::free(text); }
+    };
+    const std::unique_ptr<char, Free> real(realpath(path.c_str(), nullptr));
+    return real != nullptr ? real.get() : "";
+}
+
+}  // namespace
+
+std::string ResolveTypedPath(const std::string& typed)
+{
+    std::string path = typed;
+    if (path == "~" || path.starts_with("~/")) {
+        path.replace(0, 1, GetHomeDirectory());
+    }
+    if (!path.starts_with('/') || path.size() > kMaxPathBytes) {
+        return {};
+    }
+    const GlibPointer<char> plain(g_canonicalize_filename(path.c_str(), "/"));
+    const std::string real = RealPath(path);
+    const std::string root = WithSlash(RealPath(pGTable->RootDir));
+    if (!real.empty() && WithSlash(real).starts_with(root)) {
+        return WithSlash(real) == root ? pGTable->RootDir : pGTable->RootDir + real.substr(root.size());
+    }
+    return CheckChildDirectory(plain.get()) == 0 ? plain.get() : std::string();
 }
 
 bool ReadLink(const std::string& path, std::string& target)

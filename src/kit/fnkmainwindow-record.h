@@ -4,6 +4,8 @@
 #include <gtk/gtk.h>
 
 #include <array>
+#include <map>
+#include <string>
 
 /// Indices of MainW::MenuItem: the entries of the five menus in order. Separators count too.
 enum MenuEntry {
@@ -53,6 +55,9 @@ struct MainW {
     GtkWidget* StatusBar = nullptr;
     GtkWidget* FilterStatusBar = nullptr;
 
+    /// Name of the first visible row of each directory that was left, for the way back.
+    std::map<std::string, std::string> ListPlaces;
+    bool IsReturning = false;       ///< Back, Forward or Up is about to enter a directory.
     int ListAnchor = -1;            ///< Row from which Shift+click extends the selection; -1: none.
     int ListBatches = 0;            ///< Number of live ListSelectionBatch objects.
     bool IsListChanged = false;     ///< The selection has changed since the last report.

@@ -289,6 +289,10 @@ GtkWidget* CreateComboBox(GtkWidget** entry, bool editable, int max_length)
     gtk_editable_set_editable(GTK_EDITABLE(text), editable);
     gtk_entry_set_max_length(GTK_ENTRY(text), max_length);
     g_signal_connect(combo, "changed", G_CALLBACK(on_Combo_changed), nullptr);
+    GList* const cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(combo));
+    // The list is as wide as the entry, and both ends of a path matter.
+    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_MIDDLE, nullptr);
+    g_list_free(cells);
     if (entry != nullptr) {
         *entry = text;
     }

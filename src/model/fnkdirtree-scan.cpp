@@ -58,6 +58,11 @@ ScanResult ScanNames(const std::string& directory, std::vector<Subdirectory>& fo
     if (stream == nullptr) {
         return errno == EACCES ? SCAN_DONE : SCAN_FAILED;
     }
+    // A directory that may be read but not entered has nothing to show, as the list has nothing of it.
+    struct stat st = {};
+    if (fstatat(dirfd(stream.get()), ".", &st, AT_SYMLINK_NOFOLLOW) != 0) {
+        return errno == EACCES ? SCAN_DONE : SCAN_FAILED;
+    }
     const std::size_t max_name_bytes = MaxNameBytesBelow(WithSlash(directory).size());
     while (const struct dirent* const entry = stopped ? nullptr : readdir(stream.get())) {
         if (IsShownDirectory(dirfd(stream.get()), *entry, max_name_bytes)) {

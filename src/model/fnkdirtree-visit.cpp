@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -63,7 +64,8 @@ void FollowPath(const std::string& path, VisitReading& reading, const std::atomi
         if (name.empty()) {
             continue;  // Two slashes.
         }
-        reading.is_target = !IsDotOrDotDot(name.c_str()) && (is_plain || IsDirectory(next));
+        reading.is_target =
+            !IsDotOrDotDot(name.c_str()) && next.size() < kMaxPathBytes && (is_plain || IsDirectory(next));
         if (!reading.is_target) {
             return;
         }
@@ -129,6 +131,15 @@ bool ChooseOpened(const VisitPlan& plan, VisitReading& reading, const std::atomi
     return reading.opened < plan.open.size();
 }
 
+std::string ResolveTyped(const std::string& typed, VisitReading& reading)
+{
+    const std::string path = ResolveTypedPath(typed);
+    struct stat st = {};
+    reading.is_outside = path.empty();
+    reading.is_missing = !reading.is_outside && lstat(path.c_str(), &st) != 0;
+    return reading.is_outside ? pGTable->CurrentDir : path;
+}
+
 }  // namespace
 
 void ReadVisit(const VisitPlan& plan, VisitReading& reading, const std::atomic<bool>& stopped)
@@ -148,7 +159,8 @@ void ReadVisit(const VisitPlan& plan, VisitReading& reading, const std::atomic<b
     reading.list = plan.list;
     std::vector<std::string> unscanned;
     if (ChooseOpened(plan, reading, stopped)) {
-        FollowPath(plan.open[reading.opened], reading, stopped);
+        FollowPath(plan.is_typed ? ResolveTyped(plan.open.front(), reading) : plan.open[reading.opened], reading,
+                   stopped);
         unscanned = ListUnscanned(plan, reading);
         reading.list = plan.has_list ? reading.way.back() : std::string();
     }

@@ -20,6 +20,7 @@ struct VisitPlan {
     /// Paths to open, as far as they exist: the first one; with only_existing, the first directory.
     std::vector<std::string> open;
     bool only_existing = false;
+    bool is_typed = false;  ///< The path may have to be resolved; see ResolveTypedPath.
     ExpandLast expand_last = EXPAND_LAST_NO;
     /// What the tree has on the ways to these paths: displayed nodes, and those of them that are expanded.
     std::set<std::string> known;
@@ -37,6 +38,8 @@ struct VisitReading {
     bool has_failed_root = false;        ///< RootDir was to be scanned, and cannot be read.
     std::size_t opened = 0;              ///< Index into VisitPlan::open.
     std::vector<std::string> way;        ///< From RootDir down to the directory to show; empty if none is opened.
+    bool is_outside = false;             ///< A typed path leads out of RootDir; CurrentDir is opened instead.
+    bool is_missing = false;             ///< Nothing is there at a typed path.
     bool is_target = false;              ///< Whether that is the path to open, not the deepest directory on it.
     std::string list;                    ///< The directory of the rows; empty for none.
     bool is_list_there = false;          ///< Whether it is a directory.

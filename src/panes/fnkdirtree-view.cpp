@@ -17,7 +17,10 @@ constexpr int kCellInsets = 10;
 /// A level is indented by 10 pixels: its expander and 2 more. Drawn so small, it would hardly be seen.
 constexpr const char* kExpanderStyle =
     "treeview { -GtkTreeView-expander-size: 8; -GtkTreeView-horizontal-separator: 4; }"
-    "treeview.view.expander { min-width: 8px; min-height: 8px; -gtk-icon-transform: scale(1.5); }";
+    "treeview.view.expander { min-width: 8px; min-height: 8px; -gtk-icon-transform: scale(1.5); }"
+    "treeview.view.without-keys:selected { color: @theme_text_color;"
+    " background-color: mix(@theme_base_color, @theme_selected_bg_color, 0.35); }";
+constexpr const char* kWithoutKeys = "without-keys";
 constexpr const char* kFitKey = "fennick-fit";
 
 int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
@@ -114,6 +117,12 @@ void AddTreeColumn(GtkTreeView* tree)
 }
 
 }  // namespace
+
+void ShowTreeKeys(GtkTreeView* tree, bool has_keys)
+{
+    GtkStyleContext* const style = gtk_widget_get_style_context(GTK_WIDGET(tree));
+    has_keys ? gtk_style_context_remove_class(style, kWithoutKeys) : gtk_style_context_add_class(style, kWithoutKeys);
+}
 
 GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name)
 {

@@ -3,5 +3,8 @@
 
 #include <gtk/gtk.h>
 
+/// Draws the selection as that of a pane that the keys act on, or paler.
+void ShowTreeKeys(GtkTreeView* tree, bool has_keys);
+
 /// Adds a view of the nodes, all collapsed, to the scrolled window.
 GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name);

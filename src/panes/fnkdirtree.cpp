@@ -413,6 +413,15 @@ void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand
     StartOpening(tree, std::move(plan), opening);
 }
 
+void OpenTypedPath(GtkTreeView* tree, const std::string& typed, const Opening& opening)
+{
+    VisitPlan plan;
+    plan.open = {typed};
+    plan.is_typed = true;
+    plan.expand_last = EXPAND_LAST_YES;
+    StartOpening(tree, std::move(plan), opening);
+}
+
 void OpenFirstDirectory(GtkTreeView* tree, const std::vector<std::string>& paths, ExpandLast expand_last,
                         const Opening& opening, const std::function<void()>& none)
 {

@@ -47,6 +47,9 @@ struct Opening {
 /// Expands the tree along path and selects the deepest directory on it that exists. expand_last
 /// says whether the directory of path itself is expanded too. Ignores a path outside RootDir.
 void OpenChildTree(GtkTreeView* tree, const std::string& path, ExpandLast expand_last, const Opening& opening = {});
+/// Opens what the user typed, as far as it exists; see ResolveTypedPath. What leads out of RootDir opens
+/// CurrentDir again. VisitReading says which of it was so.
+void OpenTypedPath(GtkTreeView* tree, const std::string& typed, const Opening& opening = {});
 /// Opens the first of these paths that is a directory. If none is, calls none, which may be null.
 void OpenFirstDirectory(GtkTreeView* tree, const std::vector<std::string>& paths, ExpandLast expand_last,
                         const Opening& opening, const std::function<void()>& none);

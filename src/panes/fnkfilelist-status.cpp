@@ -21,9 +21,24 @@
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist-selection.h"
 
+constexpr std::size_t kMaxStatusBytes = 1024;
+
+void ShowStatus(std::string text)
+{
+    if (text.size() > kMaxStatusBytes && text.starts_with(" /")) {  // The end of a path says most.
+        const std::string ellipsis = " \u2026";
+        const char* const end = text.c_str() + text.size();
+        text = ellipsis + g_utf8_find_next_char(end - (kMaxStatusBytes - ellipsis.size()) - 1, nullptr);
+    } else if (text.size() > kMaxStatusBytes) {
+        const char* const last_character = g_utf8_find_prev_char(text.c_str(), text.c_str() + kMaxStatusBytes + 1);
+        text.resize(static_cast<std::size_t>(last_character - text.c_str()));
+    }
+    pGTable->StatusText = std::move(text);
+    RestoreStatusText();
+}
+
 namespace {
 
-constexpr std::size_t kMaxStatusBytes = 1024;
 /// More files than these are summed without waiting for the sum at all.
 constexpr std::size_t kFewFiles = 2000;
 
@@ -45,20 +60,6 @@ SummaryPointer wanted;
 SummaryPointer running;
 /// Starts the next one for many files, which several changes of the selection share; 0 if none is due.
 guint request_source = 0;
-
-void ShowStatus(std::string text)
-{
-    if (text.size() > kMaxStatusBytes && text.starts_with(" /")) {  // The end of a path says most.
-        const std::string ellipsis = " \u2026";
-        const char* const end = text.c_str() + text.size();
-        text = ellipsis + g_utf8_find_next_char(end - (kMaxStatusBytes - ellipsis.size()) - 1, nullptr);
-    } else if (text.size() > kMaxStatusBytes) {
-        const char* const last_character = g_utf8_find_prev_char(text.c_str(), text.c_str() + kMaxStatusBytes + 1);
-        text.resize(static_cast<std::size_t>(last_character - text.c_str()));
-    }
-    pGTable->StatusText = std::move(text);
-    RestoreStatusText();
-}
 
 void ShowSummary(const Summary& summary)
 {

@@ -1,6 +1,8 @@
 #include "panes/fnkfilelist.h"
 
 #include <algorithm>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "core/fnkstring.h"
@@ -207,12 +209,35 @@ int DisplayFileList(const std::string& path)
     return 0;
 }
 
+void LeaveFileList()
+{
+    constexpr std::size_t kMaxPlaces = 1000;
+    const int row = MainList() != nullptr ? FirstVisibleRow(MainList()) : 0;
+    if (pMainW->ListPlaces.size() >= kMaxPlaces) {
+        pMainW->ListPlaces.clear();
+    }
+    if (row > 0 && row < static_cast<int>(ListRows().Count())) {
+        pMainW->ListPlaces[pGTable->CurrentDir] = ListRows().Name(static_cast<std::size_t>(row));
+    } else {
+        pMainW->ListPlaces.erase(pGTable->CurrentDir);
+    }
+}
+
 void EnterFileList()
 {
     VisitReading* const reading = ArrivedReading();
-    if (MainList() != nullptr) {
-        ReplaceRows(reading != nullptr && reading->is_list_there ? &reading->rows : nullptr, -1);
+    if (MainList() == nullptr) {
+        return;
     }
+    FileRows* const rows = reading != nullptr && reading->is_list_there ? &reading->rows : nullptr;
+    const auto place = pMainW->ListPlaces.find(pGTable->CurrentDir);
+    int row = -1;
+    for (std::size_t i = 0;
+         rows != nullptr && pMainW->IsReturning && place != pMainW->ListPlaces.end() && row < 0 && i < rows->Count();
+         ++i) {
+        row = place->second == rows->Name(i) ? static_cast<int>(i) : -1;
+    }
+    ReplaceRows(rows, row);
 }
 
 void ShowListDetails(const std::string& directory, const RowDetails& details)
@@ -265,16 +290,22 @@ void SortFileList()
     pMainW->ListAnchor = -1;
 }
 
-void ShowListRow(const std::string& name)
+void SelectListNames(const std::vector<std::string>& names)
 {
-    std::size_t row = 0;
-    while (row < ListRows().Count() && name != ListRows().Name(row)) {
-        ++row;
+    const std::set<std::string_view> wanted(names.begin(), names.end());
+    std::vector<bool> chosen(ListRows().Count());
+    int first = -1;
+    for (std::size_t row = 0; row < chosen.size(); ++row) {
+        chosen[row] = !ListRows().IsParentRow(row) && wanted.contains(ListRows().Name(row));
+        if (chosen[row] && first < 0) {
+            first = static_cast<int>(row);
+        }
     }
-    if (row < ListRows().Count()) {
+    SetListSelection(std::move(chosen));
+    if (first >= 0) {
         // Not ScrollRowTo: a list that has just been filled may have a scroll request pending, which
         // this replaces.
-        const TreePath path(gtk_tree_path_new_from_indices(static_cast<int>(row), -1));
+        const TreePath path(gtk_tree_path_new_from_indices(first, -1));
         gtk_tree_view_scroll_to_cell(MainList(), path.get(), nullptr, FALSE, 0.0F, 0.0F);
     }
 }

@@ -18,8 +18,11 @@ GtkWidget* CreateFileList(GtkWidget* paned);
 /// directory. Reads it first, unless it has just been read; see StartVisit. Always returns 0.
 int DisplayFileList(const std::string& path);
 
-/// Fills the list, from its top, with the entries of the directory that was just read. Leaves no rows if
-/// it is none: ListRowPath would combine CurrentDir with the names in the old rows.
+/// Notes where the list is scrolled to, for EnterFileList, before CurrentDir changes.
+void LeaveFileList();
+/// Fills the list with the entries of the directory that was just read: from its top, or with
+/// MainW::IsReturning where it was left. Leaves no rows if it is none: ListRowPath would combine
+/// CurrentDir with the names in the old rows.
 void EnterFileList();
 
 /// Shows what took longer to learn of the entries of a directory, if it is still shown.
@@ -31,8 +34,8 @@ void on_FileList_click_column(int column);
 /// Sorts the rows by SortColumn and SortType.
 void SortFileList();
 
-/// Scrolls to the row of that name, if there is one.
-void ShowListRow(const std::string& name);
+/// Selects the rows of these names and no others, and scrolls to the first of them.
+void SelectListNames(const std::vector<std::string>& names);
 
 /// Does what a double click on the row does: opens the entry, or the parent directory for "..". Calls
 /// entered once a directory is shown.

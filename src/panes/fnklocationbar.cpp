@@ -2,10 +2,13 @@
 
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
+#include "engine/fnkmessage.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-widget.h"
+#include "panes/fnkdirtree-visit.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkdragdrop.h"
+#include "panes/fnkfilelist-status.h"
 
 namespace {
 
@@ -59,9 +62,20 @@ void on_LocationComboEntry_activate(GtkWidget* entry, gpointer)
     if (pGTable == nullptr || IsModal()) {
         return;
     }
-    const std::string path = GetEntryBytes(entry);
-    const bool reachable = path.size() <= kMaxPathBytes && CheckChildDirectory(path) == 0;
-    OpenChildTree(MainTree(), reachable ? path : pGTable->CurrentDir, EXPAND_LAST_YES);
+    const std::string typed = GetEntryBytes(entry);
+    OpenTypedPath(MainTree(), typed.empty() ? pGTable->CurrentDir : typed, {.after = [typed] {
+                      if (ArrivedReading()->is_outside) {
+                          ShowStatus(" " + std::string(_("The specified path cannot be operated.")));
+                      } else if (ArrivedReading()->is_missing) {
+                          ShowStatus(" " + FormatPathMessage(_("There is no directory %s."), typed));
+                      }
+                  }});
+}
+
+void LeaveLocation()
+{
+    SetEntryBytes(ComboEntry(pMainW->LocationCombo), pGTable->CurrentDir);
+    ReleaseEntryFocus(pMainW->MainWindow);
 }
 
 bool IsLocationFocused()

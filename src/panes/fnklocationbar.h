@@ -17,3 +17,5 @@ void on_MainWindow_set_focus(GtkWindow* window, GtkWidget* widget, gpointer data
 
 /// Whether the entry has the focus.
 bool IsLocationFocused();
+/// Puts CurrentDir back into the entry and gives the keys to the panes.
+void LeaveLocation();

@@ -107,18 +107,10 @@ struct DirSelection {
     GtkTreeView* tree = nullptr;
 };
 
-/// Opens the typed path, or the deepest directory on it that exists. Ignores a path outside RootDir.
-void OpenTypedPath(const DirSelection& state)
-{
-    const std::string path = GetEntryBytes(state.entry);
-    if (path.size() <= kMaxPathBytes) {
-        OpenChildTree(state.tree, path, EXPAND_LAST_YES);
-    }
-}
-
 void on_DirSel_ComboEntry_activate(GtkWidget*, gpointer state)
 {
-    OpenTypedPath(*static_cast<const DirSelection*>(state));
+    const auto& selection = *static_cast<const DirSelection*>(state);
+    OpenTypedPath(selection.tree, GetEntryBytes(selection.entry));
 }
 
 void on_DirSel_OKButton_clicked(GtkWidget*, gpointer data)

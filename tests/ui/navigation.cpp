@@ -1,5 +1,7 @@
 // Going places: the history, the other buttons of the toolbar, the location bar.
 
+#include <map>
+
 #include "windowtest.h"
 
 namespace {
@@ -72,6 +74,24 @@ TEST_F(Navigation, ATypedPathIsEnteredAsFarAsItExists)
         "type A/a; key Return = A/a/; type B/; key Return = B/;"
         "type A/file; key Return = A/; type A/a//; key Return = A/a/; type D/gone/further; key Return = D/ - b0:D/A/a/A/B/.;"
         "visit \xFF; visit \xFE = \xFE/");
+    // The home, links, and what a shell would make of it.
+    home_variable.Set(files.At("A").c_str());
+    Make({"to-a -> A/a", "out -> /etc"});
+    for (const auto& [typed, shown] : std::map<std::string, std::string>{{"~", "A/"},
+                                                                         {"~/a/..//a/.", "A/a/"},
+                                                                         {files.At("to-a"), "A/a/"},
+                                                                         {files.At("out"), ""},
+                                                                         {files.At("A/../B"), "B/"}}) {
+        Visit("D");
+        Type(typed);
+        Press(GDK_KEY_Return);
+        EXPECT_EQ(pGTable->CurrentDir, files.At(shown)) << typed;
+    }
+    Type("/half");
+    Press(GDK_KEY_Escape);
+    ExpectConsistent();
+    EXPECT_FALSE(IsEntryFocused());
+    Steps("visit \xFF; visit \xFE = \xFE/");
     // Bytes that are no text count until they are edited. Both look alike.
     gtk_combo_box_set_active(GTK_COMBO_BOX(pMainW->LocationCombo), 1);
     Steps("key Return = \xFF/");
