@@ -98,9 +98,9 @@ TEST_F(Visits, ComeBackToWhereTheListWas)
     MakeMany(60, "b/d", "/");
     Start();
     Make({"b/d150/in"});
-    Steps("visit b; select d150; key Return = b/d150/ in; up = b/ d150; key End = b/ f159; visit a");
+    Steps("visit b; select d150; key Return = b/d150/ in; up = b/ d150; key End = b/ other; visit a");
     Steps("back = b/ -");
-    EXPECT_EQ(RowVisibilityOf(RowOf("f159")), ROW_VISIBLE);
+    EXPECT_NE(RowVisibilityOf(RowOf("other")), ROW_HIDDEN);
     EXPECT_NE(RowVisibilityOf(1), ROW_VISIBLE);
     Steps("visit a; visit b = b/ -");
     EXPECT_EQ(RowVisibilityOf(1), ROW_VISIBLE) << "a directory entered anew is shown from its top";
