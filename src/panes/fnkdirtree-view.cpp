@@ -14,10 +14,12 @@ namespace {
 constexpr int kIconSpacing = 5;
 /// Pixels for the insets of both cells and some space after the name.
 constexpr int kCellInsets = 10;
-/// A level is indented by 10 pixels: its expander and 2 more. Drawn so small, it would hardly be seen.
+/// A level is indented by 10 pixels: its expander and 2 more. The arrow of so small an expander would
+/// hardly be seen, so it is drawn larger; the icons of themes blur then, or ignore the size.
 constexpr const char* kExpanderStyle =
     "treeview { -GtkTreeView-expander-size: 8; -GtkTreeView-horizontal-separator: 4; }"
-    "treeview.view.expander { min-width: 8px; min-height: 8px; -gtk-icon-transform: scale(1.5); }"
+    "treeview.view.expander { min-width: 8px; min-height: 8px; -gtk-icon-source: builtin;"
+    "  -gtk-icon-transform: scale(2.5); }"
     "treeview.view.without-keys:selected { color: @theme_text_color;"
     " background-color: mix(@theme_base_color, @theme_selected_bg_color, 0.35); }";
 constexpr const char* kWithoutKeys = "without-keys";
