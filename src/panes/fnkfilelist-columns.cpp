@@ -19,7 +19,7 @@ constexpr int kIconWidth = 18;
 constexpr int kNarrowestColumn = 16;
 constexpr int kWidestColumn = 4000;
 /// Pixels for the insets of a cell on both sides and some space.
-constexpr int kCellInsets = 14;
+constexpr int kCellInsets = 10;
 /// Pixels between two titles, which the last column lacks when it is measured.
 constexpr int kTitleSeparator = 2;
 /// Pixels of a cell area beside its text.
