@@ -3,7 +3,6 @@
 #include <gdk/gdkkeysyms.h>
 
 #include <array>
-#include <cstring>
 
 #include "app/fnktable-life.h"
 #include "commands/fnkeditmenu-find.h"
@@ -162,29 +161,6 @@ gboolean on_Menu_key_press(GtkWidget* menu, GdkEventKey* event, gpointer)
     return TRUE;
 }
 
-/// Underlines the mnemonic at all times. The toolkit does so only while Alt is held.
-void UnderlineMnemonic(GtkWidget* item, const char* label)
-{
-    const char* const mark = std::strchr(label, '_');
-    if (mark == nullptr) {
-        return;
-    }
-    PangoAttribute* const underline = pango_attr_underline_new(PANGO_UNDERLINE_LOW);
-    underline->start_index = static_cast<guint>(mark - label);
-    underline->end_index = underline->start_index + static_cast<guint>(g_utf8_next_char(mark + 1) - (mark + 1));
-    PangoAttrList* const attributes = pango_attr_list_new();
-    pango_attr_list_insert(attributes, underline);
-    gtk_label_set_attributes(GTK_LABEL(gtk_bin_get_child(GTK_BIN(item))), attributes);
-    pango_attr_list_unref(attributes);
-}
-
-GtkWidget* NewLabelledItem(const char* label)
-{
-    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(label);
-    UnderlineMnemonic(item, label);
-    return item;
-}
-
 GtkWidget* CreateSubMenu(GtkWidget* item, GtkAccelGroup* accelerators)
 {
     GtkWidget* const menu = gtk_menu_new();
@@ -203,7 +179,7 @@ GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::siz
         item = gtk_separator_menu_item_new();
         gtk_widget_set_sensitive(item, FALSE);
     } else {
-        item = NewLabelledItem(gettext(entry.label));
+        item = CreateMenuItemWithMnemonic(gettext(entry.label));
         gtk_widget_set_tooltip_text(item, GetMenuTipsString(static_cast<int>(index)).c_str());
         g_signal_connect(item, "select", G_CALLBACK(on_Menu_select), data);
         g_signal_connect(item, "deselect", G_CALLBACK(on_Menu_deselect), data);
@@ -222,7 +198,7 @@ GtkWidget* CreateMenuItem(GtkWidget* menu, GtkAccelGroup* accelerators, std::siz
 
 GtkWidget* CreateMenu(GtkWidget* bar, GtkAccelGroup* accelerators, const MenuTitle& title)
 {
-    GtkWidget* const item = NewLabelledItem(gettext(title.label));
+    GtkWidget* const item = CreateMenuItemWithMnemonic(gettext(title.label));
     if (title.handler != nullptr) {
         g_signal_connect(item, "activate", G_CALLBACK(on_MenuTitle_activate),
                          GSIZE_TO_POINTER(&title - kTitles.data()));

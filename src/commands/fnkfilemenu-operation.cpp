@@ -123,7 +123,7 @@ constexpr int kPopupBorder = 2;
 
 void AddPopupItem(GtkWidget* menu, const char* label, GCallback handler, PopupChoice* choice)
 {
-    GtkWidget* const item = gtk_menu_item_new_with_mnemonic(label);
+    GtkWidget* const item = CreateMenuItemWithMnemonic(label);
     g_signal_connect(item, "activate", handler, choice);
     gtk_menu_shell_append(GTK_MENU_SHELL(menu), item);
     gtk_widget_show(item);

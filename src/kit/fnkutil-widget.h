@@ -98,6 +98,9 @@ void AddHistoryListC(GtkWidget* combo, History& list);
 /// Takes the focus out of the window's entries, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
+/// Creates a menu item whose mnemonic is underlined at all times.
+GtkWidget* CreateMenuItemWithMnemonic(const char* label);
+
 /// Calls act(data), which returns TRUE, when the shortcut, such as "<Alt>Left", is pressed anywhere in
 /// the window.
 void AddShortcut(GtkWidget* window, const char* shortcut, gboolean (*act)(gpointer), gpointer data);
