@@ -18,6 +18,7 @@
 #include "core/fnktable.h"
 #include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-shortcut.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkfilelist-status.h"
 

@@ -7,6 +7,7 @@
 #include "core/fnkstring.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-shortcut.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist-status.h"

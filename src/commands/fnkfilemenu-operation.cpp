@@ -16,6 +16,7 @@
 #include "engine/fnkfiles-copy.h"
 #include "kit/fnkmessage-box.h"
 #include "kit/fnkprogress.h"
+#include "kit/fnkutil-shortcut.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree.h"
 #include "panes/fnkfilelist.h"

@@ -98,15 +98,6 @@ void AddHistoryListC(GtkWidget* combo, History& list);
 /// Takes the focus out of the window's entries, so that the panes get the keys.
 void ReleaseEntryFocus(GtkWidget* window);
 
-/// Creates a menu item whose mnemonic is underlined at all times.
-GtkWidget* CreateMenuItemWithMnemonic(const char* label);
-
-/// Calls act(data), which returns TRUE, when the shortcut, such as "<Alt>Left", is pressed anywhere in
-/// the window.
-void AddShortcut(GtkWidget* window, const char* shortcut, gboolean (*act)(gpointer), gpointer data);
-/// A tip with the shortcut in the words of the user's language.
-std::string TipWithShortcut(const std::string& tip, const char* shortcut);
-
 /// Wraps a label's long lines at blanks, or anywhere in a long word, without hyphens.
 void WrapLabel(GtkWidget* label);
 

@@ -4,6 +4,7 @@
 #include "core/fnkutil.h"
 #include "engine/fnkmessage.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkutil-shortcut.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree-visit.h"
 #include "panes/fnkdirtree.h"
