@@ -12,6 +12,9 @@ constexpr int kNameLimit = 512;
 constexpr int kOwnerLimit = 128;
 constexpr int kEntryCharacters = 28;
 constexpr int kTextCharacters = 45;
+/// Far enough to the right to leave the corner of a frame alone.
+constexpr float kCaptionAlignment = 0.03F;
+constexpr int kCaptionMargin = 4;
 
 GtkWidget* NewLabel(const char* text)
 {
@@ -159,7 +162,10 @@ void AddToggles(GtkWidget* table, PropertyDlgData* data)
 GtkWidget* AddFrame(GtkWidget* page, const char* title)
 {
     GtkWidget* const frame = gtk_frame_new(title);
-    gtk_widget_set_margin_start(gtk_frame_get_label_widget(GTK_FRAME(frame)), kPageSpacing);  // Beside the corner.
+    gtk_frame_set_label_align(GTK_FRAME(frame), kCaptionAlignment, 0.5F);
+    GtkWidget* const caption = gtk_frame_get_label_widget(GTK_FRAME(frame));
+    gtk_widget_set_margin_start(caption, kCaptionMargin);
+    gtk_widget_set_margin_end(caption, kCaptionMargin);
     gtk_box_pack_start(GTK_BOX(page), frame, FALSE, FALSE, 0);
     gtk_widget_show(frame);
     return CreateVBox(frame, kSpacing, kSpacing);
