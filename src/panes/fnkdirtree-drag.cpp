@@ -4,8 +4,10 @@
 #include <utility>
 
 #include "core/fnktable.h"
+#include "core/fnkutil.h"
 #include "panes/fnkdirtree-walk.h"
 #include "panes/fnkdirtree.h"
+#include "panes/fnkdragdrop-watch.h"
 #include "panes/fnkdragdrop.h"
 
 namespace {
@@ -155,6 +157,13 @@ void on_DirTree_drag_leave(GtkWidget* tree, GdkDragContext*, guint, gpointer)
     }
 }
 
+void on_DirTree_drag_end(GtkWidget*, GdkDragContext*, gpointer)
+{
+    if (pGTable != nullptr && pGTable->CurrentDir != pGTable->RootDir) {
+        WatchDirectory(GetParentDirectory(pGTable->CurrentDir));
+    }
+}
+
 void on_DirTree_destroy(GtkWidget*, gpointer)
 {
     if (pGTable != nullptr) {
@@ -196,6 +205,7 @@ void ConnectTreeDrag(GtkTreeView* tree)
     // Connected first: the handler of ConnectDragPane ends the emission.
     g_signal_connect(tree, "drag-motion", G_CALLBACK(on_DirTree_drag_motion), nullptr);
     ConnectDragPane(tree, kTreePane);
+    g_signal_connect(tree, "drag-end", G_CALLBACK(on_DirTree_drag_end), nullptr);
     g_signal_connect(tree, "drag-leave", G_CALLBACK(on_DirTree_drag_leave), nullptr);
     g_signal_connect(tree, "destroy", G_CALLBACK(on_DirTree_destroy), nullptr);
 }

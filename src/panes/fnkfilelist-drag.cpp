@@ -3,11 +3,10 @@
 #include <utility>
 
 #include "core/fnktable.h"
-#include "core/fnkthread.h"
-#include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-view.h"
 #include "panes/fnkdirtree.h"
+#include "panes/fnkdragdrop-watch.h"
 #include "panes/fnkdragdrop.h"
 #include "panes/fnkfilelist-selection.h"
 
@@ -97,79 +96,11 @@ std::string FindListDestination(GtkTreeView*, int, int)
     return pGTable->CurrentDir;
 }
 
-/// A directory from which entries were dragged. Another program may take them some time later.
-struct Watch {
-    std::string path;
-    GFileMonitor* monitor;
-    guint refresh = 0;  ///< Source that reads the directory again; 0 if none is due.
-};
-constexpr const char* kWatchKey = "fennick-watch";
-/// Milliseconds. Entries that go together are shown together.
-constexpr guint kRefreshDelay = 200;
-
-void EndWatch(gpointer data)
-{
-    auto* const watch = static_cast<Watch*>(data);
-    if (watch->refresh != 0) {
-        g_source_remove(watch->refresh);
-    }
-    g_signal_handlers_disconnect_by_data(watch->monitor, watch);
-    g_object_unref(watch->monitor);
-    delete watch;
-}
-
-/// Reads the directory again, unless it was left. Waits for the end of a command or dialog.
-gboolean RefreshWatched(gpointer data)
-{
-    auto* const watch = static_cast<Watch*>(data);
-    if (pGTable != nullptr && IsBusy()) {
-        return G_SOURCE_CONTINUE;
-    }
-    watch->refresh = 0;
-    if (pGTable != nullptr && pGTable->CurrentDir == watch->path) {
-        OpenChildTree(MainTree(), pGTable->CurrentDir, EXPAND_LAST_NO, {.rescan = {pGTable->CurrentDir}});
-    }
-    return G_SOURCE_REMOVE;
-}
-
-void on_Watch_changed(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent event, gpointer data)
-{
-    auto* const watch = static_cast<Watch*>(data);
-    const bool is_gone = event == G_FILE_MONITOR_EVENT_DELETED || event == G_FILE_MONITOR_EVENT_MOVED_OUT ||
-                         event == G_FILE_MONITOR_EVENT_RENAMED;
-    if (is_gone && watch->refresh == 0) {
-        watch->refresh = g_timeout_add(kRefreshDelay, RefreshWatched, watch);
-    }
-}
-
-/// Replaces the watch of the list, which ends with it.
-gboolean BeginWatch(gpointer data)
-{
-    auto* const watch = static_cast<Watch*>(data);
-    if (MainList() == nullptr || pGTable->CurrentDir != watch->path) {
-        EndWatch(watch);
-    } else {
-        g_signal_connect(watch->monitor, "changed", G_CALLBACK(on_Watch_changed), watch);
-        g_object_set_data_full(G_OBJECT(MainList()), kWatchKey, watch, EndWatch);
-        watch->refresh = g_timeout_add(kRefreshDelay, RefreshWatched, watch);  // Some may be gone by now.
-    }
-    return G_SOURCE_REMOVE;
-}
-
 void on_FileList_drag_end(GtkWidget*, GdkDragContext*, gpointer)
 {
-    if (pGTable == nullptr) {
-        return;
+    if (pGTable != nullptr) {
+        WatchDirectory(pGTable->CurrentDir);
     }
-    // A thread, because the call waits for the disk. The main loop handles what the monitor reports.
-    StartThread([path = pGTable->CurrentDir] {
-        GFile* const directory = g_file_new_for_path(path.c_str());
-        GFileMonitor* const monitor = g_file_monitor_directory(directory, G_FILE_MONITOR_WATCH_MOVES, nullptr, nullptr);
-        g_object_unref(directory);
-        if (monitor != nullptr) {
-            g_idle_add(BeginWatch, new Watch{path, monitor});
-        }
-    });
 }
 
 constexpr DragPane kListPane = {PathOfListRow, PrepareListDrag, FindListDestination};

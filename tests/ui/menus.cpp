@@ -85,6 +85,29 @@ TEST_F(Menus, RunShortcutsWhileTheyAreOpen)
     }
 }
 
+TEST_F(Menus, NothingStartsUnderADialogEvenIfAnAssistiveProgramAsks)
+{
+    Make({"a/", "file"});
+    Start();
+    SelectNames({"file"});
+    Ask(MENU_OPTION, {[](GtkWidget* dialog) {
+            for (const int entry : {MENU_OPEN, MENU_COPY, MENU_DELETE, MENU_PROPERTY, MENU_SELECT_ALL, MENU_FIND_FILE,
+                                    MENU_SYMBOLIC_LINK, MENU_RESCAN_DIRECTORY, MENU_OPTION, MENU_SORT_COLUMN}) {
+                gtk_menu_item_activate(GTK_MENU_ITEM(pMainW->MenuItem[static_cast<std::size_t>(entry)]));
+                Settle();
+                EXPECT_EQ(gtk_grab_get_current(), dialog) << entry;
+            }
+            gtk_button_clicked(GTK_BUTTON(gtk_bin_get_child(GTK_BIN(pMainW->ToolButton[TOOL_RESCAN]))));
+            gtk_tree_view_row_activated(MainList(), RowPath(1).get(), ListViewColumn(1));
+            gtk_tree_selection_select_path(gtk_tree_view_get_selection(MainTree()),
+                                           NodePath(pGTable->RootDir + "a").get());
+            Settle();
+            EXPECT_EQ(gtk_grab_get_current(), dialog);
+            SendKey(dialog, GDK_KEY_Escape);
+        }});
+    ExpectAt("", "file");
+}
+
 }  // namespace
 
 TEST(Colors, ChangeOnlyAsFarAsTheyCannotBeRead)
