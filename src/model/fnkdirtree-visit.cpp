@@ -176,6 +176,8 @@ void ReadVisit(const VisitPlan& plan, VisitReading& reading, const std::atomic<b
     const bool wants_list = std::find(unscanned.begin(), unscanned.end(), reading.list) != unscanned.end();
     if (wants_list && reading.is_list_there) {
         reading.levels.emplace(reading.list, ListSubdirectories(reading.rows, reading.list));
+    } else if (wants_list && reading.list == pGTable->RootDir) {
+        reading.has_failed_root = true;
     }
     reading.looked_ahead = reading.levels;
 }
