@@ -283,8 +283,9 @@ Side SortingPlainly(int kind)
 
 void MeasureOpening()
 {
-    for (const auto& [count, name, goal] : {std::tuple{kEntries, "open 100,000 entries", Goal{.ratio = 1.2, .pause = 80}},
-                                            std::tuple{kMillion, "open 1,000,000 entries", Goal{.ratio = 1.3, .pause = 600}}}) {
+    for (const auto& [count, name, goal] :
+         {std::tuple{kEntries, "open 100,000 entries", Goal{.ratio = 1.2, .pause = 80}},
+          std::tuple{kMillion, "open 1,000,000 entries", Goal{.ratio = 1.3, .pause = 600}}}) {
         if (!wanted.Has(name)) {
             continue;
         }

@@ -136,6 +136,7 @@ void WalkHistory(HistoryStep step, ToolSlot slot)
 {
     const std::vector<int> targets = ListHistoryTargets(step);
     std::vector<std::string> paths;
+    paths.reserve(targets.size());
     for (const int target : targets) {
         paths.push_back(pGTable->LocationDirHistory[static_cast<std::size_t>(target)]);
     }

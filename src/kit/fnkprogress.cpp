@@ -241,13 +241,14 @@ void FilterEvent(GdkEvent* event, gpointer windows)
     GtkWidget* const widget = gtk_get_event_widget(event);
     GtkWidget* const window = widget != nullptr ? gtk_widget_get_toplevel(widget) : nullptr;
     const bool is_blocked = std::find(blocked.begin(), blocked.end(), window) != blocked.end();
-    if (!is_blocked || !IsInput(event->type) || pMainW == nullptr) {
-        gtk_main_do_event(event);
-    } else if (event->type == GDK_DELETE && window == pMainW->MainWindow) {
-        gtk_widget_event(window, event);
-    } else if (event->type == GDK_KEY_PRESS && event->key.keyval == GDK_KEY_Escape) {
+    const bool is_kept_out = is_blocked && IsInput(event->type) && pMainW != nullptr;
+    if (is_kept_out && event->type == GDK_DELETE) {
+        if (window == pMainW->MainWindow) {
+            gtk_widget_event(window, event);
+        }
+    } else if (is_kept_out && event->type == GDK_KEY_PRESS && event->key.keyval == GDK_KEY_Escape) {
         on_ProgressCancelButton_clicked(nullptr, nullptr);
-    } else if (event->type != GDK_DELETE && pGTable->ProgressBar != nullptr) {
+    } else if (!is_kept_out || pGTable->ProgressBar != nullptr) {
         gtk_main_do_event(event);
     }
 }
