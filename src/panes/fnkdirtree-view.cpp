@@ -124,6 +124,7 @@ void ShowTreeKeys(GtkTreeView* tree, bool has_keys)
 {
     GtkStyleContext* const style = gtk_widget_get_style_context(GTK_WIDGET(tree));
     has_keys ? gtk_style_context_remove_class(style, kWithoutKeys) : gtk_style_context_add_class(style, kWithoutKeys);
+    gtk_widget_queue_draw(GTK_WIDGET(tree));  // The toolkit sees no difference, as rows are no widgets.
 }
 
 GtkTreeView* CreateNodeView(GtkWidget* scroll, GtkTreeModel* nodes, const char* accessible_name)
