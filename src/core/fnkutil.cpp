@@ -291,8 +291,9 @@ int CheckFileName(std::string_view name)
 namespace {
 
 struct Resolution {
-    std::string path;  ///< Canonical; on failure it ends with the component that failed.
-    int error = 0;     ///< errno of the failed lookup.
+    std::string path;     ///< Canonical; on failure it ends with the component that failed.
+    int error = 0;        ///< errno of the failed lookup.
+    bool is_last = true;  ///< Nothing follows the component that failed.
 };
 
 /// Removes and returns the first component of rest. Empty if there is none.
@@ -310,11 +311,18 @@ std::string TakeComponent(std::string& rest)
     return component;
 }
 
+/// Whether no file of this name can be made in a directory. Some file systems say only that there is none.
+bool IsNameTooLong(const std::string& directory, const std::string& name)
+{
+    const long limit = pathconf(directory.c_str(), _PC_NAME_MAX);
+    return limit > 0 && name.size() > static_cast<std::size_t>(limit);
+}
+
 /// Like realpath, but on failure also returns the part resolved so far. If a file is about to be
 /// created, the last component of its path does not exist yet.
 Resolution ResolvePath(const std::string& absolute)
 {
-    Resolution result{"/", 0};
+    Resolution result{"/"};
     std::string rest = absolute;
     for (int links = 0;;) {
         const std::string component = TakeComponent(rest);
@@ -339,7 +347,8 @@ Resolution ResolvePath(const std::string& absolute)
         result.path = WithSlash(parent) + component;
         struct stat st = {};
         if (lstat(result.path.c_str(), &st) != 0) {
-            result.error = errno;
+            result.error = errno == ENOENT && IsNameTooLong(parent, component) ? ENAMETOOLONG : errno;
+            result.is_last = rest.find_first_not_of('/') == std::string::npos;
             return result;
         }
         if (!S_ISLNK(st.st_mode)) {
@@ -402,10 +411,10 @@ PathStatus CheckFileExist(std::string* path)
         path->insert(0, pGTable->CurrentDir);
     }
     Resolution resolved = ResolvePath(*path);
-    if (resolved.path.size() > kMaxPathBytes) {
+    if (resolved.path.size() > kMaxPathBytes || resolved.error == ENAMETOOLONG) {
         return PATH_TOO_LONG;
     }
-    if (resolved.error == ENOENT && GetLastPath(*path) != GetLastPath(resolved.path)) {
+    if (resolved.error == ENOENT && (!resolved.is_last || GetLastPath(*path) != GetLastPath(resolved.path))) {
         return PATH_INVALID;
     }
     *path = resolved.path;

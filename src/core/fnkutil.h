@@ -29,7 +29,7 @@ constexpr int kMaxLinks = 40;
 /// Verdict on a path that the user typed.
 enum PathStatus {
     PATH_EMPTY,
-    PATH_TOO_LONG,      ///< Longer than kMaxPathBytes, as typed or once absolute.
+    PATH_TOO_LONG,      ///< Longer than kMaxPathBytes, as typed or once absolute, or than a name may be.
     PATH_OUTSIDE_ROOT,  ///< Resolves to a place outside RootDir.
     PATH_INVALID,       ///< Contains "//", or a directory on the way is missing.
     PATH_NO_PARENT,     ///< The parent is not a directory.

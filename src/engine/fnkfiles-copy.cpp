@@ -452,6 +452,7 @@ enum Overwriting {
     OVERWRITE_CONFIRMED,  ///< By the user.
     OVERWRITE_DECLINED,
     OVERWRITE_NOT_NEEDED,  ///< Nothing exists at the target.
+    OVERWRITE_UNKNOWN,     ///< What exists there cannot be seen; errno says why.
 };
 
 Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
@@ -460,8 +461,8 @@ Overwriting ConfirmOverwrite(const std::string& target, const int* flag)
         return OVERWRITE_ALLOWED;
     }
     struct stat st = {};
-    if (lstat(target.c_str(), &st) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
-        return OVERWRITE_NOT_NEEDED;
+    if (lstat(target.c_str(), &st) != 0) {
+        return errno == ENOENT || errno == ENOTDIR ? OVERWRITE_NOT_NEEDED : OVERWRITE_UNKNOWN;
     }
     return AskToOverwrite(target) ? OVERWRITE_CONFIRMED : OVERWRITE_DECLINED;
 }
@@ -539,6 +540,9 @@ Result TransferItem(OperationKind kind, const std::string& destination, const st
         return ReportStep();
     }
     *flag = 1;
+    if (overwriting == OVERWRITE_UNKNOWN) {
+        return FileErrorMessage(kind, target, errno);
+    }
     const PathPlace target_place = is_directory ? PathPlace(target, DestinationPath(destination)) : PathPlace(target);
     const Command command{kind, {}};
     const Transfer transfer{command, source_place.Get(), target_place.Get(), st, overwriting == OVERWRITE_NOT_NEEDED};

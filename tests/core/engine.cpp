@@ -277,6 +277,8 @@ TEST_F(Engine, WhereRightsAreMissing)
                     {Failure("delete shut/x", denied)}, {}),
               Story("into a directory that cannot be searched", before, "copy t/a/ > half", "y", RESULT_DONE, 1,
                     {Failure("copy half/a", denied)}, {}),
+              Story("what is not seen is not asked about", before, "copy from/open > half", "y", RESULT_DONE, 1,
+                    {Failure("copy half/open", denied)}, {}),
               Story("a directory that is not seen is not replaced", before, "copy t/a/ > shut/new/a", "y", RESULT_DONE,
                     1, {Failure("copy shut/new/a", denied)}, {})});
         EmptyDisk(files.Path());

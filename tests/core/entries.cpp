@@ -42,7 +42,11 @@ TEST_F(Entries, TypedPathIsJudgedAndMadeCanonical)
         for (std::string path : {"file.txt/..", "file.txt/../docs", "file.txt/./../docs"}) {
             EXPECT_EQ(CheckFileExist(&path), PATH_NO_PARENT) << "the kernel finds nothing behind a file either";
         }
-        for (std::string path : {"a//b", "docs//", "missing/new.txt", "missing/../docs", "dangling"}) {
+        for (std::string path :
+             {std::string(256, 'x'), "docs/" + std::string(256, 'x'), std::string(256, 'x') + "/a"}) {
+            EXPECT_EQ(CheckFileExist(&path), PATH_TOO_LONG) << path << " in " << locale;
+        }
+        for (std::string path : {"a//b", "docs//", "missing/new.txt", "missing/../docs", "dangling", "no/no"}) {
             EXPECT_EQ(CheckFileExist(&path), PATH_INVALID) << path << " in " << locale;
         }
     }
