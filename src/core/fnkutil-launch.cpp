@@ -25,6 +25,7 @@ constexpr const char* kBrowserName = "netscape";
 constexpr const char* kDesktopOpener = "xdg-open";
 constexpr const char* kOwnName = "fennick";
 constexpr const char* kOwnFile = "/proc/self/exe";
+constexpr const char* kShell = "/bin/sh";
 constexpr const char* kDefaultSearchPath = "/bin:/usr/bin";
 constexpr const char kForkFailed[] = "Not enough mmemory! Stop.\n";
 constexpr std::size_t kStatusBytes = 2047;
@@ -243,9 +244,20 @@ void CloseDescriptors()
     }
 }
 
-/// Executes the first file that the kernel accepts. Unlike execvp, does not hand a file without a
-/// "#!" line to the shell: the file may contain anything.
-[[noreturn]] void ExecFirst(char* const* files, char* const* arguments)
+/// Whether a file that the kernel does not know how to execute may be a script without a "#!" line. Text
+/// has no NUL; a picture on a disk where every file is executable does.
+bool MayBeScript(const char* file)
+{
+    char begin[256];
+    const int script = open(file, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const ssize_t count = script >= 0 ? read(script, begin, sizeof begin) : -1;
+    close(script);
+    return count >= 0 && std::memchr(begin, '\0', static_cast<std::size_t>(count)) == nullptr;
+}
+
+/// Executes the first file that the kernel accepts. As execvp does, hands a script without a "#!" line to
+/// the shell. Its arguments are those of the shell, with a place for the script as the second.
+[[noreturn]] void ExecFirst(char* const* files, char* const* arguments, char** shell_arguments)
 {
     setsid();
     ResetSignals();
@@ -255,15 +267,19 @@ void CloseDescriptors()
     }
     for (; *files != nullptr; ++files) {
         execve(*files, arguments, environ);
+        if (errno == ENOEXEC && MayBeScript(*files)) {
+            shell_arguments[1] = *files;
+            execve(kShell, shell_arguments, environ);
+        }
     }
     _exit(0);
 }
 
-[[noreturn]] void ForkAndExit(char* const* files, char* const* arguments)
+[[noreturn]] void ForkAndExit(char* const* files, char* const* arguments, char** shell_arguments)
 {
     const pid_t child = _Fork();
     if (child == 0) {
-        ExecFirst(files, arguments);
+        ExecFirst(files, arguments, shell_arguments);
     }
     if (child < 0) {
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kForkFailed, sizeof kForkFailed - 1);
@@ -277,6 +293,9 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
 {
     const std::vector<char*> file_pointers = PointersTo(files);
     const std::vector<char*> argument_pointers = PointersTo(arguments);
+    std::vector<std::string> shell_arguments = arguments;
+    shell_arguments.insert(shell_arguments.begin(), kShell);
+    std::vector<char*> shell_pointers = PointersTo(shell_arguments);
     // Block signals, or our handlers could run in the child before exec.
     sigset_t all;
     sigset_t before;
@@ -284,7 +303,7 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t helper = fork();
     if (helper == 0) {
-        ForkAndExit(file_pointers.data(), argument_pointers.data());
+        ForkAndExit(file_pointers.data(), argument_pointers.data(), shell_pointers.data());
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (helper < 0) {

@@ -44,7 +44,7 @@ int GetStatus(const char* key, const char* text, std::string& value, std::size_t
 
 /// Starts program, a file name that is looked up in PATH. It gets argument unless that is empty. It
 /// is not a child of this process, has its own session and inherits only the three standard
-/// descriptors. A failure to start it is not reported.
+/// descriptors. A script needs no "#!" line. A failure to start it is not reported.
 ///
 /// If program is browser.start, argument is a file to show. The desktop's opener shows it if
 /// browser.start is not installed; else a running browser is told to show it.

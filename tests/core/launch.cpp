@@ -189,11 +189,12 @@ TEST_F(Exec, AProgramIsOneNameSearchedForAlongThePath)
     programs.Make("with blank");
     const ScratchDirectory first;
     first.Directory("program");
-    first.File("plain", "echo this is no program", 0755);
+    first.File("picture", std::string("echo\0", 5), 0755);
+    first.File("unmarked", "echo \"$#\" \"${0##*/}\" \"$1\"", 0755);
     const ScopedVariable search("PATH", ("/usr/bin:/bin:" + first.Path() + "::").c_str());
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(programs.directory.Path());
-    for (const char* const text : {"program --option", "program;true", "gone", "plain", "", "/gone/program"}) {
+    for (const char* const text : {"program --option", "program;true", "gone", "picture", "", "/gone/program"}) {
         EXPECT_GT(ExecProcess(text, "x"), 0) << text;
     }
     // Had any of those been started, it would come first.
@@ -201,6 +202,7 @@ TEST_F(Exec, AProgramIsOneNameSearchedForAlongThePath)
     EXPECT_EQ(programs.Next(), Words{"./program"}) << "an empty part is the directory one is in";
     ExecProcess("with blank", "--x");
     EXPECT_EQ(programs.Next(), (Words{"./with blank", "--x"}));
+    EXPECT_EQ(OutputOf("unmarked", "-a b;c") + OutputOf(first.At("unmarked"), ""), "1 unmarked -a b;c\n0 unmarked \n");
     std::filesystem::current_path(before);
 }
 
