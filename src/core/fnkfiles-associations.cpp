@@ -38,6 +38,9 @@ public:
             position_ = stepper_.Next(position_);
         }
         std::string line(begin, position_);
+        if (line.ends_with('\r')) {
+            line.pop_back();  // Editors of other systems end lines like that.
+        }
         if (position_ != end_) {
             ++position_;
         }

@@ -4,7 +4,6 @@
 #include <glib.h>
 #include <limits.h>
 #include <signal.h>
-#include <strings.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -43,7 +42,7 @@ const std::string* GetCompatibleAP(const std::string& path)
         return nullptr;
     }
     for (const AppInfo& association : pGTable->ExtensionList) {
-        if (strcasecmp(association.Key.c_str(), extension) == 0) {
+        if (g_ascii_strcasecmp(association.Key.c_str(), extension) == 0) {
             return &association.Value;
         }
     }

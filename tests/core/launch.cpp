@@ -38,6 +38,13 @@ TEST_F(DecideWhat, ModeAndExtensionDecide)
         EXPECT_EQ(launch.program, program) << name;
     }
     EXPECT_EQ(DecideLaunch("").kind, LAUNCH_NOTHING);
+    // A Turkish "i" is no small "I".
+    const std::string turkish = home.At("tr_TR.UTF-8");
+    Require(std::system(("localedef -i tr_TR -f UTF-8 " + turkish).c_str()) == 0, turkish);
+    const ScopedVariable locales("LOCPATH", home.Path().c_str());
+    SetLocale("tr_TR.UTF-8");
+    table.ExtensionList = {{"gif", "view"}};
+    EXPECT_NE(GetCompatibleAP("/A.GIF"), nullptr);
 }
 
 TEST_F(DecideWhat, LinksAreFollowedInsideTheRoot)
@@ -107,6 +114,7 @@ TEST_F(DecideWhat, AssociationsAreLinesOfASection)
                   {{"sh", "a=b"}, {"", "v"}, {"k", ""}, {"html ", " x "}}),
           Section("[Extension]\n" + key + "=v\n" + key + "k=v\na=1\n", {{key, "v"}, {"a", "1"}}),
           Section("[Extension]\na=" + value + "\na=" + value + "v\nb=2\n", {{"a", value}, {"b", "2"}}),
+          Section("\xEF\xBB\xBF[Extension]\r\na=1\r\nb=\r\n\r\nc=3\r\n", {{"a", "1"}, {"b", ""}}),
           Section("[extension]\na=1\n", {})}) {
         EXPECT_EQ(read(text, "[Extension]"), expected) << text;
     }
