@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -10,12 +11,14 @@
 
 #include "core/fnkfiles-associations.h"
 #include "core/fnkfiles-settings.h"
+#include "core/fnkstring.h"
 #include "core/fnktable.h"
 #include "core/fnkthread.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkprogress.h"
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-widget.h"
+#include "panes/fnkfilelist.h"
 
 #include "CloseDir.xpm"
 #include "OpenDir.xpm"
@@ -39,6 +42,35 @@ void HideMainWindow()
         gtk_widget_hide(pMainW->MainWindow);
         gdk_display_flush(gdk_display_get_default());
     }
+}
+
+void SaveSettings(const LiveLayout& layout)
+{
+    if (TryFor(kSettingsPatience, [layout] { return SetGTable(layout); }) != FILE_DONE) {
+        std::fprintf(stderr, _("fennick: cannot save the settings in %s\n"), GetSettingsPath().c_str());
+    }
+}
+
+LiveLayout seen_layout;
+guint layout_timer = 0;
+
+gboolean NoteLayout(gpointer)
+{
+    layout_timer = 0;
+    if (pMainW != nullptr && ReadLiveLayout != nullptr) {
+        seen_layout = ReadLiveLayout();
+    }
+    return G_SOURCE_REMOVE;
+}
+
+/// Asking for the geometry takes the X server a while, and a window that is dragged changes it often.
+gboolean on_MainWindow_configure_event(GtkWidget*, GdkEvent*, gpointer)
+{
+    constexpr guint kPause = 200;  // Milliseconds.
+    if (layout_timer == 0) {
+        layout_timer = g_timeout_add(kPause, NoteLayout, nullptr);
+    }
+    return FALSE;
 }
 
 }  // namespace
@@ -72,7 +104,7 @@ void TerminateGlobalTable()
     if (pGTable != nullptr && pGTable->IsLoaded) {
         const LiveLayout layout = ReadLiveLayout != nullptr ? ReadLiveLayout() : LiveLayout();
         HideMainWindow();
-        TryFor(kSettingsPatience, [layout] { return SetGTable(layout); });
+        SaveSettings(layout);
     }
     // Clear the pointers first: callbacks can run while the contents are released.
     GTable* const table = std::exchange(pGTable, nullptr);
@@ -85,6 +117,24 @@ void TerminateGlobalTable()
     }
     delete table;
     delete widgets;
+}
+
+void WatchMainWindow()
+{
+    g_signal_connect(pMainW->MainWindow, "configure-event", G_CALLBACK(on_MainWindow_configure_event), nullptr);
+}
+
+void LeaveLostDisplay()
+{
+    if (pGTable != nullptr && pGTable->IsLoaded) {
+        if (pMainW->Paned != nullptr) {
+            seen_layout.PandPosition = gtk_paned_get_position(GTK_PANED(pMainW->Paned));
+            seen_layout.ColumnSize = ListColumnWidths();
+        }
+        SaveSettings(seen_layout);
+    }
+    StopRuns();
+    _exit(0);  // exit() would let the toolkit close its display.
 }
 
 void CloseMainWindow()

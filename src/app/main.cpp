@@ -22,6 +22,8 @@
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-widget.h"
 
+#include <gdk/gdkx.h>  // Last, because Xlib defines macros of common names.
+
 namespace {
 
 /// Opens the standard file descriptors that the parent process has closed. Otherwise the next file or
@@ -63,8 +65,25 @@ void InstallSignalHandler()
     struct sigaction action = {};
     action.sa_handler = SignalHandler;
     action.sa_flags = SA_RESTART;
-    for (const int signum : {SIGINT, SIGQUIT, SIGTERM}) {
-        sigaction(signum, &action, nullptr);
+    for (const int signum : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
+        struct sigaction before = {};
+        sigaction(signum, nullptr, &before);
+        if (signum != SIGHUP || before.sa_handler != SIG_IGN) {  // nohup wants to outlive its terminal.
+            sigaction(signum, &action, nullptr);
+        }
+    }
+}
+
+/// Xlib calls this once the connection to the X server is lost, from within any of its calls.
+int on_DisplayLost(Display*)
+{
+    LeaveLostDisplay();
+}
+
+void InstallDisplayHandler()
+{
+    if (GDK_IS_X11_DISPLAY(gdk_display_get_default())) {
+        XSetIOErrorHandler(on_DisplayLost);
     }
 }
 
@@ -137,7 +156,9 @@ int main(int argc, char** argv)
     SetStartDirectories(command_line);
     SeedHistories();
     InstallSignalHandler();
+    InstallDisplayHandler();
     CreateMainWindow();
+    WatchMainWindow();
     ShowMainWindow();
     gtk_main();
     LeaveProgram();

@@ -58,13 +58,6 @@ std::string Indexed(const char* key, std::size_t index)
     return key + std::to_string(index);
 }
 
-/// Empty without "HOME".
-std::string GetSettingsPath()
-{
-    const std::string home = GetHomeDirectory();
-    return home.empty() ? home : WithSlash(home) + kFileName;
-}
-
 /// Reads one setting from the text into the record.
 struct Reader {
     const char* text;
@@ -200,6 +193,12 @@ void StoreLayout(GTable& table, const LiveLayout& layout)
 const std::span<const Setting> kSettings = kSettingTable;
 
 LiveLayout (*ReadLiveLayout)() = nullptr;
+
+std::string GetSettingsPath()
+{
+    const std::string home = GetHomeDirectory();
+    return home.empty() ? home : WithSlash(home) + kFileName;
+}
 
 void DefaultGTable()
 {

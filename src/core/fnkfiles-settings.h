@@ -59,6 +59,9 @@ struct LiveLayout {
 /// Reads the layout of the widgets. Null until the main window sets it.
 extern LiveLayout (*ReadLiveLayout)();
 
+/// "$HOME/.fennick"; empty without "HOME".
+std::string GetSettingsPath();
+
 /// Resets all stored settings but the histories and CurrentDir. Does nothing without a record.
 void DefaultGTable();
 

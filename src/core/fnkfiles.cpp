@@ -87,6 +87,33 @@ bool CopyOwnerAndMode(int fd, const struct stat& old)
     return fchmod(fd, old.st_mode & kPermissionBits) == 0;
 }
 
+/// Whether only the directory, or a mount, keeps a file from being replaced; it may still be written.
+bool IsNameFixed(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
+}
+
+bool Overwrite(int fd, std::string_view data)
+{
+    return lseek(fd, 0, SEEK_SET) == 0 && WriteAll(fd, data) && ftruncate(fd, static_cast<off_t>(data.size())) == 0 &&
+           fsync(fd) == 0;
+}
+
+/// Writes an old file in place. If that fails, puts its content back.
+FileResult WriteInPlace(const std::string& path, std::string_view data)
+{
+    const Descriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+    std::string before;
+    if (!file || !ReadAll(file.Get(), before)) {
+        return FILE_NOT_OPENED;
+    }
+    if (Overwrite(file.Get(), data)) {
+        return syncfs(file.Get()) == 0 ? FILE_DONE : FILE_NOT_WRITTEN;
+    }
+    Overwrite(file.Get(), before);
+    return FILE_NOT_WRITTEN;
+}
+
 }  // namespace
 
 FileResult ReadFile(const std::string& path, std::string* text)
@@ -134,12 +161,15 @@ FileResult WriteFile(const std::string& path, std::string_view data)
     }
     NewFile file(place.Get().directory);
     if (!file) {
-        return FILE_NOT_OPENED;
+        return exists && IsNameFixed(file.Error()) ? WriteInPlace(target, data) : FILE_NOT_OPENED;
     }
     const bool is_complete =
         (!exists || CopyOwnerAndMode(file.Get(), old)) && WriteAll(file.Get(), data) && fsync(file.Get()) == 0;
-    if (!is_complete || file.Prepare() != 0 || file.CommitOver(place.Get().name) != 0) {
+    if (!is_complete || file.Prepare() != 0) {
         return FILE_NOT_WRITTEN;
+    }
+    if (const int error = file.CommitOver(place.Get().name); error != 0) {
+        return exists && IsNameFixed(error) ? WriteInPlace(target, data) : FILE_NOT_WRITTEN;
     }
     return syncfs(file.Get()) == 0 ? FILE_DONE : FILE_NOT_WRITTEN;
 }

@@ -23,7 +23,8 @@ FileResult ReadFile(const std::string& path, std::string* text);
 
 /// Replaces the content of a file atomically: writes a new file beside the old one, renames it over
 /// that and calls sync(). The new file keeps the owner and permissions of the old one; without an
-/// old one, its mode is 0600. Follows symbolic links.
+/// old one, its mode is 0600. Follows symbolic links. A file whose name cannot be given to another, as in
+/// a directory without write permission or where it is mounted, is written in place.
 FileResult WriteFile(const std::string& path, std::string_view data);
 
 /// The end of the line at position: the first "\n" that is not the second byte of a character, or

@@ -83,7 +83,7 @@ TEST_F(Saving, OnlyWithPermissionTheOldFileGoes)
 {
     using Case = std::tuple<mode_t, mode_t, FileResult>;
     for (const auto& [file_mode, directory_mode, result] :
-         {Case(0444, 0755, FILE_NOT_OPENED), Case(0000, 0755, FILE_NOT_OPENED), Case(0666, 0555, FILE_NOT_OPENED),
+         {Case(0444, 0755, FILE_NOT_OPENED), Case(0000, 0755, FILE_NOT_OPENED), Case(0666, 0555, FILE_DONE),
           Case(0666, 0755, FILE_DONE)}) {
         files.File("file", "old", file_mode);  // Another user's, where the super-user makes it.
         EXPECT_EQ(RunInChild([&, mode = directory_mode, expected = result] {
@@ -98,6 +98,31 @@ TEST_F(Saving, OnlyWithPermissionTheOldFileGoes)
         EXPECT_EQ(files.Contents("file"), result == FILE_DONE ? "new" : "old");
         files.Remove("file");
     }
+}
+
+TEST_F(Saving, WhatCannotBeReplacedIsWrittenInPlace)
+{
+    files.File("file", "the old one, which is longer", 0640);
+    const ino_t inode = files.Status("file").st_ino;
+    const auto work = [this, inode] {
+        MountSmallDisk(files.Directory("disk"), "size=1m");
+        Require(mount(files.At("file").c_str(), files.At("file").c_str(), nullptr, MS_BIND, nullptr) == 0, "mount");
+        EXPECT_EQ(Write("file"), FILE_DONE);
+        EXPECT_EQ(files.Contents("file"), "new");
+        EXPECT_EQ(files.Status("file").st_ino, inode);
+        const std::string texts[] = {"new", std::string(100'000, 'x')};
+        for (int call = 1; call == 1 || faults.calls_made >= call - 1; ++call) {
+            const std::string old = files.Contents("file");
+            const std::string& fresh = texts[old == texts[0] ? 1 : 0];
+            faults.Arm(call, EIO);
+            const FileResult result = Write("file", fresh);
+            faults.Disarm();
+            EXPECT_TRUE(files.Contents("file") == fresh || (result != FILE_DONE && files.Contents("file") == old))
+                << faults.failed_call;
+        }
+    };
+    const ChildResult result = RunInChild(work);
+    EXPECT_TRUE(result == CHILD_PASSED || (result == CHILD_SKIPPED && geteuid() != 0)) << result;
 }
 
 /// Each call in turn fails, and the process is killed at it: the new file is whole and reported, or

@@ -76,18 +76,18 @@ class Fennick:
     def keys(self, *keys):
         self.xdotool("key", "--clearmodifiers", *keys)
 
-    def ended(self):
+    def ended(self, errors=""):
         """Stored values by key; of a key of several sections, that of the first."""
         status = self.process.wait(DEADLINE)
         self.errors.seek(0)
-        assert (status, said := self.errors.read()) == (0, b""), f"{status} {said}"
+        assert (status, said := self.errors.read().decode()) == (0, errors), f"{status} {said}"
         if os.path.exists(f"{self.home}/.fennick"):
             with open(f"{self.home}/.fennick", encoding="utf-8", errors="surrogateescape") as file:
                 return dict(reversed([line.rstrip("\n").split("=", 1) for line in file if "=" in line]))
 
-    def end(self):
+    def end(self, errors=""):
         self.process.terminate()
-        return self.ended()
+        return self.ended(errors)
 
     def find(self, name, node=None):
         node = node or self.application
@@ -168,7 +168,7 @@ class Program(unittest.TestCase):
     def test_signals_end_it_with_its_settings_written(self):
         broken = f"{self.home}/" + os.fsdecode(b"\xff\xfe")
         os.mkdir(broken)
-        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGQUIT):
+        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGQUIT, signal.SIGHUP):
             fennick = self.start("--home", self.home, broken)
             os.remove(f"{self.home}/.fennick")
             fennick.keys("alt+f", "Up")
@@ -176,6 +176,21 @@ class Program(unittest.TestCase):
             fennick.process.send_signal(number)
             fennick.process.send_signal(signal.SIGTERM)
             self.assertEqual(fennick.ended()["CurrentDir"], broken + "/")
+
+    def test_a_lost_display_ends_it_with_its_settings_written(self):
+        def stored(pause):
+            read, write = os.pipe()
+            server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-noreset"], pass_fds=[write],
+                                      stderr=subprocess.DEVNULL)
+            for cleanup in (server.wait, server.kill):
+                self.addCleanup(cleanup)
+            fennick = Fennick(self, DISPLAY=f":{os.read(read, 10).decode().strip()}")
+            fennick.xdotool("windowsize", fennick.window, "641", "437", "windowmove", fennick.window, "33", "44")
+            time.sleep(pause)  # What it has seen of its window cannot be told from outside.
+            server.terminate()
+            return fennick.ended()
+        seen = dict(WindowX="33", WindowY="44", WindowWidth="641", WindowHeight="437", PandPosition="200")
+        self.assertTrue(any(seen.items() <= stored(pause).items() for pause in (0.5, 2, 10)))
 
     def test_mouse_keys_other_programs_and_windows(self):
         self.file("dir/x")
@@ -234,8 +249,10 @@ class Program(unittest.TestCase):
         os.mkdir(f"{self.directory}/closed", 0o555)
         # An ordinary user may not reach a program below the home of root; root without capabilities does.
         through = ["setpriv", "--inh-caps=-all", "--bounding-set=-all"] if os.geteuid() == 0 else []
-        Fennick(self, home=f"{self.directory}/closed", through=through).end()
-        self.assertEqual(os.listdir(f"{self.directory}/closed"), [])
+        closed = f"{self.directory}/closed"
+        fennick = Fennick(self, home=closed, through=through)
+        fennick.end(f"fennick: cannot save the settings in {closed}/.fennick\n")
+        self.assertEqual(os.listdir(closed), [])
         gone = f"{self.directory}/gone/"
         done = subprocess.run([PROGRAM], env={**os.environ, "HOME": gone}, capture_output=True, text=True, timeout=60)
         self.assertEqual((done.returncode, done.stderr), (0, f"fennick: cannot read the directory {gone}\n"))
