@@ -3,8 +3,9 @@
 
 #include <gtk/gtk.h>
 
-/// Creates the window and fills pMainW; does not show it. Null if RootDir cannot be read.
+/// Creates the window and fills pMainW; does not show it.
 GtkWidget* CreateMainWindow();
 
-/// Shows the window and opens CurrentDir.
+/// Shows the window and opens StartDir or, if that is empty, RootDir. Ends the program if RootDir cannot be
+/// read.
 void ShowMainWindow();

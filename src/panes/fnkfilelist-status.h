@@ -4,7 +4,7 @@
 #include <string>
 
 /// Updates StatusText and the status bar with the count and size of the selected files, or with the
-/// directory selected in the tree if there are none. Sums up a large selection in an idle source.
+/// directory selected in the tree if there are none. Sums up the sizes in a thread.
 void DisplayFileStatus();
 
 /// Shows the filter of the list.
