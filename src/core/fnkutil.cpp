@@ -567,13 +567,31 @@ void AddHistoryListS(History& list, const std::string& text)
     std::rotate(list.begin(), entry, entry + 1);
 }
 
+namespace {
+
+/// Replaces characters that change the direction of the text around them, so that a name cannot pose as
+/// another one. They are U+202A to U+202E and U+2066 to U+2069.
+void SpellDirections(std::string& text)
+{
+    for (std::size_t at = 0; (at = text.find("\xE2", at)) != std::string::npos; ++at) {
+        const gunichar character = g_utf8_get_char(text.c_str() + at);
+        if ((character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069)) {
+            text.replace(at, 3, FormatText("[U+%04X]", character));
+        }
+    }
+}
+
+}  // namespace
+
 std::string DisplayText(std::string_view bytes)
 {
     if (bytes.empty()) {
         return {};
     }
-    const GlibPointer<char> text(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
-    return text.get();
+    const GlibPointer<char> valid(g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size())));
+    std::string text = valid.get();
+    SpellDirections(text);
+    return text;
 }
 
 std::string DisplayLine(std::string_view bytes)

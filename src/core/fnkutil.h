@@ -147,7 +147,8 @@ FileType GetLinkType(int directory, const char* name, std::size_t base_length);
 /// the tenth. Ignores empty texts and texts longer than kMaxPathBytes.
 void AddHistoryListS(History& list, const std::string& text);
 
-/// Bytes as valid UTF-8; invalid bytes become the replacement character.
+/// Bytes as valid UTF-8. Invalid bytes become the replacement character, and characters that change the
+/// direction of writing become their number, such as "[U+202E]".
 std::string DisplayText(std::string_view bytes);
 /// The same on one line: an arrow stands for each line break.
 std::string DisplayLine(std::string_view bytes);

@@ -202,9 +202,9 @@ void DisplayFilterStatus()
     if (pMainW == nullptr || MainList() == nullptr || pMainW->FilterStatusBar == nullptr) {
         return;
     }
-    SetStatusBarText(pMainW->FilterStatusBar, pGTable->Filter
-                                                  ? FormatText(_(" Filter: %s"), pGTable->FilterName.c_str())
-                                                  : std::string(_(" Filter: Show all files")));
+    SetStatusBarText(pMainW->FilterStatusBar,
+                     pGTable->Filter ? FormatText(_(" Filter: %s"), DisplayText(pGTable->FilterName).c_str())
+                                     : std::string(_(" Filter: Show all files")));
 }
 
 void RestoreStatusText()

@@ -62,6 +62,8 @@ TEST_F(Paths, SizesAreShownRounded)
           Case(UINT64_MAX, "17592186044416MByte")}) {
         EXPECT_EQ(ConvertSize(size), text) << size;
     }
+    EXPECT_EQ(DisplayText("a\xFF\xE2\x80\xAEtxt.\xE2\x81\xA9\xE2\x80\xAF\xE2"),
+              "a\uFFFD[U+202E]txt.[U+2069]\u202F\uFFFD");
 }
 
 TEST_F(Paths, HiddenAndBackupNames)
