@@ -1,6 +1,7 @@
 #include "panes/fnkdirtree-nodes.h"
 
 #include <algorithm>
+#include <map>
 #include <vector>
 
 #include "core/fnkraii.h"
@@ -65,17 +66,53 @@ void AddEarlyChild(GtkTreeStore* store, GtkTreeIter* parent, const std::string& 
     RemoveNamelessChild(store, parent);
 }
 
+/// To add or remove a child, the store counts its way to the parent. For all nodes of a level of 100,000
+/// that takes minutes, so larger levels than this are put right as they are seen.
+constexpr std::size_t kSmallLevel = 1000;
+constexpr const char* kLateKey = "fennick-late";
+
+/// What is known of the nodes in large levels, and not shown yet, by directory.
+using LateLevels = std::map<std::string, std::vector<Subdirectory>>;
+
+LateLevels& LateLevelsOf(GtkTreeStore* store)
+{
+    auto* late = static_cast<LateLevels*>(g_object_get_data(G_OBJECT(store), kLateKey));
+    if (late == nullptr) {
+        late = new LateLevels();
+        const auto forget = [](gpointer data) { delete static_cast<LateLevels*>(data); };
+        g_object_set_data_full(G_OBJECT(store), kLateKey, late, forget);
+    }
+    return *late;
+}
+
+/// The path of a node in bytes, ending in "/".
+std::string PathOfNode(GtkTreeModel* model, const GtkTreeIter& node)
+{
+    std::string path = WithSlash(GetNodeName(model, node));
+    GtkTreeIter child = node;
+    GtkTreeIter parent;
+    while (gtk_tree_model_iter_parent(model, &parent, &child)) {
+        path.insert(0, WithSlash(GetNodeName(model, parent)));
+        child = parent;
+    }
+    return path;
+}
+
 /// Merges found, which is sorted, into the children of parent. Inserts from last to first: InsertNode
 /// then walks only past old children, and usually there are none.
 void MergeChildren(GtkTreeStore* store, GtkTreeIter* parent, const std::vector<Subdirectory>& found)
 {
     std::vector<ExistingChild> existing = ListChildren(GTK_TREE_MODEL(store), parent);
+    const bool is_large = existing.size() > kSmallLevel;
+    if (is_large) {
+        LateLevelsOf(store)[PathOfNode(GTK_TREE_MODEL(store), *parent)] = found;
+    }
     for (auto child = found.rbegin(); child != found.rend(); ++child) {
         while (!existing.empty() && existing.back().name > child->name) {
             existing.pop_back();
         }
         if (!existing.empty() && existing.back().name == child->name) {
-            if (child->any_child) {
+            if (child->any_child && !is_large) {
                 AddEarlyChild(store, &existing.back().node, *child->any_child);
             }
             existing.pop_back();
@@ -119,6 +156,10 @@ void ShowLookAhead(GtkTreeView* tree, const std::string& directory, const std::v
     if (!GetPathNode(tree, path, &parent)) {
         return;
     }
+    if (found.size() > kSmallLevel) {
+        LateLevelsOf(StoreOf(tree))[path] = found;
+        return;
+    }
     auto known = found.begin();
     for (ExistingChild& child : ListChildren(GTK_TREE_MODEL(StoreOf(tree)), &parent)) {
         while (known != found.end() && known->name < child.name) {
@@ -127,6 +168,28 @@ void ShowLookAhead(GtkTreeView* tree, const std::string& directory, const std::v
         if (known != found.end() && known->name == child.name && known->any_child) {
             AddEarlyChild(StoreOf(tree), &child.node, *known->any_child);
         }
+    }
+}
+
+void ShowLateLookAhead(GtkTreeModel* model, const GtkTreeIter& node)
+{
+    GtkTreeIter child = node;
+    GtkTreeIter parent;
+    auto* const late = static_cast<LateLevels*>(g_object_get_data(G_OBJECT(model), kLateKey));
+    if (late == nullptr || late->empty() || !gtk_tree_model_iter_parent(model, &parent, &child)) {
+        return;
+    }
+    const auto level = late->find(PathOfNode(model, parent));
+    if (level == late->end()) {
+        return;
+    }
+    const std::string name = GetNodeName(model, node);
+    const auto known =
+        std::lower_bound(level->second.begin(), level->second.end(), name,
+                         [](const Subdirectory& found, const std::string& text) { return found.name < text; });
+    if (known != level->second.end() && known->name == name && known->any_child) {
+        AddEarlyChild(GTK_TREE_STORE(model), &child, *known->any_child);
+        known->any_child.reset();  // It may change from now on.
     }
 }
 
@@ -147,15 +210,7 @@ bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* nod
 
 std::string GetNodePath(GtkTreeView* tree, const GtkTreeIter& node)
 {
-    GtkTreeModel* const model = gtk_tree_view_get_model(tree);
-    std::string path = WithSlash(GetNodeName(model, node));
-    GtkTreeIter child = node;
-    GtkTreeIter parent;
-    while (gtk_tree_model_iter_parent(model, &parent, &child)) {
-        path.insert(0, WithSlash(GetNodeName(model, parent)));
-        child = parent;
-    }
-    return path;
+    return PathOfNode(gtk_tree_view_get_model(tree), node);
 }
 
 bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& name)
@@ -196,6 +251,8 @@ bool GetPathNode(GtkTreeView* tree, std::string& path, GtkTreeIter* node)
 void RemoveChildren(GtkTreeView* tree, GtkTreeIter* node)
 {
     GtkTreeStore* const store = StoreOf(tree);
+    const std::string path = GetNodePath(tree, *node);
+    std::erase_if(LateLevelsOf(store), [&path](const auto& level) { return level.first.starts_with(path); });
     GtkTreeIter child;
     while (gtk_tree_model_iter_children(GTK_TREE_MODEL(store), &child, node)) {
         gtk_tree_store_remove(store, &child);

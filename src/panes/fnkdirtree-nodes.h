@@ -23,8 +23,11 @@ bool FindChildNode(GtkTreeModel* model, GtkTreeIter* node, const std::string& na
 /// which that is not known, gets a child so that the user can. Removes nothing else than such a child
 /// without a name.
 void CreateChildtree(GtkTreeView* tree, GtkTreeIter* node, const std::vector<Subdirectory>& found);
-/// Lets the children of directory be expanded or not, as found says. Adds no children to directory.
+/// Lets the children of directory be expanded or not, as found says. Adds no children to directory. Of
+/// more than a thousand, each gets its turn when ShowLateLookAhead is called for it.
 void ShowLookAhead(GtkTreeView* tree, const std::string& directory, const std::vector<Subdirectory>& found);
+/// To be called for nodes that are seen. Does nothing for nodes of other stores.
+void ShowLateLookAhead(GtkTreeModel* model, const GtkTreeIter& node);
 void RemoveChildren(GtkTreeView* tree, GtkTreeIter* node);
 /// Adds a single node for path. False if path is outside RootDir or its parent is not in the tree.
 bool CreateTreeNode(GtkTreeView* tree, const std::string& path, GtkTreeIter* node);

@@ -23,7 +23,7 @@ constexpr const char* kExpanderStyle =
     "treeview.view.without-keys:selected { color: @theme_text_color;"
     " background-color: mix(@theme_base_color, @theme_selected_bg_color, 0.35); }";
 constexpr const char* kWithoutKeys = "without-keys";
-constexpr const char* kFitKey = "fennick-fit";
+constexpr const char* kUpdateKey = "fennick-update";
 
 int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
 {
@@ -35,12 +35,13 @@ int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
     return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
 }
 
-/// Fits the column to the widest visible row. The toolkit sizes neither the column nor the rows: it
-/// would measure every new row, visible or not, which takes a second for ten thousand rows.
-gboolean FitTreeColumn(gpointer data)
+/// Fits the column to the widest visible row, and lets each row show whether it can be expanded. The toolkit sizes
+/// neither the column nor the rows: it would measure every new row, visible or not, which takes a second for ten
+/// thousand rows.
+gboolean on_SeenNodes_idle(gpointer data)
 {
     GtkTreeView* const tree = GTK_TREE_VIEW(data);
-    g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
+    g_object_set_data(G_OBJECT(tree), kUpdateKey, nullptr);
     if (pGTable == nullptr) {
         return G_SOURCE_REMOVE;
     }
@@ -54,36 +55,29 @@ gboolean FitTreeColumn(gpointer data)
     // One row more than the page, as the row below it may be partly visible.
     for (int step = -1; step <= page->steps && node; ++step, node = walk.Below(*node)) {
         width = std::max(width, NodeWidth(tree, walk, *node));
+        ShowLateLookAhead(gtk_tree_view_get_model(tree), *node);
     }
     gtk_tree_view_column_set_fixed_width(gtk_tree_view_get_column(tree, 0), width);
     return G_SOURCE_REMOVE;
 }
 
-void StopFitting(GtkWidget* tree, gpointer)
+void StopUpdate(GtkWidget* tree, gpointer)
 {
-    if (const guint source = GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(tree), kFitKey)); source != 0) {
+    if (const guint source = GPOINTER_TO_UINT(g_object_get_data(G_OBJECT(tree), kUpdateKey)); source != 0) {
         g_source_remove(source);
-        g_object_set_data(G_OBJECT(tree), kFitKey, nullptr);
+        g_object_set_data(G_OBJECT(tree), kUpdateKey, nullptr);
     }
-}
-
-/// Called whenever the visible rows change. Several calls fit the column once, before the next frame.
-void QueueFit(GtkWidget* tree)
-{
-    StopFitting(tree, nullptr);
-    const guint source = g_idle_add_full(GTK_PRIORITY_RESIZE + 1, FitTreeColumn, tree, nullptr);
-    g_object_set_data(G_OBJECT(tree), kFitKey, GUINT_TO_POINTER(source));
 }
 
 void FitToContent(GtkWidget* scroll, GtkTreeView* tree)
 {
     GtkAdjustment* const vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
     // The bounds change when rows come and go, the value when the tree scrolls.
-    g_signal_connect_object(vertical, "changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
-    g_signal_connect_object(vertical, "value-changed", G_CALLBACK(QueueFit), tree, G_CONNECT_SWAPPED);
-    g_signal_connect(tree, "row-expanded", G_CALLBACK(QueueFit), nullptr);
-    g_signal_connect(tree, "row-collapsed", G_CALLBACK(QueueFit), nullptr);
-    g_signal_connect(tree, "destroy", G_CALLBACK(StopFitting), nullptr);
+    g_signal_connect_object(vertical, "changed", G_CALLBACK(UpdateSeenNodes), tree, G_CONNECT_SWAPPED);
+    g_signal_connect_object(vertical, "value-changed", G_CALLBACK(UpdateSeenNodes), tree, G_CONNECT_SWAPPED);
+    g_signal_connect(tree, "row-expanded", G_CALLBACK(UpdateSeenNodes), nullptr);
+    g_signal_connect(tree, "row-collapsed", G_CALLBACK(UpdateSeenNodes), nullptr);
+    g_signal_connect(tree, "destroy", G_CALLBACK(StopUpdate), nullptr);
 }
 
 void DrawName(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel* model, GtkTreeIter* node, gpointer)
@@ -119,6 +113,14 @@ void AddTreeColumn(GtkTreeView* tree)
 }
 
 }  // namespace
+
+/// Called whenever other rows are visible. Several calls share one update.
+void UpdateSeenNodes(GtkWidget* tree)
+{
+    StopUpdate(tree, nullptr);
+    const guint source = g_idle_add_full(GTK_PRIORITY_RESIZE + 1, on_SeenNodes_idle, tree, nullptr);
+    g_object_set_data(G_OBJECT(tree), kUpdateKey, GUINT_TO_POINTER(source));
+}
 
 void ShowTreeKeys(GtkTreeView* tree, bool has_keys)
 {

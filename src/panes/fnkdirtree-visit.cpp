@@ -5,6 +5,7 @@
 
 #include "kit/fnkvisit.h"
 #include "panes/fnkdirtree-nodes.h"
+#include "panes/fnkdirtree-view.h"
 
 void (*OnRowDetails)(const std::string& directory, const RowDetails& details) = nullptr;
 
@@ -38,6 +39,7 @@ void ShowDetails(GtkTreeView* tree, const VisitReading& reading)
     for (const auto& [directory, found] : reading.looked_ahead) {
         ShowLookAhead(tree, directory, found);
     }
+    UpdateSeenNodes(GTK_WIDGET(tree));
     if (!reading.list.empty() && OnRowDetails != nullptr) {
         OnRowDetails(reading.list, reading.details);
     }

@@ -124,6 +124,20 @@ TEST_F(Visits, WhatIsOnlyDecorationComesLater)
     EXPECT_EQ(ChildNames(files.At("new/deep")), Names{"in"});
     EXPECT_EQ(ChildNames(files.At("new/leaf")), Names{});
     ExpectAt("new/");
+    // In a level with so many nodes, only those that are seen are put right.
+    MakeMany(1'100, "many/d", "/");
+    Make({"many/d100/in/", "many/d999/in/"});
+    VisitPatience = std::chrono::milliseconds(0);
+    LetRead(1'111);
+    OpenChildTree(MainTree(), files.At("many"), EXPAND_LAST_YES, {.rescan = {files.Path()}});
+    EXPECT_TRUE(Await([] { return !IsVisiting(); }));
+    Answer();
+    EXPECT_EQ(ChildNames(files.At("many/d100")), Names{"in"});
+    EXPECT_EQ(ChildNames(files.At("many/d1000")), Names{});
+    EXPECT_EQ(ChildNames(files.At("many/d998")), Names{""});
+    Steps("key End");
+    EXPECT_EQ(ChildNames(files.At("many/d998")), Names{});
+    EXPECT_EQ(ChildNames(files.At("many/d999")), Names{"in"});
 }
 
 }  // namespace
