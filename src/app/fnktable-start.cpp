@@ -35,6 +35,16 @@ std::string DirectoryArgument(const Arguments& arguments, std::size_t index, Tru
     return real.empty() ? argument : real;
 }
 
+/// Makes a relative path absolute, unless it begins with "~". SetStartDirectories resolves the rest.
+std::string StartArgument(const Arguments& arguments, std::size_t index)
+{
+    const std::string argument = index < arguments.size() ? arguments[index] : "";
+    if (argument.empty() || argument.front() == '/' || argument == "~" || argument.starts_with("~/")) {
+        return argument;
+    }
+    return WithSlash(GlibPointer<char>(g_get_current_dir()).get()) + argument;
+}
+
 bool IsUsable(const std::string& directory, Trust trust)
 {
     return !directory.empty() && WithSlash(directory).size() <= kMaxPathBytes &&
@@ -49,11 +59,11 @@ CommandLine Parse(const Arguments& arguments, Trust trust)
         result.is_version_requested = true;
     } else if (option == "--root") {
         result.root = "/";
-        result.start = DirectoryArgument(arguments, 2, trust);
+        result.start = StartArgument(arguments, 2);
     } else if (option == "--home") {
         const std::string root = DirectoryArgument(arguments, 2, trust);
         result.root = IsUsable(root, trust) ? root : "";
-        result.start = DirectoryArgument(arguments, 3, trust);
+        result.start = StartArgument(arguments, 3);
     }
     if (result.root.empty()) {
         result.root = GetHomeDirectory();
@@ -76,9 +86,14 @@ void SetStartDirectories(const CommandLine& command_line)
 {
     pGTable->RootDir = command_line.root;
     const std::string& start = command_line.start;
-    const auto check = [start] { return IsUsable(start, TRUST_NOTHING); };
-    if (IsUsable(start, TRUST_ARGUMENTS) && CheckChildDirectory(start) == 0 &&
-        TryFor(kPatience, check).value_or(true)) {
+    const auto resolve = [start] {
+        const std::string path = ResolveTypedPath(start);
+        return IsUsable(path, TRUST_NOTHING) ? path : std::string();
+    };
+    const std::optional<std::string> resolved = TryFor(kPatience, resolve);
+    if (resolved && !resolved->empty()) {
+        pGTable->StartDir = WithSlash(*resolved);
+    } else if (!resolved && IsUsable(start, TRUST_ARGUMENTS) && CheckChildDirectory(start) == 0) {
         pGTable->StartDir = WithSlash(start);
     }
 }

@@ -115,12 +115,12 @@ TEST_F(CommandLines, OnlyTheFirstArgumentIsAnOption)
     const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
         {{}, home.Path(), ""},
         {{"--root", dir}, "/", dir},
-        {{"--home", dir + "/", "x"}, dir + "/", "x"},
+        {{"--home", dir + "/", "x"}, dir + "/", files.At("x")},
         {{"--home", dir + "/missing", dir}, home.Path(), dir},
         {{"--home", file}, home.Path(), ""},
         {{"x", "--root", dir}, home.Path(), ""},
-        {{"--home", "dir/.", "dir"}, dir + "/", dir + "/"},
-        {{"--home", "link", "link"}, home.Path(), "link"}};
+        {{"--home", "dir/.", "dir"}, dir + "/", dir},
+        {{"--home", "link", "~/x"}, home.Path(), "~/x"}};
     for (auto [arguments, root, start] : cases) {
         arguments.insert(arguments.begin(), "fennick");
         std::vector<char*> argv;
@@ -139,8 +139,12 @@ TEST_F(CommandLines, StartsInsideTheRootOrAtIt)
 {
     const std::string dir = files.Directory("root/dir");
     files.Link("root/link", "dir");
+    files.Link("root/out", "..");
+    const ScopedVariable variable("HOME", dir.c_str());
     const std::pair<std::string, std::string> cases[] = {
-        {dir, dir + "/"}, {"", ""}, {files.At("root/link"), ""}, {files.Path(), ""}};
+        {dir, dir + "/"},           {"", ""},         {files.At("root/link"), dir + "/"},
+        {files.At("root/out"), ""}, {"~", dir + "/"}, {files.At("root//link/../dir/."), dir + "/"},
+        {files.Path(), ""}};
     for (const auto& [start, expected] : cases) {
         table.StartDir.clear();
         SetStartDirectories({false, files.At("root/"), start});
