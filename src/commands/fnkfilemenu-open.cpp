@@ -6,6 +6,7 @@
 #include "kit/fnkmessage-box.h"
 #include "kit/fnkprogress.h"
 #include "panes/fnkdirtree.h"
+#include "panes/fnkfilelist-status.h"
 #include "panes/fnkselfile.h"
 
 namespace {
@@ -25,8 +26,14 @@ std::string ChooseProgram()
 void Run(const std::string& program, const std::string& argument)
 {
     if (!program.empty() && ConfilmExec(program) == RESULT_OK) {
-        ExecProcess(program, argument);
+        StartProgram(program, argument);
     }
+}
+
+/// Says in the status line what came of opening path.
+void Tell(const char* format, const std::string& path, int error = 0)
+{
+    ShowStatus(" " + FormatPathMessage(format, path, error));
 }
 
 }  // namespace
@@ -39,7 +46,17 @@ void ExecApplication(const std::string& path, const std::function<void()>& enter
     }
     const Launch& launch = *decided;
     switch (launch.kind) {
+    case LAUNCH_MISSING:
+        Tell(_("%s does not exist."), path);
+        break;
+    case LAUNCH_STALLED:
+        Tell(_("The link %s leads nowhere."), path);
+        break;
+    case LAUNCH_UNREADABLE:
+        Tell(_("You may not read %s."), launch.path);
+        break;
     case LAUNCH_NOTHING:
+        Tell(_("No program is set to open %s."), launch.path);
         break;
     case LAUNCH_OUTSIDE_ROOT:
         FileExistMessageBox(PATH_OUTSIDE_ROOT, nullptr);
@@ -56,6 +73,18 @@ void ExecApplication(const std::string& path, const std::function<void()>& enter
     case LAUNCH_CHOICE:
         Run(ChooseProgram(), launch.path);
         break;
+    }
+}
+
+void StartProgram(const std::string& program, const std::string& argument)
+{
+    const auto failure = WaitFor(program, [program, argument] {
+        StartFailure result;
+        ExecProcess(program, argument, Browser(), &result);
+        return result;
+    });
+    if (failure && failure->error != 0) {
+        Tell(_("Cannot start %s: %s"), failure->program, failure->error);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "commands/fnkfilemenu-open.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil-launch.h"
 #include "core/fnkutil.h"
@@ -57,7 +58,7 @@ std::string FindManual(const std::string& program_directory)
 
 void on_Menu_Manual_activate(GtkWidget*, gpointer)
 {
-    ExecProcess(Browser().start, FindManual(GetProgramDirectory()));
+    StartProgram(Browser().start, FindManual(GetProgramDirectory()));
 }
 
 void on_Menu_Abort_activate(GtkWidget*, gpointer)

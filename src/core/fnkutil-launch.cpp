@@ -96,9 +96,12 @@ Launch Classify(const std::string& path, const struct stat& st)
         return {LAUNCH_ITSELF, path, ""};
     }
     if (!MayRead(st)) {
-        return {};
+        return {LAUNCH_UNREADABLE, path, ""};
     }
     const std::string* const program = GetCompatibleAP(path);
+    if (program == nullptr && pGTable->ApplicationList.empty()) {
+        return {LAUNCH_PROGRAM, path, kDesktopOpener};
+    }
     if (program == nullptr) {
         return {LAUNCH_CHOICE, path, ""};
     }
@@ -110,6 +113,7 @@ Launch Classify(const std::string& path, const struct stat& st)
 Launch DecideLaunch(const std::string& path)
 {
     std::string place = path;
+    LaunchKind failure = LAUNCH_MISSING;
     for (int links = 0; links <= kMaxLinks; ++links) {
         if (place.empty() || place.size() > kMaxPathBytes) {
             break;
@@ -125,11 +129,12 @@ Launch DecideLaunch(const std::string& path)
         if (!S_ISLNK(st.st_mode)) {
             return Classify(place, st);
         }
+        failure = LAUNCH_STALLED;
         if (!FollowLink(place)) {
             break;
         }
     }
-    return {};
+    return {failure, path, ""};
 }
 
 int GetStatus(const char* key, const char* text, std::string& value, std::size_t size)
@@ -217,6 +222,10 @@ struct rlimit initial_file_limit = {};
 // The procedures from here to ForkAndExit run between fork and exec. Other threads may have held
 // locks at the fork, so only async-signal-safe calls are allowed.
 
+/// Where a program that cannot be executed reports its errno: the descriptor after the standard ones.
+/// It closes when a program is executed.
+constexpr int kReport = STDERR_FILENO + 1;
+
 /// The program must not inherit ignored or blocked signals.
 void ResetSignals()
 {
@@ -230,9 +239,18 @@ void ResetSignals()
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
+void KeepReport(int report)
+{
+    if (report == kReport) {
+        fcntl(kReport, F_SETFD, FD_CLOEXEC);
+    } else if (dup3(report, kReport, O_CLOEXEC) < 0) {
+        close(kReport);
+    }
+}
+
 void CloseDescriptors()
 {
-    constexpr unsigned kFirst = STDERR_FILENO + 1;
+    constexpr unsigned kFirst = kReport + 1;
     if (close_range(kFirst, UINT_MAX, 0) == 0) {
         return;
     }
@@ -255,11 +273,14 @@ bool MayBeScript(const char* file)
 }
 
 /// Executes the first file that the kernel accepts. As execvp does, hands a script without a "#!" line to
-/// the shell. Its arguments are those of the shell, with a place for the script as the second.
-[[noreturn]] void ExecFirst(char* const* files, char* const* arguments, char** shell_arguments)
+/// the shell. Its arguments are those of the shell, with a place for the script as the second. Reports the
+/// error if there is none, as execvp does: that a file may not be executed rather than that one is missing.
+[[noreturn]] void ExecFirst(char* const* files, char* const* arguments, char** shell_arguments, int report)
 {
+    int error = ENOENT;
     setsid();
     ResetSignals();
+    KeepReport(report);
     CloseDescriptors();
     if (initial_file_limit.rlim_max != 0) {
         setrlimit(RLIMIT_NOFILE, &initial_file_limit);
@@ -270,15 +291,17 @@ bool MayBeScript(const char* file)
             shell_arguments[1] = *files;
             execve(kShell, shell_arguments, environ);
         }
+        error = errno == ENOENT || errno == ENOTDIR ? error : errno;
     }
+    [[maybe_unused]] const ssize_t written = write(kReport, &error, sizeof error);
     _exit(0);
 }
 
-[[noreturn]] void ForkAndExit(char* const* files, char* const* arguments, char** shell_arguments)
+[[noreturn]] void ForkAndExit(char* const* files, char* const* arguments, char** shell_arguments, int report)
 {
     const pid_t child = _Fork();
     if (child == 0) {
-        ExecFirst(files, arguments, shell_arguments);
+        ExecFirst(files, arguments, shell_arguments, report);
     }
     if (child < 0) {
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, kForkFailed, sizeof kForkFailed - 1);
@@ -287,9 +310,14 @@ bool MayBeScript(const char* file)
 }
 
 /// Starts the program from a helper process that ends at once. The program is then a child of init,
-/// which reaps it. Returns the id of the helper.
-pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arguments)
+/// which reaps it. Returns the id of the helper, and in error why no file could be executed, or 0.
+pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arguments, int& error)
 {
+    int ends[2] = {-1, -1};
+    [[maybe_unused]] const int made = pipe2(ends, O_CLOEXEC);  // Without a pipe, the error stays unknown.
+    error = 0;
+    const Descriptor reader(ends[0]);
+    Descriptor writer(ends[1]);
     const std::vector<char*> file_pointers = PointersTo(files);
     const std::vector<char*> argument_pointers = PointersTo(arguments);
     std::vector<std::string> shell_arguments = arguments;
@@ -302,13 +330,16 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
     pthread_sigmask(SIG_SETMASK, &all, &before);
     const pid_t helper = fork();
     if (helper == 0) {
-        ForkAndExit(file_pointers.data(), argument_pointers.data(), shell_pointers.data());
+        ForkAndExit(file_pointers.data(), argument_pointers.data(), shell_pointers.data(), writer.Get());
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     if (helper < 0) {
         g_log(nullptr, G_LOG_LEVEL_ERROR, "%s", kForkFailed);
     }
     while (waitpid(helper, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    writer = Descriptor();
+    while (reader && read(reader.Get(), &error, sizeof error) < 0 && errno == EINTR) {
     }
     return helper;
 }
@@ -333,10 +364,16 @@ std::vector<std::string> MakeCommand(const std::string& program, const std::stri
 
 }  // namespace
 
-pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser)
+pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser,
+                  StartFailure* failure)
 {
     const std::vector<std::string> command = MakeCommand(program, argument, browser);
-    return StartDetached(FindCandidates(command.front()), command);
+    int error = 0;
+    const pid_t helper = StartDetached(FindCandidates(command.front()), command, error);
+    if (failure != nullptr) {
+        *failure = {command.front(), error};
+    }
+    return helper;
 }
 
 pid_t ExecFennick()
@@ -347,7 +384,8 @@ pid_t ExecFennick()
     if (char** const line = pGTable->ArgV; line != nullptr) {
         arguments.assign(line, line + g_strv_length(line));
     }
-    return StartDetached(files, arguments);
+    int error = 0;
+    return StartDetached(files, arguments, error);
 }
 
 std::string GetProgramDirectory()

@@ -13,7 +13,10 @@ const std::string* GetCompatibleAP(const std::string& path);
 
 /// What opening an entry means.
 enum LaunchKind {
-    LAUNCH_NOTHING,
+    LAUNCH_MISSING,       ///< There is no such entry.
+    LAUNCH_STALLED,       ///< A link that leads nowhere.
+    LAUNCH_UNREADABLE,    ///< A file that the user may not read.
+    LAUNCH_NOTHING,       ///< The association of the extension names no program.
     LAUNCH_OUTSIDE_ROOT,  ///< The entry or the target of its link is outside RootDir.
     LAUNCH_DIRECTORY,
     LAUNCH_ITSELF,   ///< Run it: it is executable.
@@ -22,17 +25,24 @@ enum LaunchKind {
 };
 
 struct Launch {
-    LaunchKind kind = LAUNCH_NOTHING;
-    std::string path;     ///< Links followed, canonical and inside RootDir, except for LAUNCH_OUTSIDE_ROOT.
+    LaunchKind kind = LAUNCH_MISSING;
+    std::string path;     ///< Links followed; canonical and inside RootDir if there is something to open.
     std::string program;  ///< For LAUNCH_PROGRAM; never empty then.
 };
 
-/// Follows links from the absolute path and classifies what they lead to.
+/// Follows links from the absolute path and classifies what they lead to. A file without an association
+/// goes to the desktop's opener if there are no programs to choose from.
 Launch DecideLaunch(const std::string& path);
 
 struct Browser {
     std::string start = "/usr/lib/netscape/start";  ///< Starts the web browser.
     std::string processes = "/proc";                ///< Where running processes are listed.
+};
+
+/// Why a program does not run.
+struct StartFailure {
+    std::string program;  ///< The one that was tried, which may be the desktop's opener in place of another.
+    int error = 0;        ///< An errno; 0 if it runs.
 };
 
 /// The process id of this user's running browser, 0 if there is none.
@@ -44,13 +54,15 @@ int GetStatus(const char* key, const char* text, std::string& value, std::size_t
 
 /// Starts program, a file name that is looked up in PATH. It gets argument unless that is empty. It
 /// is not a child of this process, has its own session and inherits only the three standard
-/// descriptors. A script needs no "#!" line. A failure to start it is not reported.
+/// descriptors. A script needs no "#!" line. Waits until it runs, or cannot be executed.
 ///
 /// If program is browser.start, argument is a file to show. The desktop's opener shows it if
 /// browser.start is not installed; else a running browser is told to show it.
 ///
-/// Returns the id of a helper process, which has ended.
-pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser = Browser());
+/// Returns the id of a helper process, which has ended. Unless failure is null, tells there whether the
+/// program runs.
+pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser = Browser(),
+                  StartFailure* failure = nullptr);
 
 /// Starts another instance with the same command line: "fennick" from PATH, else the file of this process.
 pid_t ExecFennick();

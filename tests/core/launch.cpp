@@ -22,13 +22,14 @@ TEST_F(DecideWhat, ModeAndExtensionDecide)
 {
     SetLocale(kUtf8Locale);
     table.ExtensionList = {{"txt", "view"}, {"none", ""}, {"", "bare"}, {"d/README", "x"}, {"\xFF", "y"}, {"TXT", "z"}};
+    table.ApplicationList = {{"Editor", "edit"}};
     files.Directory("dir.txt");
     files.Link("broken", "gone");
     using Case = std::tuple<const char*, mode_t, LaunchKind, const char*>;
     for (const auto& [name, mode, kind, program] :
-         {Case("dir.txt/", 0, LAUNCH_DIRECTORY, ""), Case("broken", 0, LAUNCH_NOTHING, ""),
-          Case("gone", 0, LAUNCH_NOTHING, ""), Case("run.txt", 0744, LAUNCH_ITSELF, ""),
-          Case("group-run.txt", 0474, LAUNCH_PROGRAM, "view"), Case("write-only.txt", 0244, LAUNCH_NOTHING, ""),
+         {Case("dir.txt/", 0, LAUNCH_DIRECTORY, ""), Case("broken", 0, LAUNCH_STALLED, ""),
+          Case("gone", 0, LAUNCH_MISSING, ""), Case("run.txt", 0744, LAUNCH_ITSELF, ""),
+          Case("group-run.txt", 0474, LAUNCH_PROGRAM, "view"), Case("write-only.txt", 0244, LAUNCH_UNREADABLE, ""),
           Case("a\n\xFF.TXT", 0644, LAUNCH_PROGRAM, "view"), Case("x.tar.txt", 0644, LAUNCH_PROGRAM, "view"),
           Case("x.", 0644, LAUNCH_PROGRAM, "bare"), Case("conf.d/README", 0644, LAUNCH_PROGRAM, "x"),
           Case("a.\xFF", 0644, LAUNCH_PROGRAM, "y"), Case("README", 0644, LAUNCH_CHOICE, ""),
@@ -37,7 +38,9 @@ TEST_F(DecideWhat, ModeAndExtensionDecide)
         EXPECT_EQ(launch.kind, kind) << name;
         EXPECT_EQ(launch.program, program) << name;
     }
-    EXPECT_EQ(DecideLaunch("").kind, LAUNCH_NOTHING);
+    EXPECT_EQ(DecideLaunch("").kind, LAUNCH_MISSING);
+    table.ApplicationList.clear();
+    EXPECT_EQ(DecideLaunch(files.At("README")).program, "xdg-open") << "nothing to choose from";
     // A Turkish "i" is no small "I".
     const std::string turkish = home.At("tr_TR.UTF-8");
     Require(std::system(("localedef -i tr_TR -f UTF-8 " + turkish).c_str()) == 0, turkish);
@@ -49,6 +52,7 @@ TEST_F(DecideWhat, ModeAndExtensionDecide)
 
 TEST_F(DecideWhat, LinksAreFollowedInsideTheRoot)
 {
+    table.ApplicationList = {{"Editor", "edit"}};
     const ScratchDirectory other;
     other.File("secret.txt");
     files.File("here/a.txt");
@@ -71,13 +75,13 @@ TEST_F(DecideWhat, LinksAreFollowedInsideTheRoot)
     for (const auto& [name, kind, end] :
          {Case("here/sibling", LAUNCH_CHOICE, "here/a.txt"), Case("here/up", LAUNCH_ITSELF, "run"),
           Case("here/far", LAUNCH_CHOICE, "here/a.txt"), Case("here/root", LAUNCH_DIRECTORY, ""),
-          Case("link40", LAUNCH_CHOICE, "here/a.txt"), Case("link41", LAUNCH_NOTHING, ""),
-          Case("ping", LAUNCH_NOTHING, ""), Case("long", LAUNCH_NOTHING, ""), Case("here/out", LAUNCH_OUTSIDE_ROOT, ""),
+          Case("link40", LAUNCH_CHOICE, "here/a.txt"), Case("link41", LAUNCH_STALLED, ""),
+          Case("ping", LAUNCH_STALLED, ""), Case("long", LAUNCH_STALLED, ""), Case("here/out", LAUNCH_OUTSIDE_ROOT, ""),
           Case("here/dots", LAUNCH_OUTSIDE_ROOT, ""), Case("here/door", LAUNCH_OUTSIDE_ROOT, ""),
           Case("here/chain", LAUNCH_OUTSIDE_ROOT, "")}) {
         const Launch launch = DecideLaunch(files.At(name));
         EXPECT_EQ(launch.kind, kind) << name;
-        if (kind != LAUNCH_NOTHING && kind != LAUNCH_OUTSIDE_ROOT) {
+        if (kind != LAUNCH_STALLED && kind != LAUNCH_OUTSIDE_ROOT) {
             EXPECT_EQ(launch.path, files.At(end)) << name;
         }
     }

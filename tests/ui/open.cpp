@@ -97,6 +97,35 @@ TEST_F(Open, ProgramsAreAskedForAndChosen)
     ExpectAt("", "data.x");
 }
 
+TEST_F(Open, WhatCannotBeOpenedIsTold)
+{
+    Make({"data.x", "lost -> gone", "a.none"});
+    files.File("secret", "", 0200);
+    files.File("image", std::string(100, '\0'), 0755);
+    Start();
+    pGTable->ExtensionList.push_back({"none", ""});
+    const auto expect = [this](const std::string& name, const std::string& status) {
+        Return(name, {});
+        EXPECT_EQ(StatusShown(), " " + status);
+    };
+    expect("lost", "The link " + files.At("lost") + " leads nowhere.");
+    expect("secret", "You may not read " + files.At("secret") + ".");
+    expect("a.none", "No program is set to open " + files.At("a.none") + ".");
+    expect("image", "Cannot start " + files.At("image") + ": Exec format error");
+    pGTable->ApplicationList.clear();
+    const ScopedVariable path("PATH", home.Path().c_str());
+    const std::string unknown = files.At("secret");
+    Require(chmod(unknown.c_str(), 0600) == 0, "chmod");
+    expect("secret", "Cannot start xdg-open: No such file or directory");
+    const std::string opener = programs.Make("xdg-open", home);
+    Return("secret", {});
+    ExpectStarted({opener, unknown});
+    std::filesystem::remove(unknown);
+    expect("secret", unknown + " does not exist.");
+    Steps("select data.x");
+    EXPECT_EQ(StatusShown(), " data.x  0KByte");
+}
+
 TEST_F(Open, TheManualIsHandedToTheBrowser)
 {
     const std::string browser = programs.Make("xdg-open");
