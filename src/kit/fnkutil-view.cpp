@@ -104,6 +104,11 @@ GtkWidget* CreateTreeView(const char* accessible_name)
     return view;
 }
 
+bool HasAccessible(GtkTreeView* view)
+{
+    return reinterpret_cast<FnkTreeView*>(view)->has_accessible;
+}
+
 namespace {
 
 /// The row's area; y is in tree coordinates.
@@ -151,7 +156,7 @@ void ShowRow(GtkTreeView* view, GtkTreePath* path)
 void AnnounceRow(GtkTreeView* view, GtkTreePath* path, int column)
 {
     const GdkRectangle row = GetRowArea(view, path);
-    if (!reinterpret_cast<FnkTreeView*>(view)->has_accessible || row.height <= 0) {
+    if (!HasAccessible(view) || row.height <= 0) {
         return;
     }
     AtkObject* const accessible = gtk_widget_get_accessible(GTK_WIDGET(view));

@@ -10,6 +10,8 @@
 /// accessible until assistive technology asks for one: the toolkit tells an accessible of every change
 /// to a row, which doubles the time to show a large directory.
 GtkWidget* CreateTreeView(const char* accessible_name);
+/// Whether assistive technology, or else a mistake, has asked for the accessible of such a view.
+bool HasAccessible(GtkTreeView* view);
 
 struct FreeTreePath {
     void operator()(GtkTreePath* path) const { gtk_tree_path_free(path); }

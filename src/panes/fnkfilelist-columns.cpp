@@ -342,10 +342,14 @@ void MakeClickable(GtkTreeViewColumn* column, int list_column, ColumnClickHandle
 void AppendIconColumn(GtkTreeView* list, ColumnClickHandler clicked)
 {
     GtkTreeViewColumn* const column = AppendColumn(list, gtk_cell_renderer_pixbuf_new(), DrawIcon, 0);
-    GtkWidget* const title = CreatePixmap(PICTURE(CloseDir));
+    GtkWidget* const title = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    GtkWidget* const picture = CreatePixmap(PICTURE(CloseDir));
+    gtk_box_pack_start(GTK_BOX(title), picture, TRUE, TRUE, 0);
+    // A label that is not shown names the button. SetAccessibleName would create the accessible of the list.
+    gtk_container_add(GTK_CONTAINER(title), gtk_label_new(_("Directory")));
+    gtk_widget_show(picture);
     gtk_widget_show(title);
     gtk_tree_view_column_set_widget(column, title);
-    SetAccessibleName(gtk_tree_view_column_get_button(column), _("Directory"));
     MakeClickable(column, 0, clicked);
 }
 

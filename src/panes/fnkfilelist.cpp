@@ -31,13 +31,6 @@ void on_FileList_selection_changed(GtkTreeSelection*, gpointer)
     }
 }
 
-/// Whether assistive technology may know the rows. The class exists once any tree view has an
-/// accessible.
-bool MayHaveAccessibleRows()
-{
-    return g_type_class_peek(g_type_from_name("GtkTreeViewAccessible")) != nullptr;
-}
-
 void on_FileList_row_activated(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
 {
     if (pGTable != nullptr && !IsBusy()) {
@@ -275,7 +268,7 @@ void SortFileList()
 {
     GtkTreeView* const list = MainList();
     ListSelectionBatch batch;
-    const bool can_just_redraw = !MayHaveAccessibleRows() && CountListSelection() == 0;
+    const bool can_just_redraw = !HasAccessible(list) && CountListSelection() == 0;
     std::vector<int> old_places = SortModelRows(MainListModel());
     const TreePath root(gtk_tree_path_new());
     if (can_just_redraw) {

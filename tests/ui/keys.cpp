@@ -182,6 +182,11 @@ TEST_F(Keys, AreToldToScreenReaders)
 {
     Make({"k/"});
     Start();
+    // Each accessible is told of every row, so there is none before somebody listens.
+    Steps("key Tab; key Down; key Tab; visit .; key F5");
+    EXPECT_FALSE(HasAccessible(MainList()) || HasAccessible(MainTree()));
+    GtkTreeViewColumn* const icons = gtk_tree_view_get_column(MainList(), 0);
+    EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(gtk_tree_view_column_get_button(icons))), "Directory");
     std::string told;
     const auto note = +[](AtkObject*, AtkObject* cell, std::string* names) {
         *names += atk_object_get_name(cell) + std::string(",");
