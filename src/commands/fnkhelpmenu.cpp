@@ -15,10 +15,26 @@
 namespace {
 
 constexpr int kSpacing = 5;
-constexpr const char* kInstalledManual = FENNICK_HELP_DIR "/fennick.htm";
+constexpr const char* kManual = "fennick.htm";
+constexpr const char* kInstalledManuals = FENNICK_HELP_DIR "/";
 /// Relative to the parent of the program's directory. The first is the place in an installation, even
 /// one that was moved; the second, in the source tree of a build.
-constexpr const char* kManualsBeside[] = {"share/fennick/Help/fennick.htm", "help/fennick.htm"};
+constexpr const char* kManualsBeside[] = {"share/fennick/Help/", "help/"};
+
+/// The manual of a directory in the language of the user. English ones are in the directory itself, others
+/// in one named after their language. Empty if there is none.
+std::string FindTranslation(const std::string& directory)
+{
+    for (const char* const* language = g_get_language_names(); *language != nullptr; ++language) {
+        const std::string name = *language;
+        const bool is_english = name == "C" || name == "en" || name.starts_with("en_");
+        const std::string path = is_english ? directory + kManual : directory + name + "/" + kManual;
+        if (access(path.c_str(), R_OK) == 0) {
+            return path;
+        }
+    }
+    return {};
+}
 
 void AddNotice(GtkWidget* vbox)
 {
@@ -48,12 +64,13 @@ void CreateAbortDlg()
 std::string FindManual(const std::string& program_directory)
 {
     for (const char* const beside : kManualsBeside) {
-        const std::string path = GetParentDirectory(program_directory) + beside;
-        if (access(path.c_str(), R_OK) == 0) {
+        const std::string path = FindTranslation(GetParentDirectory(program_directory) + beside);
+        if (!path.empty()) {
             return path;
         }
     }
-    return kInstalledManual;
+    const std::string installed = FindTranslation(kInstalledManuals);
+    return installed.empty() ? std::string(kInstalledManuals) + kManual : installed;
 }
 
 void on_Menu_Manual_activate(GtkWidget*, gpointer)

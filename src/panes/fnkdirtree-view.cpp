@@ -24,6 +24,7 @@ constexpr const char* kExpanderStyle =
     " background-color: mix(@theme_base_color, @theme_selected_bg_color, 0.35); }";
 constexpr const char* kWithoutKeys = "without-keys";
 constexpr const char* kUpdateKey = "fennick-update";
+constexpr const char* kUnseenNameKey = "fennick-unseen-name";
 
 int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
 {
@@ -33,6 +34,25 @@ int NodeWidth(GtkTreeView* tree, const TreeWalk& walk, const GtkTreeIter& node)
     const int icon_width =
         std::max(gdk_pixbuf_get_width(pGTable->OpenDirPixmap), gdk_pixbuf_get_width(pGTable->CloseDirPixmap));
     return cell.x + icon_width + kIconSpacing + GetTextWidth(GTK_WIDGET(tree), shown.c_str()) + kCellInsets;
+}
+
+/// Scrolls sideways to the name of a node that has been selected, once the column has the room for it.
+void ShowSelectedName(GtkTreeView* tree)
+{
+    GtkTreeIter node;
+    GdkRectangle cell;
+    if (g_object_get_data(G_OBJECT(tree), kUnseenNameKey) == nullptr ||
+        !gtk_tree_selection_get_selected(gtk_tree_view_get_selection(tree), nullptr, &node)) {
+        return;
+    }
+    const TreeWalk walk(tree);
+    gtk_tree_view_get_cell_area(tree, walk.PathOf(node).get(), gtk_tree_view_get_column(tree, 0), &cell);
+    GtkAdjustment* const sideways = gtk_scrollable_get_hadjustment(GTK_SCROLLABLE(tree));
+    const int end = NodeWidth(tree, walk, node);
+    gtk_adjustment_clamp_page(sideways, cell.x, end);
+    if (end <= gtk_adjustment_get_upper(sideways)) {
+        g_object_set_data(G_OBJECT(tree), kUnseenNameKey, nullptr);
+    }
 }
 
 /// Fits the column to the widest visible row, and lets each row show whether it can be expanded. The toolkit sizes
@@ -58,6 +78,7 @@ gboolean on_SeenNodes_idle(gpointer data)
         ShowLateLookAhead(gtk_tree_view_get_model(tree), *node);
     }
     gtk_tree_view_column_set_fixed_width(gtk_tree_view_get_column(tree, 0), width);
+    ShowSelectedName(tree);
     return G_SOURCE_REMOVE;
 }
 
@@ -69,8 +90,19 @@ void StopUpdate(GtkWidget* tree, gpointer)
     }
 }
 
+void on_Tree_selection_changed(GtkTreeSelection*, gpointer tree)
+{
+    if (!gtk_widget_in_destruction(GTK_WIDGET(tree))) {
+        g_object_set_data(G_OBJECT(tree), kUnseenNameKey, tree);
+        UpdateSeenNodes(GTK_WIDGET(tree));
+    }
+}
+
 void FitToContent(GtkWidget* scroll, GtkTreeView* tree)
 {
+    g_signal_connect(gtk_tree_view_get_selection(tree), "changed", G_CALLBACK(on_Tree_selection_changed), tree);
+    g_signal_connect_object(gtk_scrolled_window_get_hadjustment(GTK_SCROLLED_WINDOW(scroll)), "changed",
+                            G_CALLBACK(ShowSelectedName), tree, G_CONNECT_SWAPPED);
     GtkAdjustment* const vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
     // The bounds change when rows come and go, the value when the tree scrolls.
     g_signal_connect_object(vertical, "changed", G_CALLBACK(UpdateSeenNodes), tree, G_CONNECT_SWAPPED);

@@ -32,16 +32,20 @@ class Installed(unittest.TestCase):
 
     def test_no_file_is_missing(self):
         share = self.root / "share"
-        manual = share / "fennick/Help/fennick.htm"
-        text = manual.read_text(encoding="utf-8")
-        self.assertEqual(set(re.findall('src="([^"]+)"', text)), {path.name for path in manual.parent.glob("*.png")})
-        self.assertEqual(subprocess.run(["tidy", "-e", "-q", manual], capture_output=True).stderr, b"")
-        # It leads nowhere but to itself.
-        self.assertNotRegex(text, r"(?i)https?:|src\s*=\s*\"//|@import|url\(|<(script|link|iframe|object|embed)\b")
-        links = set(re.findall('href="([^"]*)"', text))
-        self.assertTrue(links and links <= {f"#{name}" for name in re.findall(r'\bid="([^"]*)"', text)})
-        for language in (SOURCES / "po/LINGUAS").read_text().split():
-            self.assertTrue((share / f"locale/{language}/LC_MESSAGES/fennick.mo").exists(), language)
+        marks = r'\b(?:id|href|src)="[^"]*"'
+        english = re.findall(marks, (share / "fennick/Help/fennick.htm").read_text(encoding="utf-8"))
+        for language in ["", *(SOURCES / "po/LINGUAS").read_text().split()]:
+            manual = share / "fennick/Help" / language / "fennick.htm"
+            text = manual.read_text(encoding="utf-8")
+            self.assertEqual(set(re.findall('src="([^"]+)"', text)), {path.name for path in manual.parent.glob("*.png")})
+            self.assertEqual(subprocess.run(["tidy", "-e", "-q", "-utf8", manual], capture_output=True).stderr, b"")
+            # It leads nowhere but to itself.
+            self.assertNotRegex(text, r"(?i)https?:|src\s*=\s*\"//|@import|url\(|<(script|link|iframe|object|embed)\b")
+            links = set(re.findall('href="([^"]*)"', text))
+            self.assertTrue(links and links <= {f"#{name}" for name in re.findall(r'\bid="([^"]*)"', text)})
+            self.assertEqual(sorted(re.findall(marks, text)), sorted(english), language)
+            catalogue = share / f"locale/{language}/LC_MESSAGES/fennick.mo"
+            self.assertTrue(catalogue.exists() or not language, language)
         self.assertEqual(len(list(share.glob("icons/hicolor/*/apps/fennick.*"))), 10)
 
     def test_it_knows_where_its_files_are(self):
@@ -77,6 +81,9 @@ class Installed(unittest.TestCase):
                          PATH=f"{moved}/bin:" + os.environ["PATH"])
         directory = home / "100%20 'Ümläut' \"$it\""
         directory.mkdir()
+        # Another program opens directories, or none, until the user chooses this one.
+        self.assertNotIn("fennick", run("gio", "mime", "inode/directory", env=dict(os.environ, **variables)).stdout)
+        run("gio", "mime", "inode/directory", "fennick-folder-handler.desktop", env=dict(os.environ, **variables))
         run("gio", "open", directory, env=dict(os.environ, **variables))
         end = time.monotonic() + 20
         while not report.exists() and time.monotonic() < end:

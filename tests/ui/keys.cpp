@@ -1,5 +1,8 @@
 // Keys in both panes. Whether something is selected in the list decides which pane gets them.
 
+#include <gdk/gdkkeysyms.h>
+
+#include <set>
 #include <sstream>
 
 #include "windowtest.h"
@@ -202,6 +205,47 @@ TEST_F(Keys, AreToldToScreenReaders)
         AtkObject* const icon = atk_table_ref_at(table, static_cast<int>(RowOf(name)), 0);
         EXPECT_STREQ(atk_object_get_name(icon), spoken);
         g_object_unref(icon);
+    }
+}
+
+TEST_F(Keys, AreAllInEveryManual)
+{
+    Start();
+    std::set<std::pair<guint, GdkModifierType>> shortcuts;
+    const auto collect = [](GtkAccelKey* key, GClosure*, gpointer found) -> gboolean {
+        static_cast<decltype(shortcuts)*>(found)->emplace(key->accel_key, key->accel_mods);
+        return FALSE;
+    };
+    for (GSList* group = gtk_accel_groups_from_object(G_OBJECT(pMainW->MainWindow)); group != nullptr;
+         group = group->next) {
+        gtk_accel_group_find(static_cast<GtkAccelGroup*>(group->data), collect, &shortcuts);
+    }
+    EXPECT_GE(shortcuts.size(), 10U);
+    using Name = std::map<guint, const char*>;
+    const auto names = [](const char* control, const char* left, const char* right, const char* up, const char* start) {
+        return Name{
+            {0, control}, {GDK_KEY_Left, left}, {GDK_KEY_Right, right}, {GDK_KEY_Up, up}, {GDK_KEY_Home, start}};
+    };
+    const std::map<std::string, Name> languages = {{"", names("Ctrl", "Left", "Right", "Up", "Home")},
+                                                   {"de/", names("Strg", "Links", "Rechts", "Auf", "Pos1")},
+                                                   {"es/", names("Ctrl", "Izquierda", "Derecha", "Arriba", "Inicio")},
+                                                   {"fr/", names("Ctrl", "Gauche", "Droite", "Haut", "D\u00e9but")},
+                                                   {"ja/", names("Ctrl", "\u2190", "\u2192", "\u2191", "Home")},
+                                                   {"zh_CN/", names("Ctrl", "\u2190", "\u2192", "\u2191", "Home")}};
+    for (const auto& [language, name] : languages) {
+        std::ifstream stream(FENNICK_MANUALS + language + "fennick.htm");
+        const std::string page{std::istreambuf_iterator<char>(stream), {}};
+        for (const auto& [key, modifiers] : shortcuts) {
+            const auto known = name.find(key);
+            const std::string modifier = (modifiers & GDK_CONTROL_MASK) != 0 ? name.at(0)
+                                         : (modifiers & GDK_MOD1_MASK) != 0  ? "Alt"
+                                                                             : "";
+            const std::string text = known != name.end() ? known->second : gdk_keyval_name(gdk_keyval_to_upper(key));
+            const std::string sought =
+                "<dt>" + (modifier.empty() ? "" : "<kbd>" + modifier + "</kbd>+") + "<kbd>" + text + "</kbd>";
+            const bool is_second = key == GDK_KEY_Right;  // In one entry with Left.
+            EXPECT_NE(page.find(sought.substr(is_second ? 4 : 0)), std::string::npos) << language << ": " << sought;
+        }
     }
 }
 

@@ -132,10 +132,14 @@ TEST_F(Open, TheManualIsHandedToTheBrowser)
     const ScopedVariable path("PATH", programs.directory.Path().c_str());
     Start();
     const std::string program = files.At("bin/");
-    for (const char* const beside : {"help/fennick.htm", "share/fennick/Help/fennick.htm"}) {
+    const ScopedVariable locale("LC_ALL", "de_AT.UTF-8");
+    for (const char* const beside : {"help/fennick.htm", "help/de/fennick.htm", "share/fennick/Help/fennick.htm"}) {
         const std::string manual = files.File(beside);
         EXPECT_EQ(FindManual(program), manual);
     }
+    files.File("share/fennick/Help/de/fennick.htm");
+    const ScopedVariable languages("LANGUAGE", "en_GB:de");
+    EXPECT_EQ(FindManual(program), files.At("share/fennick/Help/fennick.htm"));
     if (access("/usr/lib/netscape/start", X_OK) == 0) {
         GTEST_SKIP() << "this machine has a browser of its own to start";
     }

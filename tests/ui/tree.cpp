@@ -70,4 +70,25 @@ TEST_F(Tree, CollapsingMovesTheSelectionExpandingAddsAndRescanningAlsoRemoves)
     ExpectAt("Zeta/one/");
 }
 
+TEST_F(Tree, TheSelectedNameIsScrolledIntoView)
+{
+    const std::string deep = "level-1/level-2/level-3/level-4/level-5/level-6/level-7/level-8/level-9/level-10/";
+    Make({deep + "a-name-that-is-rather-long/"});
+    Start();
+    GtkAdjustment* const sideways = gtk_scrollable_get_hadjustment(GTK_SCROLLABLE(MainTree()));
+    GtkTreeViewColumn* const column = gtk_tree_view_get_column(MainTree(), 0);
+    Visit(deep + "a-name-that-is-rather-long");
+    GdkRectangle cell;
+    gtk_tree_view_get_cell_area(MainTree(), NodePath(pGTable->CurrentDir).get(), column, &cell);
+    const auto begin = [sideways] { return gtk_adjustment_get_value(sideways); };
+    EXPECT_TRUE(Await([&] {
+        const double end = begin() + gtk_adjustment_get_page_size(sideways);
+        return begin() > 0 && (end >= gtk_tree_view_column_get_width(column) || begin() + 1 > cell.x);
+    })) << begin()
+        << ", from " << cell.x << " to " << gtk_tree_view_column_get_width(column);
+    EXPECT_LE(begin(), cell.x);
+    Visit("");
+    EXPECT_TRUE(Await([&] { return begin() <= 40; }));
+}
+
 }  // namespace
