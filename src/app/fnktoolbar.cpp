@@ -23,7 +23,9 @@ namespace {
 
 /// The list needs the height more than the buttons do.
 constexpr const char* kBarStyle = "toolbar { padding: 1px; }";
-constexpr const char* kButtonStyle = "button { padding: 1px 9px; min-height: 0; }";
+constexpr const char* kButtonStyle = "button { padding: 1px 6px; min-height: 0; }";
+/// All buttons fit into a window of the default width in every language.
+constexpr const char* kLabelStyle = "label { padding: 0; }";
 
 using ToolHandler = void (*)(GtkWidget*, gpointer);
 
@@ -94,6 +96,10 @@ GtkWidget* CreateToolButton(GtkWidget* toolbar, int slot)
         tip = TipWithShortcut(tip, tool.shortcut);
         AddShortcut(pMainW->MainWindow, tool.shortcut, on_Tool_shortcut, GINT_TO_POINTER(slot));
     }
+    GtkWidget* const label = gtk_label_new(gettext(tool.label));
+    SetStyle(label, kLabelStyle);
+    gtk_widget_show(label);
+    gtk_tool_button_set_label_widget(GTK_TOOL_BUTTON(item), label);
     gtk_tool_item_set_tooltip_text(item, tip.c_str());
     // Buttons of equal width would not fit into a window of the default width.
     gtk_tool_item_set_homogeneous(item, FALSE);
