@@ -41,13 +41,27 @@ std::string Tree(int count)
     return tree;
 }
 
-/// Presses OK once the result is on the screen; runs with lower priority than painting does.
+/// Sets *data if the widget, or one in it, says that the search is over.
+void LookForEnd(GtkWidget* widget, gpointer data)
+{
+    if (GTK_IS_LABEL(widget) && g_str_equal(gtk_label_get_text(GTK_LABEL(widget)), "Match file list")) {
+        *static_cast<bool*>(data) = true;
+    } else if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(GTK_CONTAINER(widget), LookForEnd, data);
+    }
+}
+
+/// Presses OK once the whole result is on the screen: before, it would stop the search. Runs with lower
+/// priority than painting does.
 gboolean LeaveResult(gpointer)
 {
     GtkWidget* const dialog = gtk_grab_get_current();
-    GtkWidget* const button = dialog != nullptr ? gtk_window_get_default_widget(GTK_WINDOW(dialog)) : nullptr;
-    if (button != nullptr && gtk_widget_is_sensitive(button)) {
-        gtk_button_clicked(GTK_BUTTON(button));
+    bool is_over = false;
+    if (dialog != nullptr) {
+        LookForEnd(dialog, &is_over);
+    }
+    if (is_over) {
+        gtk_button_clicked(GTK_BUTTON(gtk_window_get_default_widget(GTK_WINDOW(dialog))));
     }
     return G_SOURCE_CONTINUE;
 }
