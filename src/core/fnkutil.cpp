@@ -573,7 +573,7 @@ namespace {
 /// another one. They are U+202A to U+202E and U+2066 to U+2069.
 void SpellDirections(std::string& text)
 {
-    for (std::size_t at = 0; (at = text.find("\xE2", at)) != std::string::npos; ++at) {
+    for (std::size_t at = 0; (at = text.find(char(0xE2), at)) != std::string::npos; ++at) {
         const gunichar character = g_utf8_get_char(text.c_str() + at);
         if ((character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069)) {
             text.replace(at, 3, FormatText("[U+%04X]", character));
