@@ -310,12 +310,12 @@ bool MayBeScript(const char* file)
 }
 
 /// Starts the program from a helper process that ends at once. The program is then a child of init,
-/// which reaps it. Returns the id of the helper, and in error why no file could be executed, or 0.
-pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arguments, int& error)
+/// which reaps it. Returns the id of the helper. Unless error is null, waits until the program runs, and
+/// stores 0, or the errno if no file could be executed.
+pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arguments, int* error)
 {
     int ends[2] = {-1, -1};
     [[maybe_unused]] const int made = pipe2(ends, O_CLOEXEC);  // Without a pipe, the error stays unknown.
-    error = 0;
     const Descriptor reader(ends[0]);
     Descriptor writer(ends[1]);
     const std::vector<char*> file_pointers = PointersTo(files);
@@ -338,8 +338,11 @@ pid_t StartDetached(std::vector<std::string> files, std::vector<std::string> arg
     }
     while (waitpid(helper, nullptr, 0) < 0 && errno == EINTR) {
     }
-    writer = Descriptor();
-    while (reader && read(reader.Get(), &error, sizeof error) < 0 && errno == EINTR) {
+    if (error != nullptr) {
+        *error = 0;
+        writer = Descriptor();
+        while (reader && read(reader.Get(), error, sizeof *error) < 0 && errno == EINTR) {
+        }
     }
     return helper;
 }
@@ -368,12 +371,10 @@ pid_t ExecProcess(const std::string& program, const std::string& argument, const
                   StartFailure* failure)
 {
     const std::vector<std::string> command = MakeCommand(program, argument, browser);
-    int error = 0;
-    const pid_t helper = StartDetached(FindCandidates(command.front()), command, error);
     if (failure != nullptr) {
-        *failure = {command.front(), error};
+        failure->program = command.front();
     }
-    return helper;
+    return StartDetached(FindCandidates(command.front()), command, failure != nullptr ? &failure->error : nullptr);
 }
 
 pid_t ExecFennick()
@@ -384,8 +385,7 @@ pid_t ExecFennick()
     if (char** const line = pGTable->ArgV; line != nullptr) {
         arguments.assign(line, line + g_strv_length(line));
     }
-    int error = 0;
-    return StartDetached(files, arguments, error);
+    return StartDetached(files, arguments, nullptr);
 }
 
 std::string GetProgramDirectory()

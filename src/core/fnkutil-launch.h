@@ -54,13 +54,13 @@ int GetStatus(const char* key, const char* text, std::string& value, std::size_t
 
 /// Starts program, a file name that is looked up in PATH. It gets argument unless that is empty. It
 /// is not a child of this process, has its own session and inherits only the three standard
-/// descriptors. A script needs no "#!" line. Waits until it runs, or cannot be executed.
+/// descriptors. A script needs no "#!" line.
 ///
 /// If program is browser.start, argument is a file to show. The desktop's opener shows it if
 /// browser.start is not installed; else a running browser is told to show it.
 ///
-/// Returns the id of a helper process, which has ended. Unless failure is null, tells there whether the
-/// program runs.
+/// Returns the id of a helper process, which has ended. Unless failure is null, waits until the program
+/// runs, or cannot be executed, and tells which.
 pid_t ExecProcess(const std::string& program, const std::string& argument, const Browser& browser = Browser(),
                   StartFailure* failure = nullptr);
 
