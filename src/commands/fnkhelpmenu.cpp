@@ -2,12 +2,15 @@
 
 #include <unistd.h>
 
+#include <optional>
+
 #include "commands/fnkfilemenu-open.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil-launch.h"
 #include "core/fnkutil.h"
 #include "core/fnkversion.h"
 #include "kit/fnkmainwindow-record.h"
+#include "kit/fnkprogress.h"
 #include "kit/fnkutil-widget.h"
 
 #include "Abort.xpm"
@@ -75,7 +78,11 @@ std::string FindManual(const std::string& program_directory)
 
 void on_Menu_Manual_activate(GtkWidget*, gpointer)
 {
-    StartProgram(Browser().start, FindManual(GetProgramDirectory()));
+    const std::optional<std::string> manual =
+        WaitFor(kInstalledManuals, [] { return FindManual(GetProgramDirectory()); });
+    if (manual) {
+        StartProgram(Browser().start, *manual);
+    }
 }
 
 void on_Menu_Abort_activate(GtkWidget*, gpointer)
