@@ -20,29 +20,9 @@ constexpr std::chrono::milliseconds kPatience{200};
 
 enum Trust { TRUST_NOTHING, TRUST_ARGUMENTS };
 
-/// Makes the relative path of a directory absolute. Anything else stays as typed, also a link to a
-/// directory: IsDirectory does not follow it. Trusted arguments are not looked at.
-std::string DirectoryArgument(const Arguments& arguments, std::size_t index, Trust trust)
+std::string GetArgument(const Arguments& arguments, std::size_t index)
 {
-    const std::string argument = index < arguments.size() ? arguments[index] : "";
-    if (argument.empty() || argument.front() == '/') {
-        return argument;
-    }
-    if (trust == TRUST_ARGUMENTS) {
-        return GlibPointer<char>(g_canonicalize_filename(argument.c_str(), nullptr)).get();
-    }
-    const std::string real = IsDirectory(argument) ? GetRealDirectory(argument) : "";
-    return real.empty() ? argument : real;
-}
-
-/// Makes a relative path absolute, unless it begins with "~". SetStartDirectories resolves the rest.
-std::string StartArgument(const Arguments& arguments, std::size_t index)
-{
-    const std::string argument = index < arguments.size() ? arguments[index] : "";
-    if (argument.empty() || argument.front() == '/' || argument == "~" || argument.starts_with("~/")) {
-        return argument;
-    }
-    return WithSlash(GlibPointer<char>(g_get_current_dir()).get()) + argument;
+    return index < arguments.size() ? arguments[index] : "";
 }
 
 bool IsUsable(const std::string& directory, Trust trust)
@@ -51,19 +31,42 @@ bool IsUsable(const std::string& directory, Trust trust)
            (trust == TRUST_ARGUMENTS || IsDirectory(directory));
 }
 
+/// The root as an absolute path; empty if it is not a usable directory. A link to a directory is none,
+/// as in the tree. Trusted arguments are not looked at.
+std::string ResolveRoot(const std::string& argument, Trust trust)
+{
+    std::string root = argument;
+    if (!argument.empty() && argument.front() != '/') {
+        if (trust == TRUST_ARGUMENTS) {
+            root = GlibPointer<char>(g_canonicalize_filename(argument.c_str(), nullptr)).get();
+        } else {
+            root = IsDirectory(argument) ? GetRealDirectory(argument) : "";
+        }
+    }
+    return IsUsable(root, trust) ? root : "";
+}
+
+/// Makes a relative path absolute, unless it begins with "~". SetStartDirectories resolves the rest.
+std::string MakeStartAbsolute(const std::string& argument)
+{
+    if (argument.empty() || argument.front() == '/' || BeginsWithTilde(argument)) {
+        return argument;
+    }
+    return WithSlash(GlibPointer<char>(g_get_current_dir()).get()) + argument;
+}
+
 CommandLine Parse(const Arguments& arguments, Trust trust)
 {
     CommandLine result;
-    const std::string option = arguments.size() > 1 ? arguments[1] : "";
+    const std::string option = GetArgument(arguments, 1);
     if (option == "--version") {
         result.is_version_requested = true;
     } else if (option == "--root") {
         result.root = "/";
-        result.start = StartArgument(arguments, 2);
+        result.start = MakeStartAbsolute(GetArgument(arguments, 2));
     } else if (option == "--home") {
-        const std::string root = DirectoryArgument(arguments, 2, trust);
-        result.root = IsUsable(root, trust) ? root : "";
-        result.start = StartArgument(arguments, 3);
+        result.root = ResolveRoot(GetArgument(arguments, 2), trust);
+        result.start = MakeStartAbsolute(GetArgument(arguments, 3));
     }
     if (result.root.empty()) {
         result.root = GetHomeDirectory();

@@ -6,7 +6,7 @@
 struct CommandLine {
     bool is_version_requested = false;
     std::string root;   ///< Top of the tree, ending in "/"; never empty.
-    std::string start;  ///< Directory to open first; not checked, may be empty.
+    std::string start;  ///< To open first: as typed, but absolute or beginning with "~"; or empty.
 };
 
 /// Only the first argument can be an option, spelled in full. The root is the home directory unless the

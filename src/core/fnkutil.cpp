@@ -154,10 +154,15 @@ std::string RealPath(const std::string& path)
 
 }  // namespace
 
+bool BeginsWithTilde(std::string_view typed)
+{
+    return typed == "~" || typed.starts_with("~/");
+}
+
 std::string ResolveTypedPath(const std::string& typed)
 {
     std::string path = typed;
-    if (path == "~" || path.starts_with("~/")) {
+    if (BeginsWithTilde(path)) {
         path.replace(0, 1, GetHomeDirectory());
     }
     if (!path.starts_with('/') || path.size() > kMaxPathBytes) {

@@ -110,10 +110,12 @@ std::string ConvertSize(std::uint64_t size);
 /// 1 if ShowHidden and ShowBackup let an entry of this name appear, else 0.
 int CheckFileName(std::string_view name);
 
-/// The directory or file that a typed path means, inside RootDir: "~" is the home directory, and
-/// links are followed. What does not exist, or is reached only by a link that leads out of RootDir, comes
-/// back as typed, but without "//", "." and "..". Empty if the path is relative, too long or outside RootDir. Looks
-/// at the disk.
+/// Whether a typed path starts from the home directory: "~" alone or before "/".
+bool BeginsWithTilde(std::string_view typed);
+/// The directory or file that a typed path means, inside RootDir: "~" is the home directory, and links
+/// are followed. What does not exist, or is reached only by a link that leads out of RootDir, comes back
+/// as typed, but without "//", "." and "..". Empty if the path is relative, too long or outside RootDir.
+/// Looks at the disk.
 std::string ResolveTypedPath(const std::string& typed);
 
 /// Judges a typed path. A relative one counts from CurrentDir. Makes path canonical, beginning with
