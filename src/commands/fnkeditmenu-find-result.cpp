@@ -8,6 +8,7 @@
 #include "commands/fnkeditmenu-find-model.h"
 #include "core/fnkfiles-place.h"
 #include "core/fnkstring.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkutil-widget.h"
 #include "panes/fnkdirtree-keys.h"

@@ -3,6 +3,7 @@
 #include "commands/fnkeditmenu-find-result.h"
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"

@@ -11,6 +11,7 @@
 #include "commands/fnkfilemenu-targets.h"
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "engine/fnkfiles-report.h"
 #include "engine/fnkfiles-sync.h"

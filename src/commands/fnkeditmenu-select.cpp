@@ -4,7 +4,7 @@
 
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 #include "kit/fnkutil-pattern.h"
 #include "kit/fnkutil-view.h"
 #include "panes/fnkfilelist.h"

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "core/fnkstring.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"

@@ -9,6 +9,7 @@
 #include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "engine/fnkfilemenu-property-change.h"
 #include "engine/fnkfiles-copy.h"

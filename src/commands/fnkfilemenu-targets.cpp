@@ -4,6 +4,7 @@
 
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmessage-box.h"
 #include "panes/fnkdirtree.h"

@@ -11,6 +11,7 @@
 #include "commands/fnkfilemenu-targets.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil-launch.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "engine/fnkfiles-delete.h"
 #include "kit/fnkmainwindow-record.h"

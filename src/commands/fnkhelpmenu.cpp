@@ -7,6 +7,7 @@
 #include "commands/fnkfilemenu-open.h"
 #include "core/fnkstring.h"
 #include "core/fnkutil-launch.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "core/fnkversion.h"
 #include "kit/fnkmainwindow-record.h"

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/fnkfiles.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "core/fnkversion.h"
 

@@ -15,6 +15,7 @@
 #include "core/fnkfiles-newfile.h"
 #include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 
 namespace {

@@ -16,6 +16,7 @@
 
 #include "core/fnkraii.h"
 #include "core/fnktable.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 // Paths, names, file types and histories: small functions without state of their own.
-// Paths are byte strings. Convert them with DisplayText before showing them.
+// Paths are byte strings. DisplayText makes them fit to be shown.
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -39,32 +39,6 @@ enum PathStatus {
     PATH_NULL,  ///< A null pointer.
     PATH_LEFT,  ///< The user did not wait for the verdict.
 };
-
-/// Steps through the characters of a text whose encoding is uncertain.
-///
-/// In a UTF-8 locale, a character is a UTF-8 sequence or a single invalid byte. In any other locale,
-/// a character is a UTF-8 sequence if the rest of the text is well-formed UTF-8. If it is not, a byte
-/// of 0x80 or above forms a character with the byte after it, as in two-byte Japanese encodings.
-class CharStepper {
-public:
-    /// The text is [begin, end) and must outlive the stepper.
-    CharStepper(const char* begin, const char* end);
-    /// The character after the one at position, at most end. Positions must not decrease: this lets
-    /// a walk over the whole text take linear time.
-    const char* Next(const char* position);
-
-private:
-    bool IsWellFormedFrom(const char* position);
-
-    const char* end_;
-    const char* ill_formed_;             ///< The rest is ill-formed from every position up to here.
-    const char* well_formed_ = nullptr;  ///< The rest is well-formed from here; null until known.
-    bool utf8_locale_;
-};
-
-/// The first occurrence of delimiter as a character of its own, which may be at text itself. With
-/// delimiter 0, the second character. Null if there is none, or if text is null.
-const char* CharNext(const char* text, char delimiter);
 
 /// The parent of an absolute path, ending in "/". The parent of "/" is "/". Empty for an empty path.
 std::string GetParentDirectory(const std::string& path);
@@ -123,12 +97,6 @@ std::string ResolveTypedPath(const std::string& typed);
 /// PATH_NULL.
 PathStatus CheckFileExist(std::string* path);
 
-/// Whether the whole name matches a shell wildcard pattern. Case matters, and a leading "." is not
-/// special. In a UTF-8 locale an invalid byte counts as one character, as it does on the screen.
-bool MatchPattern(const std::string& pattern, const char* name);
-/// Whether a typed pattern is neither empty nor too long to be stored.
-bool IsUsablePattern(const std::string& text);
-
 /// Type of an entry of CurrentDir, given its absolute path and its lstat record.
 FileType GetFileType(const std::string& path, const struct stat& st);
 
@@ -148,11 +116,3 @@ FileType GetLinkType(int directory, const char* name, std::size_t base_length);
 /// Puts text at the front of a history of at most ten entries, moving an equal entry or dropping
 /// the tenth. Ignores empty texts and texts longer than kMaxPathBytes.
 void AddHistoryListS(History& list, const std::string& text);
-
-/// Bytes as valid UTF-8. Invalid bytes become the replacement character, and characters that change the
-/// direction of writing become their number, such as "[U+202E]".
-std::string DisplayText(std::string_view bytes);
-/// The same on one line: an arrow stands for each line break.
-std::string DisplayLine(std::string_view bytes);
-/// printf into a string.
-std::string FormatText(const char* format, ...) __attribute__((format(printf, 1, 2)));

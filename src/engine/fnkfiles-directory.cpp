@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "core/fnkstring.h"
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 #include "engine/fnkfiles-delete.h"
 #include "engine/fnkfiles-report.h"
 #include "engine/fnkfiles-sync.h"

@@ -3,7 +3,7 @@
 #include <glib.h>
 
 #include "core/fnkraii.h"
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 
 EngineEvents OnEngine;
 

@@ -1,7 +1,7 @@
 #include "kit/fnkutil-pattern.h"
 
 #include "core/fnktable.h"
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"
 #include "kit/fnkutil-widget.h"

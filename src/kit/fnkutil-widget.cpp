@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "core/fnkstring.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 

@@ -11,7 +11,7 @@
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
 #include "core/fnkthread.h"
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 #include "engine/fnkmessage.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-widget.h"

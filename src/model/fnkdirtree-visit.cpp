@@ -12,6 +12,7 @@
 #include "core/fnkraii.h"
 #include "core/fnktable.h"
 #include "core/fnkthread.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "model/fnkfilelist-sort.h"
 

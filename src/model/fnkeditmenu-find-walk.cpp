@@ -10,6 +10,7 @@
 
 #include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 
 FoundTree::FoundTree(const std::string& top) : entries_{NewEntry(top, true)} {}

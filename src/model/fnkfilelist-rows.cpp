@@ -13,6 +13,7 @@
 #include "core/fnkfiles-place.h"
 #include "core/fnkraii.h"
 #include "core/fnkthread.h"
+#include "core/fnkutil-text.h"
 #include "engine/fnkfilemenu-property-change.h"
 
 namespace {

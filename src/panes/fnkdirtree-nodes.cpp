@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/fnkraii.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 #include "kit/fnkutil-picture.h"
 #include "kit/fnkutil-view.h"
 #include "kit/fnkutil-widget.h"

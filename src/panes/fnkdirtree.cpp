@@ -6,6 +6,7 @@
 
 #include "core/fnkfiles-place.h"
 #include "core/fnkstring.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkcommand.h"
 #include "kit/fnkmainwindow-record.h"

@@ -14,6 +14,7 @@
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
 #include "core/fnkthread.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkutil-widget.h"

@@ -8,6 +8,7 @@
 #include "core/fnkraii.h"
 #include "core/fnkstring.h"
 #include "core/fnktable.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkmainwindow-record.h"
 #include "kit/fnkmessage-box.h"

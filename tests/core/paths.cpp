@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/fnkfiles-place.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "tabletest.h"
 

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "child.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "faults.h"
 #include "model/fnkdirtree-scan.h"

@@ -5,7 +5,7 @@
 #include <climits>
 #include <sstream>
 
-#include "core/fnkutil.h"
+#include "core/fnkutil-text.h"
 #include "tabletest.h"
 
 namespace {

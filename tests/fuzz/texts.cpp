@@ -4,6 +4,7 @@
 #include <glib.h>
 
 #include "core/fnkutil-launch.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "fuzz.h"
 #include "model/fnkfilelist-rows.h"

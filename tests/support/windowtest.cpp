@@ -11,6 +11,7 @@
 #include "app/fnktable-start.h"
 #include "core/fnkstring.h"
 #include "core/fnkthread.h"
+#include "core/fnkutil-text.h"
 #include "core/fnkutil.h"
 #include "kit/fnkvisit.h"
 #include "model/fnkdirtree-scan.h"
